@@ -1,1 +1,76 @@
 #include "TestSupport.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+namespace halvane::test {
+
+TestPlatform::TestPlatform() {
+    QDir().mkpath(programFolder());
+    folder = std::make_unique<ProgramFolder>(programFolder());
+    ini = std::make_unique<QtSettingsStore>(iniPath());
+    store = std::make_unique<RecordingStore>(*ini);
+    wire();
+}
+
+void TestPlatform::wire() {
+    app.reset(new AppContext{{messages, dialogs, processes, shell, desktop, *store, *folder},
+                             AppState{}});
+}
+
+void TestPlatform::reopenStore() {
+    ini->flush();
+    ini = std::make_unique<QtSettingsStore>(iniPath());
+    store = std::make_unique<RecordingStore>(*ini);
+    const AppState state = app->state;
+    wire();
+    app->state = state;
+}
+
+void TestPlatform::makeGameFolder() {
+    QDir().mkpath(gameFolder() + QStringLiteral("/baseq3"));
+    writeFile(gameFolder() + QStringLiteral("/quake3.exe"), "#!/bin/sh\n");
+    QFile::setPermissions(gameFolder() + QStringLiteral("/quake3.exe"),
+                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    ini->write(QStringLiteral("Settings"), QStringLiteral("Path"), gameFolder());
+    ini->write(QStringLiteral("Settings"), QStringLiteral("Exe"), QStringLiteral("quake3.exe"));
+    ini->flush();
+    app->state.GameFolder = gameFolder();
+    app->state.GameExeName = QStringLiteral("quake3.exe");
+}
+
+QString TestPlatform::writeFile(const QString& path, const QByteArray& content) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile file(path);
+    if (file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        file.write(content);
+    return path;
+}
+
+QByteArray readAll(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QByteArray();
+    return file.readAll();
+}
+
+QString firstDifference(const QByteArray& actual, const QByteArray& expected) {
+    if (actual == expected)
+        return QString();
+    const QList<QByteArray> a = actual.split('\n');
+    const QList<QByteArray> e = expected.split('\n');
+    for (int i = 0; i < qMax(a.size(), e.size()); ++i) {
+        const QByteArray left = i < a.size() ? a[i] : QByteArray("<missing>");
+        const QByteArray right = i < e.size() ? e[i] : QByteArray("<missing>");
+        if (left != right) {
+            return QStringLiteral("line %1:\n  actual:   %2\n  expected: %3")
+                .arg(i + 1)
+                .arg(QString::fromLatin1(left.toPercentEncoding(" /\\\"';:.,=+-_()[]*?<>|!#")),
+                     QString::fromLatin1(right.toPercentEncoding(" /\\\"';:.,=+-_()[]*?<>|!#")));
+        }
+    }
+    return QStringLiteral("files differ");
+}
+
+} // namespace halvane::test

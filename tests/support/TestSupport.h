@@ -1,1 +1,73 @@
 #pragma once
+
+#include "platform/FakePlatform.h"
+#include "platform/QtPlatform.h"
+#include "ui/AppContext.h"
+
+#include <QStringList>
+#include <QTemporaryDir>
+#include <functional>
+#include <memory>
+
+namespace halvane::test {
+
+// A settings store that records every write, and can be told to refuse one.
+class RecordingStore : public SettingsStore {
+public:
+    explicit RecordingStore(SettingsStore& inner) : m_inner(inner) {}
+    QString read(const QString& section, const QString& key,
+                 const QString& defaultText) const override {
+        return m_inner.read(section, key, defaultText);
+    }
+    bool write(const QString& section, const QString& key, const QString& value) override {
+        writes.append(section + QLatin1Char('/') + key + QLatin1Char('=') + value);
+        if (!failAtKey.isEmpty() && key == failAtKey)
+            return false;
+        return m_inner.write(section, key, value);
+    }
+    bool flush() override { return m_inner.flush(); }
+    QStringList writes;
+    QString failAtKey;
+
+private:
+    SettingsStore& m_inner;
+};
+
+// Everything a window needs from the platform, as fakes over real folders:
+// a temporary program folder, a temporary game folder and a real INI file.
+class TestPlatform {
+public:
+    TestPlatform();
+    QString root() const { return m_dir.path(); }
+    QString programFolder() const { return m_dir.path() + QStringLiteral("/program"); }
+    QString gameFolder() const { return m_dir.path() + QStringLiteral("/game"); }
+    QString iniPath() const { return m_dir.path() + QStringLiteral("/Halvane.ini"); }
+
+    // Makes game/quake3.exe and game/baseq3 and stores them as the location.
+    void makeGameFolder();
+    // Writes a file (creating folders); returns its path.
+    QString writeFile(const QString& path, const QByteArray& content);
+    // A fresh store over the same INI file, as the next run would see it.
+    void reopenStore();
+
+    FakeMessageBoxes messages;
+    FakeFileDialogs dialogs;
+    FakeProcesses processes;
+    FakeShell shell;
+    FakeDesktop desktop;
+    std::unique_ptr<QtSettingsStore> ini;
+    std::unique_ptr<RecordingStore> store;
+    std::unique_ptr<ProgramFolder> folder;
+    std::unique_ptr<AppContext> app;
+
+private:
+    void wire();
+    QTemporaryDir m_dir;
+};
+
+QByteArray readAll(const QString& path);
+
+// Compares two byte strings line by line and says where they first differ.
+QString firstDifference(const QByteArray& actual, const QByteArray& expected);
+
+} // namespace halvane::test

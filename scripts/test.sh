@@ -1,0 +1,9 @@
+#!/usr/bin/env bash
+# Builds Halvane and runs every test (windows run offscreen, no display needed).
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/deps.sh
+cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
+cmake --build build
+cd build
+QT_QPA_PLATFORM=offscreen ctest --output-on-failure

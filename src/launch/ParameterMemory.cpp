@@ -1,0 +1,65 @@
+#include "launch/ParameterMemory.h"
+
+#include "ui/AppContext.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QLineEdit>
+
+namespace halvane {
+
+namespace {
+const QString Section = QStringLiteral("Advanced");
+QString parameterKey(int i) {
+    return QStringLiteral("Parameter") + QString::number(i);
+}
+} // namespace
+
+ParameterMemory::ParameterMemory(QComboBox& parameters, QCheckBox& specifyCd, QLineEdit& cdDrive,
+                                 AppContext& app)
+    : m_parameters(parameters), m_specifyCd(specifyCd), m_cdDrive(cdDrive), m_app(app) {}
+
+void ParameterMemory::loadParameterList() {
+    const SettingsStore& store = m_app.platform.store;
+    m_parameters.clear();
+    for (int i = 0; i < Offered; ++i) {
+        const QString line = store.read(Section, parameterKey(i), QString());
+        if (!line.isEmpty())
+            m_parameters.addItem(line);
+    }
+    m_parameters.setEditText(store.read(Section, QStringLiteral("CDLine"), QString()));
+}
+
+void ParameterMemory::saveParameterList() {
+    SettingsStore& store = m_app.platform.store;
+    const QString text = m_parameters.currentText();
+    if (text.trimmed().isEmpty()) {
+        store.write(Section, QStringLiteral("CDLine"), text);
+        store.flush();
+        return;
+    }
+    bool known = false;
+    for (int i = 0; i < Offered && !known; ++i)
+        known = store.read(Section, parameterKey(i), QString()) == text;
+    store.write(Section, QStringLiteral("CDLine"), text);
+    if (!known) {
+        // Shift what the list shows one place down; the tenth falls out of
+        // reach under "Parameter10".
+        for (int i = m_parameters.count() - 1; i >= 0; --i)
+            store.write(Section, parameterKey(i + 1), m_parameters.itemText(i));
+        store.write(Section, parameterKey(0), text);
+    }
+    store.flush();
+}
+
+void ParameterMemory::loadCdDrive() {
+    m_cdDrive.setEnabled(true);
+    m_cdDrive.clear();
+    const QString letter =
+        m_app.platform.store.read(Section, QStringLiteral("CDLetter"), QString());
+    if (!letter.isEmpty())
+        m_cdDrive.setText(letter);
+    m_cdDrive.setEnabled(m_specifyCd.isChecked());
+}
+
+} // namespace halvane

@@ -1,0 +1,31 @@
+#pragma once
+
+class QCheckBox;
+class QComboBox;
+class QLineEdit;
+
+namespace halvane {
+
+struct AppContext;
+
+// The remembered extra command-line parameter lines (most recent first, ten
+// offered) and the CD drive box.
+class ParameterMemory {
+public:
+    static constexpr int Offered = 10;
+
+    ParameterMemory(QComboBox& parameters, QCheckBox& specifyCd, QLineEdit& cdDrive,
+                    AppContext& app);
+
+    void loadParameterList();
+    void saveParameterList();
+    void loadCdDrive();
+
+private:
+    QComboBox& m_parameters;
+    QCheckBox& m_specifyCd;
+    QLineEdit& m_cdDrive;
+    AppContext& m_app;
+};
+
+} // namespace halvane

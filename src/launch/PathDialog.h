@@ -1,0 +1,55 @@
+#pragma once
+
+#include <QDialog>
+#include <memory>
+
+namespace Ui {
+class frmPath;
+}
+
+namespace halvane {
+
+struct AppContext;
+
+// What the path dialog needs of the window it returns to.
+class PathDialogHost {
+public:
+    virtual ~PathDialogHost() = default;
+    // Shows the main window (loading it the first time), enabled, on its
+    // first tab, with the focus in the message of the day.
+    virtual void showMainWindow() = 0;
+    virtual void endProgram() = 0;
+};
+
+// The game location dialog: the first window of every run, and the one the
+// main window opens to change the location.
+class PathDialog : public QDialog {
+    Q_OBJECT
+public:
+    PathDialog(AppContext& app, PathDialogHost& host, QWidget* owner = nullptr);
+    ~PathDialog() override;
+
+    // Reads the stored location; closes unseen when it is valid at start-up,
+    // otherwise shows itself.
+    void load();
+
+    bool PathChosen = false;
+    Ui::frmPath& form() { return *ui; }
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void reject() override;
+
+private:
+    void cmdBrowse();
+    void cmdOkay();
+    void cmdCancel();
+    void unload();
+
+    std::unique_ptr<Ui::frmPath> ui;
+    AppContext& m_app;
+    PathDialogHost& m_host;
+    bool m_unloading = false;
+};
+
+} // namespace halvane

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "maps/MapRecord.h"
+
+#include <QHash>
+#include <QString>
+#include <vector>
+
+namespace halvane {
+
+class MessageBoxes;
+
+// The records of the data file as they were at one moment: one read serves
+// every look-up of an operation that looks up many maps.
+class MapSnapshot {
+public:
+    explicit MapSnapshot(std::vector<MapRecord> records);
+    qint16 count() const { return qint16(m_records.size()); }
+    // Record number (from 1) of the first record with this file name, -1 when none.
+    qint16 find(const QString& name) const;
+    const MapRecord& record(int number) const { return m_records[size_t(number - 1)]; }
+    // Notes a record appended after the snapshot was taken.
+    void appended(const MapRecord& record);
+
+private:
+    std::vector<MapRecord> m_records;
+    QHash<QString, qint16> m_first; // trimmed, lower-cased file name -> record number
+    qint16 m_firstDeleted = -1;
+};
+
+// The map catalogue: the file maps.dat beside the program, never cached, and
+// the little state every map operation shares.
+class MapCatalogue {
+public:
+    static constexpr int MaxRecords = 32766;
+
+    explicit MapCatalogue(QString programFolder);
+
+    MapRecord RecordBuffer;
+    qint16 CurrentMapRecord = 0;
+    bool MapDataDamaged = false;
+
+    QString dataPath() const;
+    QString installedPath() const;
+    QString backupPath() const;
+
+    qint16 CountMaps() const;
+    qint16 FindMap(const QString& name) const;
+    // Reads record n into RecordBuffer.
+    bool readRecord(int number);
+    // Stores RecordBuffer as record n; one past the last appends.
+    bool writeRecord(int number);
+    bool writeRecord(int number, const MapRecord& record);
+    // Appends records in one go; false when the file refused them.
+    bool append(const std::vector<MapRecord>& records);
+    // The whole file read once.
+    MapSnapshot snapshot() const;
+    // Copies maps.dat to maps.bak, replacing an older backup.
+    bool backup() const;
+
+    // Start-up check: creates maps.dat from the installed catalogue when it is
+    // missing, and repairs it when its first record is blank.
+    void CheckMapDataFile(MessageBoxes& messages, const QString& contactAddress);
+
+private:
+    bool ensureExists() const;
+    QString m_folder;
+};
+
+// A new record with both names set to the map's name and the given rules.
+struct MapRules {
+    QString fragLimit, timeLimit, captureLimit, gravity, speed, knockBack;
+};
+MapRecord makeMapRecord(const QString& displayName, const QString& fileName, const MapRules& rules);
+
+} // namespace halvane

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "platform/Platform.h"
+
+#include <QList>
+#include <QMap>
+#include <QStringList>
+#include <functional>
+
+namespace halvane {
+
+// Recording fakes: tests script the answers and read back what was asked.
+
+struct ShownMessage {
+    QString title;
+    QString text;
+    MsgButtons buttons;
+    MsgIcon icon;
+};
+
+class FakeMessageBoxes : public MessageBoxes {
+public:
+    MsgAnswer show(const QString& title, const QString& text, MsgButtons buttons,
+                   MsgIcon icon) override;
+    QList<ShownMessage> shown;
+    QList<MsgAnswer> answers; // Yes/No answers in order; No when none is left
+    std::function<void(const ShownMessage&)> onShow; // runs before the answer is given
+    void clear() {
+        shown.clear();
+        answers.clear();
+    }
+};
+
+struct FileDialogCall {
+    bool save = false;
+    QString title, filter, defaultSuffix, initialFolder;
+};
+
+class FakeFileDialogs : public FileDialogs {
+public:
+    FileChoice openFile(const QString& title, const QString& filter,
+                        const QString& initialFolder) override;
+    FileChoice saveFile(const QString& title, const QString& filter, const QString& defaultSuffix,
+                        const QString& initialFolder) override;
+    QList<FileDialogCall> calls;
+    QList<FileChoice> choices; // cancelled when none is left
+};
+
+struct StartedProcess {
+    QString program;
+    QStringList arguments;
+    QString workingFolder;
+};
+
+class FakeProcesses : public Processes {
+public:
+    StartResult start(const QString& program, const QStringList& arguments,
+                      const QString& workingFolder) override;
+    bool activate(qint64 taskId) override;
+    QList<StartedProcess> started;
+    QList<qint64> activated;
+    QList<qint64> alive;  // task ids that count as running
+    int failWithCode = 0; // non-zero: the next starts fail with this code
+    qint64 nextTaskId = 1000;
+};
+
+class FakeShell : public Shell {
+public:
+    bool openDocument(const QString& target) override;
+    bool editTextFile(const QString& path) override;
+    QStringList opened;
+    QStringList edited;
+    bool succeed = true;
+};
+
+class FakeDesktop : public Desktop {
+public:
+    bool anotherCopyRunning() override { return otherCopy; }
+    void beep() override { ++beeps; }
+    void setBusy(bool busy) override;
+    bool otherCopy = false;
+    int beeps = 0;
+    int busyDepth = 0;
+    int busyCalls = 0;
+};
+
+} // namespace halvane

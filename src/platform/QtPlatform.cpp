@@ -1,0 +1,233 @@
+#include "platform/QtPlatform.h"
+
+#include <QApplication>
+#include <QCoreApplication>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QProcess>
+#include <QStandardPaths>
+#include <QUrl>
+
+#ifdef Q_OS_WIN
+#include <windows.h>
+#else
+#include <cerrno>
+#include <csignal>
+#endif
+
+namespace halvane {
+
+MsgAnswer QtMessageBoxes::show(const QString& title, const QString& text, MsgButtons buttons,
+                               MsgIcon icon) {
+    QString shown = text;
+    shown.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    shown.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    QMessageBox box(QApplication::activeWindow());
+    box.setWindowTitle(title);
+    box.setText(shown);
+    switch (icon) {
+    case MsgIcon::None:
+        box.setIcon(QMessageBox::NoIcon);
+        break;
+    case MsgIcon::Information:
+        box.setIcon(QMessageBox::Information);
+        break;
+    case MsgIcon::Question:
+        box.setIcon(QMessageBox::Question);
+        break;
+    case MsgIcon::Critical:
+        box.setIcon(QMessageBox::Critical);
+        break;
+    }
+    if (buttons == MsgButtons::YesNo) {
+        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+        box.setDefaultButton(QMessageBox::Yes);
+        return box.exec() == QMessageBox::Yes ? MsgAnswer::Yes : MsgAnswer::No;
+    }
+    box.setStandardButtons(QMessageBox::Ok);
+    box.exec();
+    return MsgAnswer::Ok;
+}
+
+QString qtFileFilter(const QString& filter) {
+    const QStringList parts = filter.split(QLatin1Char('|'));
+    QStringList result;
+    for (int i = 0; i + 1 < parts.size(); i += 2) {
+        QString patterns = parts[i + 1];
+        patterns.replace(QLatin1Char(';'), QLatin1Char(' '));
+        QString caption = parts[i];
+        const int paren = caption.indexOf(QLatin1Char('('));
+        if (paren > 0)
+            caption = caption.left(paren).trimmed();
+        result << QStringLiteral("%1 (%2)").arg(caption, patterns);
+    }
+    return result.join(QStringLiteral(";;"));
+}
+
+static FileChoice choiceOf(const QString& path) {
+    FileChoice choice;
+    if (path.isEmpty())
+        return choice;
+    choice.chosen = true;
+    choice.path = QDir::toNativeSeparators(path);
+    choice.fileTitle = QFileInfo(path).fileName();
+    return choice;
+}
+
+FileChoice QtFileDialogs::openFile(const QString& title, const QString& filter,
+                                   const QString& initialFolder) {
+    return choiceOf(QFileDialog::getOpenFileName(QApplication::activeWindow(), title, initialFolder,
+                                                 qtFileFilter(filter)));
+}
+
+FileChoice QtFileDialogs::saveFile(const QString& title, const QString& filter,
+                                   const QString& defaultSuffix, const QString& initialFolder) {
+    QFileDialog dialog(QApplication::activeWindow(), title, initialFolder, qtFileFilter(filter));
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    QString suffix = defaultSuffix;
+    suffix.remove(QLatin1Char('*')).remove(QLatin1Char('.'));
+    dialog.setDefaultSuffix(suffix);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return {};
+    return choiceOf(dialog.selectedFiles().constFirst());
+}
+
+StartResult QtProcesses::start(const QString& program, const QStringList& arguments,
+                               const QString& workingFolder) {
+    StartResult result;
+    QString resolved = program;
+    // A bare name is looked up in the working folder first, as a command
+    // typed in that folder would be.
+    if (!program.contains(QLatin1Char('/')) && !program.contains(QLatin1Char('\\')) &&
+        !workingFolder.isEmpty()) {
+        const QString local = QDir(workingFolder).filePath(program);
+        if (QFileInfo::exists(local))
+            resolved = local;
+    }
+    if (!workingFolder.isEmpty() && !QFileInfo(workingFolder).isDir()) {
+        result.errorCode = ENOENT;
+        return result;
+    }
+    const QFileInfo info(resolved);
+    if (resolved != program || info.isAbsolute()) {
+        if (!info.exists()) {
+            result.errorCode = ENOENT;
+            return result;
+        }
+        if (!info.isExecutable() || info.isDir()) {
+            result.errorCode = EACCES;
+            return result;
+        }
+    }
+    qint64 pid = 0;
+    if (!QProcess::startDetached(resolved, arguments, workingFolder, &pid)) {
+        result.errorCode = QStandardPaths::findExecutable(resolved).isEmpty() ? ENOENT : EIO;
+        return result;
+    }
+    result.started = true;
+    result.taskId = pid;
+    return result;
+}
+
+bool QtProcesses::activate(qint64 taskId) {
+    if (taskId <= 0)
+        return false;
+#ifdef Q_OS_WIN
+    HANDLE process = OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, DWORD(taskId));
+    if (!process)
+        return false;
+    DWORD code = 0;
+    const bool alive = GetExitCodeProcess(process, &code) && code == STILL_ACTIVE;
+    CloseHandle(process);
+    if (alive)
+        AllowSetForegroundWindow(DWORD(taskId));
+    return alive;
+#else
+    // A detached server is not our child, so it never lingers as a zombie:
+    // signal 0 tells whether it still lives.
+    return ::kill(pid_t(taskId), 0) == 0 || errno == EPERM;
+#endif
+}
+
+bool QtShell::openDocument(const QString& target) {
+    const bool isUrl = target.contains(QStringLiteral("://")) ||
+                       target.startsWith(QStringLiteral("mailto:"), Qt::CaseInsensitive);
+    return QDesktopServices::openUrl(isUrl ? QUrl(target) : QUrl::fromLocalFile(target));
+}
+
+bool QtShell::editTextFile(const QString& path) {
+#ifdef Q_OS_WIN
+    return QProcess::startDetached(QStringLiteral("notepad.exe"), {QDir::toNativeSeparators(path)});
+#else
+    return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
+#endif
+}
+
+bool QtDesktop::anotherCopyRunning() {
+    if (!m_lock) {
+        QString folder = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
+        if (folder.isEmpty())
+            folder = QDir::tempPath();
+        m_lock = std::make_unique<QLockFile>(folder + QStringLiteral("/halvane.lock"));
+        m_lock->setStaleLockTime(0);
+        if (!m_lock->tryLock(0)) {
+            m_lock.reset();
+            return true;
+        }
+    }
+    return false;
+}
+
+void QtDesktop::beep() {
+    QApplication::beep();
+}
+
+void QtDesktop::setBusy(bool busy) {
+    if (busy) {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        ++m_busyDepth;
+    } else if (m_busyDepth > 0) {
+        QApplication::restoreOverrideCursor();
+        --m_busyDepth;
+    }
+}
+
+QtSettingsStore::QtSettingsStore()
+    : m_settings(std::make_unique<QSettings>(
+#ifdef Q_OS_WIN
+          QSettings::NativeFormat,
+#else
+          QSettings::IniFormat,
+#endif
+          QSettings::UserScope, QStringLiteral("Halvane"), QStringLiteral("Halvane"))) {
+}
+
+QtSettingsStore::QtSettingsStore(const QString& iniFile)
+    : m_settings(std::make_unique<QSettings>(iniFile, QSettings::IniFormat)) {}
+
+QString QtSettingsStore::read(const QString& section, const QString& key,
+                              const QString& defaultText) const {
+    const QVariant value = m_settings->value(section + QLatin1Char('/') + key);
+    if (!value.isValid())
+        return defaultText;
+    // A hand-edited file may hold a list ("a, b"); keep it as the text it was.
+    if (value.userType() == QMetaType::QStringList)
+        return value.toStringList().join(QStringLiteral(", "));
+    return value.toString();
+}
+
+bool QtSettingsStore::write(const QString& section, const QString& key, const QString& value) {
+    m_settings->setValue(section + QLatin1Char('/') + key, value);
+    return m_settings->isWritable();
+}
+
+bool QtSettingsStore::flush() {
+    m_settings->sync();
+    // A format error comes from reading a damaged file, not from this write.
+    return m_settings->status() != QSettings::AccessError;
+}
+
+} // namespace halvane

@@ -1,0 +1,69 @@
+#pragma once
+
+#include "platform/Platform.h"
+
+#include <QLockFile>
+#include <QSettings>
+#include <memory>
+
+class QWidget;
+
+namespace halvane {
+
+class QtMessageBoxes : public MessageBoxes {
+public:
+    MsgAnswer show(const QString& title, const QString& text, MsgButtons buttons,
+                   MsgIcon icon) override;
+};
+
+class QtFileDialogs : public FileDialogs {
+public:
+    FileChoice openFile(const QString& title, const QString& filter,
+                        const QString& initialFolder) override;
+    FileChoice saveFile(const QString& title, const QString& filter, const QString& defaultSuffix,
+                        const QString& initialFolder) override;
+};
+
+class QtProcesses : public Processes {
+public:
+    StartResult start(const QString& program, const QStringList& arguments,
+                      const QString& workingFolder) override;
+    bool activate(qint64 taskId) override;
+};
+
+class QtShell : public Shell {
+public:
+    bool openDocument(const QString& target) override;
+    bool editTextFile(const QString& path) override;
+};
+
+class QtDesktop : public Desktop {
+public:
+    bool anotherCopyRunning() override;
+    void beep() override;
+    void setBusy(bool busy) override;
+
+private:
+    std::unique_ptr<QLockFile> m_lock;
+    int m_busyDepth = 0;
+};
+
+// QSettings-backed store: INI in the user's configuration folder on Linux,
+// the registry on Windows; tests pass an INI file of their own.
+class QtSettingsStore : public SettingsStore {
+public:
+    QtSettingsStore();
+    explicit QtSettingsStore(const QString& iniFile);
+    QString read(const QString& section, const QString& key,
+                 const QString& defaultText) const override;
+    bool write(const QString& section, const QString& key, const QString& value) override;
+    bool flush() override;
+
+private:
+    std::unique_ptr<QSettings> m_settings;
+};
+
+// Converts the "Caption|*.a;*.b" filter form to Qt's "Caption (*.a *.b)".
+QString qtFileFilter(const QString& filter);
+
+} // namespace halvane

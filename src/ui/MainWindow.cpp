@@ -1,0 +1,199 @@
+#include "ui/MainWindow.h"
+
+#include "launch/ParameterMemory.h"
+#include "settings/OptionInterlocks.h"
+#include "settings/SettingsController.h"
+#include "settings/TextForms.h"
+#include "ui/AppContext.h"
+#include "ui/AppInfo.h"
+#include "ui/StatusPanel.h"
+#include "ui_frmMain.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDir>
+#include <QWindow>
+
+namespace halvane {
+
+namespace {
+const QStringList GameTypes{QStringLiteral("Free for all"), QStringLiteral("Tournament"),
+                            QStringLiteral("Team Play"), QStringLiteral("Capture the Flag")};
+const QStringList ServerTypes{QStringLiteral("Listen Server"), QStringLiteral("Private Server"),
+                              QStringLiteral("Dedicated Server")};
+const QStringList SkillNames{QStringLiteral("I can win"), QStringLiteral("Bring it on"),
+                             QStringLiteral("Hurt me plenty"), QStringLiteral("Hard core"),
+                             QStringLiteral("Nightmare!")};
+const QStringList TeamNames{QStringLiteral("Red"), QStringLiteral("Blue")};
+const QStringList BotTypes{QStringLiteral("Disable Bots"), QStringLiteral("User-Definable"),
+                           QStringLiteral("Automatic")};
+// Scripts of the game itself that are no extra script to include.
+const QStringList NotIncludable{QStringLiteral("OnTheWay.cfg"), QStringLiteral("q3config.cfg"),
+                                QStringLiteral("halvane.cfg")};
+
+// Fills a selector and leaves it with no entry chosen, so that the settings
+// load's choice of entry 0 is a change like any other.
+void fill(QComboBox* combo, const QStringList& entries) {
+    const QSignalBlocker blocker(combo);
+    combo->clear();
+    combo->addItems(entries);
+    combo->setCurrentIndex(-1);
+}
+} // namespace
+
+MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::frmMain>()) {
+    ui->setupUi(this);
+    m_interlocks = std::make_unique<OptionInterlocks>(*ui, m_app);
+    m_statusPanel = std::make_unique<StatusPanel>(*this, *ui->txtTip, *ui->mnuViewStatusBar);
+    m_parameters = std::make_unique<ParameterMemory>(*ui->txtCmdParameters, *ui->chkSpecifyCD,
+                                                     *ui->txtCDROM, m_app);
+    SettingsHooks hooks;
+    hooks.RollOut = [this] { m_statusPanel->RollOut(); };
+    hooks.Rollin = [this] { m_statusPanel->Rollin(); };
+    hooks.statusPanelOpen = [this] { return m_statusPanel->isOpen(); };
+    hooks.loadParameterList = [this] { m_parameters->loadParameterList(); };
+    hooks.loadCdDrive = [this] { m_parameters->loadCdDrive(); };
+    m_settings = std::make_unique<SettingsController>(*this, *ui->SSTab1, *ui->BotList, m_botTables,
+                                                      *m_interlocks, m_app, hooks);
+    // Not a child widget: the main window is disabled while the dialog is
+    // open, and a child would be disabled with it.
+    m_pathDialog = std::make_unique<PathDialog>(m_app, *this);
+
+    connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
+    connect(ui->cmdSetPath, &QAbstractButton::clicked, this, &MainWindow::cmdSetPath);
+    connect(ui->btnStatus, &QAbstractButton::clicked, m_statusPanel.get(), &StatusPanel::toggle);
+    connect(ui->txtCfg, &QComboBox::editTextChanged, this,
+            [this](const QString& text) { ui->cmdEditCfg->setEnabled(!text.isEmpty()); });
+    connectMenus();
+}
+
+MainWindow::~MainWindow() = default;
+
+void MainWindow::connectMenus() {
+    connect(ui->mnuFileClose, &QAction::triggered, this, &QWidget::close);
+    connect(ui->mnuSettingsQ3Path, &QAction::triggered, this, &MainWindow::cmdSetPath);
+    connect(ui->mnuViewStatusBar, &QAction::triggered, this, [this] {
+        // The check mark follows the panel, not the click.
+        ui->mnuViewStatusBar->setChecked(!ui->mnuViewStatusBar->isChecked());
+        m_statusPanel->toggle();
+    });
+    const std::pair<QAction*, int> tabs[] = {
+        {ui->mnuSettingsGeneral, 0}, {ui->mnuSettingsBots, 1},     {ui->mnuSettingsMaps, 2},
+        {ui->mnuSettingsOptions, 3}, {ui->mnuSettingsAdvanced, 4}, {ui->mnuHelpAbout, 5}};
+    for (const auto& [action, index] : tabs) {
+        connect(action, &QAction::triggered, this,
+                [this, index = index] { ui->SSTab1->setCurrentIndex(index); });
+    }
+}
+
+void MainWindow::start() {
+    m_pathDialog->load();
+}
+
+void MainWindow::showMainWindow() {
+    if (!m_loaded) {
+        load();
+        if (m_ended)
+            return;
+    }
+    setEnabled(true);
+    show();
+    ui->SSTab1->setCurrentIndex(0);
+    ui->txtMOTD->setFocus();
+    activateWindow();
+}
+
+void MainWindow::endProgram() {
+    m_ended = true;
+    QCoreApplication::quit();
+}
+
+// The start-up sequence, step by step.
+void MainWindow::load() {
+    m_loaded = true;
+    SkipSaveOnClose = false;
+
+    if (m_app.platform.desktop.anotherCopyRunning()) {
+        m_app.platform.messages.tell(QStringLiteral("What have you been smoking?"),
+                                     QStringLiteral("Halvane is already running"),
+                                     MsgIcon::Information);
+        SkipSaveOnClose = true;
+        close();
+        endProgram();
+        return;
+    }
+
+    m_app.state.StartupInProgress = true;
+
+    const auto checkNewMaps = parseTruth(m_app.platform.store.read(
+        QStringLiteral("Settings"), QStringLiteral("CheckNewMaps"), truthText(false)));
+    ui->mnuSettingsMapCheck->setChecked(checkNewMaps.value_or(false));
+
+    LoadControls();
+    m_settings->LoadSettings();
+    ui->lblVersion->setText(AppInfo::versionCaption());
+    m_interlocks->SetGameType();
+    m_app.state.StartupInProgress = false;
+
+    ui->Label20->setText(AppInfo::productSiteAddress());
+    ui->Label23->setText(AppInfo::authorMailAddress());
+}
+
+void MainWindow::LoadControls() {
+    fill(ui->cmbGameType, GameTypes);
+    fill(ui->cmbServerType, ServerTypes);
+    fill(ui->cmbBotSkill, SkillNames);
+    fill(ui->cmbAutoBotSkill, SkillNames);
+    fill(ui->cmbBotTeam, TeamNames);
+    fill(ui->cmbBotType, BotTypes);
+
+    QStringList scripts;
+    if (!m_app.state.GameFolder.isEmpty()) {
+        QDir baseq3(m_app.state.gameFile(QStringLiteral("baseq3")));
+        scripts =
+            baseq3.entryList({QStringLiteral("*.cfg")}, QDir::Files, QDir::Name | QDir::IgnoreCase);
+    }
+    {
+        const QSignalBlocker blocker(ui->txtCfg);
+        ui->txtCfg->clear();
+        for (const QString& script : scripts) {
+            if (!NotIncludable.contains(script))
+                ui->txtCfg->addItem(script);
+        }
+    }
+    ui->txtCfg->setEditText(
+        m_app.platform.store.read(QStringLiteral("Network"), QStringLiteral("Config"), QString()));
+    ui->cmdEditCfg->setEnabled(!ui->txtCfg->currentText().isEmpty());
+}
+
+void MainWindow::cmdSetPath() {
+    m_app.state.PathDialogRequested = true;
+    m_app.state.ShowStoredPath = true;
+    setEnabled(false);
+    m_pathDialog->load();
+    if (m_pathDialog->windowHandle() && windowHandle())
+        m_pathDialog->windowHandle()->setTransientParent(windowHandle());
+}
+
+void MainWindow::closeEvent(QCloseEvent* event) {
+    if (m_pathDialog->isVisible() && !m_ended) {
+        event->ignore();
+        return;
+    }
+    unload();
+    event->accept();
+}
+
+// The shut-down sequence.
+void MainWindow::unload() {
+    if (m_unloaded)
+        return;
+    m_unloaded = true;
+    if (!SkipSaveOnClose && m_loaded) {
+        m_parameters->saveParameterList();
+        m_settings->SaveSettings();
+    }
+    endProgram();
+}
+
+} // namespace halvane
