@@ -108,11 +108,14 @@ void MainWindow::endProgram() {
     QCoreApplication::quit();
 }
 
-// The start-up sequence, step by step.
+// The start-up sequence, step by step. A failing step reports itself and
+// the ones after it still run.
 void MainWindow::load() {
     m_loaded = true;
+    // 1.
     SkipSaveOnClose = false;
 
+    // 2. A second copy says so and ends without storing anything.
     if (m_app.platform.desktop.anotherCopyRunning()) {
         m_app.platform.messages.tell(QStringLiteral("What have you been smoking?"),
                                      QStringLiteral("Halvane is already running"),
@@ -123,18 +126,34 @@ void MainWindow::load() {
         return;
     }
 
+    // 3.
     m_app.state.StartupInProgress = true;
 
-    const auto checkNewMaps = parseTruth(m_app.platform.store.read(
-        QStringLiteral("Settings"), QStringLiteral("CheckNewMaps"), truthText(false)));
+    // 4. The default map picture (maps/default.jpg).
+    // 5. CheckMapDataFile.
+
+    // 6.
+    const auto checkNewMaps =
+        parseTruth(m_app.platform.store.read(QStringLiteral("Settings"),
+                                             QStringLiteral("CheckNewMaps"), truthText(false)));
     ui->mnuSettingsMapCheck->setChecked(checkNewMaps.value_or(false));
 
-    LoadControls();
-    m_settings->LoadSettings();
-    ui->lblVersion->setText(AppInfo::versionCaption());
-    m_interlocks->SetGameType();
-    m_app.state.StartupInProgress = false;
+    // 7. GetMapsFromBaseDir.
+    // 8. LoadBotList.
+    // 9. LoadMaps.
 
+    // 10.
+    LoadControls();
+    // 11.
+    m_settings->LoadSettings();
+    // 12.
+    ui->lblVersion->setText(AppInfo::versionCaption());
+    // 13. Countbots.
+    // 14.
+    m_interlocks->SetGameType();
+    // 15.
+    m_app.state.StartupInProgress = false;
+    // 16.
     ui->Label20->setText(AppInfo::productSiteAddress());
     ui->Label23->setText(AppInfo::authorMailAddress());
 }
@@ -190,7 +209,11 @@ void MainWindow::unload() {
         return;
     m_unloaded = true;
     if (!SkipSaveOnClose && m_loaded) {
+        // 1. The shown map's rules back into its record.
+        // 2. SaveMaps.
+        // 3.
         m_parameters->saveParameterList();
+        // 4.
         m_settings->SaveSettings();
     }
     endProgram();
