@@ -13,6 +13,7 @@ class frmMain;
 namespace halvane {
 
 struct AppContext;
+class MapsController;
 class OptionInterlocks;
 class ParameterMemory;
 class SettingsController;
@@ -38,6 +39,7 @@ public:
     OptionInterlocks& interlocks() { return *m_interlocks; }
     StatusPanel& statusPanel() { return *m_statusPanel; }
     BotTables& botTables() { return m_botTables; }
+    MapsController& maps() { return *m_maps; }
     bool isLoaded() const { return m_loaded; }
     bool hasEnded() const { return m_ended; }
 
@@ -58,6 +60,7 @@ private:
     std::unique_ptr<Ui::frmMain> ui;
     BotTables m_botTables;
     std::unique_ptr<OptionInterlocks> m_interlocks;
+    std::unique_ptr<MapsController> m_maps;
     std::unique_ptr<StatusPanel> m_statusPanel;
     std::unique_ptr<ParameterMemory> m_parameters;
     std::unique_ptr<SettingsController> m_settings;
