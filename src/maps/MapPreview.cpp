@@ -4,6 +4,8 @@
 #include "ui/AppContext.h"
 #include "ui_frmMain.h"
 
+#include <QBuffer>
+#include <QFile>
 #include <QImageReader>
 #include <QPainter>
 #include <QPixmap>
@@ -36,6 +38,22 @@ PreviewSource findPreview(const QString& programFolder, const QString& gameFolde
             return {candidate.kind, path};
     }
     return {};
+}
+
+QImage readTarga(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QImage();
+    QByteArray bytes = file.readAll();
+    // Qt's reader takes only files with the version 2 footer; the game's own
+    // pictures are often older ones, which differ in nothing else.
+    static const QByteArray signature("TRUEVISION-XFILE.\0", 18);
+    if (!bytes.endsWith(signature))
+        bytes += QByteArray(8, '\0') + signature;
+    QBuffer buffer(&bytes);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer, "tga");
+    return reader.read();
 }
 
 MapPreview::MapPreview(Ui::frmMain& ui, AppContext& app) : ui(ui), m_app(app) {}
@@ -73,8 +91,7 @@ void MapPreview::ShowTGA(const QString& path) {
     const QSize box = ui.imgMap->size().expandedTo(ui.imgMap->minimumSize());
     QPixmap canvas(box);
     canvas.fill(ui.imgMap->palette().color(QPalette::Window));
-    QImageReader reader(path, "tga");
-    const QImage picture = reader.read();
+    const QImage picture = readTarga(path);
     if (!picture.isNull()) {
         QPainter painter(&canvas);
         painter.setClipRect(QRect(QPoint(0, 0), box));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QImage>
 #include <QString>
 
 namespace Ui {
@@ -21,6 +22,9 @@ struct PreviewSource {
 // are matched without regard to letter case.
 PreviewSource findPreview(const QString& programFolder, const QString& gameFolder,
                           const QString& mapName);
+
+// A Targa picture, with or without the version 2 footer; null when unreadable.
+QImage readTarga(const QString& path);
 
 // Shows the picture of the chosen map on the Maps tab: JPEG pictures in
 // imgMap1, Targa pictures drawn into imgMap at their own size.
