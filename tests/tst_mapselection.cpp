@@ -4,6 +4,7 @@
 #include "TestSupport.h"
 
 #include "maps/MapCatalogue.h"
+#include "maps/MapDiscovery.h"
 #include "maps/MapEditor.h"
 #include "maps/MapRulesPanel.h"
 #include "maps/MapSelection.h"
@@ -13,6 +14,7 @@
 #include "ui_frmMap.h"
 
 #include <QtTest>
+#include <zip.h>
 
 using namespace halvane;
 using namespace halvane::test;
@@ -102,6 +104,10 @@ private slots:
     void useSettingsAsDefaultAnsweredNo();
     void useSettingsAsDefaultRegistryFailure();
     void useSettingsAsDefaultOnEmptyCatalogue();
+    void useSettingsAsDefaultStageFailures();
+    void unwritableSelectionFile();
+    void deleteWithoutAMap();
+    void searchFromTheButtonAndAtStartup();
     void editorChecks_data();
     void editorChecks();
     void addWithOnlyAFileName();
@@ -438,6 +444,99 @@ void MapSelectionTest::useSettingsAsDefaultOnEmptyCatalogue() {
     QVERIFY(QFile::exists(w.platform.programFolder() + "/maps.bak"));
     QCOMPARE(readAll(w.platform.programFolder() + "/maps.bak"), QByteArray());
     QCOMPARE(w.platform.store->writes.filter("Defaults/").size(), 6);
+}
+
+void MapSelectionTest::useSettingsAsDefaultStageFailures() {
+    {
+        Window w({"a"});
+        const QByteArray before = readAll(w.dataPath());
+        w.ui->txtMapSpeed->setText(QString(QChar(0x20AC))); // no single byte for it
+        w.platform.messages.answers = {MsgAnswer::Yes};
+        w.ui->cmdDefault->click();
+        QCOMPARE(w.platform.messages.shown.size(), 2);
+        QCOMPARE(w.platform.messages.shown.last().text,
+                 QStringLiteral("Error defining default values"));
+        QCOMPARE(w.platform.messages.shown.last().icon, MsgIcon::Critical);
+        QVERIFY(w.platform.store->writes.filter("Defaults/").isEmpty());
+        QCOMPARE(readAll(w.dataPath()), before);
+    }
+    Window w({"a"});
+    // The data file cannot be replaced: a folder stands in its place.
+    QFile::remove(w.dataPath());
+    QDir().mkpath(w.dataPath());
+    w.ui->txtMapSpeed->setText("300");
+    w.platform.messages.answers = {MsgAnswer::Yes};
+    w.ui->cmdDefault->click();
+    QCOMPARE(w.platform.messages.shown.size(), 2);
+    const ShownMessage& shown = w.platform.messages.shown.last();
+    QCOMPARE(shown.text, QStringLiteral("Error applying default values to the map data file, no "
+                                        "changes were made. \r\rHowever, the default values have "
+                                        "been stored, and will be used for any maps you add in "
+                                        "the future."));
+    QCOMPARE(shown.buttons, MsgButtons::Ok);
+    QCOMPARE(shown.icon, MsgIcon::Critical);
+    QCOMPARE(shown.title, QStringLiteral("Default Settings Not Applied"));
+    w.platform.reopenStore();
+    QCOMPARE(w.platform.store->read("Defaults", "Speed", "x"), QStringLiteral("300"));
+    QCOMPARE(w.platform.desktop.busyDepth, 0);
+}
+
+void MapSelectionTest::unwritableSelectionFile() {
+    Window w({"a"});
+    w.ui->cmdMapSelectAll->click();
+    w.ui->cmdAddSelMap->click();
+    QDir().mkpath(w.platform.programFolder() + "/mapsel.txt");
+    w.window->close();
+    QCOMPARE(w.platform.messages.shown.size(), 1);
+    const ShownMessage& shown = w.platform.messages.shown.first();
+    QCOMPARE(shown.title, QStringLiteral("Warning"));
+    QCOMPARE(shown.text, QStringLiteral("Error writing mapsel.txt"));
+    QCOMPARE(shown.icon, MsgIcon::Critical);
+    // The rest of the shut-down still ran.
+    QVERIFY(w.window->hasEnded());
+}
+
+void MapSelectionTest::deleteWithoutAMap() {
+    Window w({});
+    w.platform.messages.answers = {MsgAnswer::Yes};
+    w.ui->mnuMapDelete->trigger();
+    QCOMPARE(w.platform.messages.shown.size(), 2);
+    const ShownMessage& shown = w.platform.messages.shown.last();
+    QCOMPARE(shown.title, QStringLiteral("Halvane"));
+    QCOMPARE(shown.text, QStringLiteral("No map selected"));
+    QCOMPARE(shown.icon, MsgIcon::None);
+    QCOMPARE(w.ui->Frame14->title(), QStringLiteral("0 Available Maps"));
+}
+
+void MapSelectionTest::searchFromTheButtonAndAtStartup() {
+    TestPlatform platform;
+    platform.makeGameFolder();
+    platform.ini->write("Settings", "CheckNewMaps", "True");
+    platform.writeFile(platform.gameFolder() + "/baseq3/maps/loose.bsp", "IBSP");
+    // Not a real archive: the start-up search says so and goes on.
+    const QString bad = platform.writeFile(platform.gameFolder() + "/baseq3/bad.pk3", "junk");
+    MainWindow window(*platform.app);
+    window.maps().discovery().pause = [] {};
+    window.showMainWindow();
+    Ui::frmMain& ui = window.form();
+    QVERIFY(ui.mnuSettingsMapCheck->isChecked());
+    QCOMPARE(platform.messages.shown.size(), 1);
+    QCOMPARE(platform.messages.shown.first().text, "Error: " + QDir::toNativeSeparators(bad));
+    QCOMPARE(entries(ui.MapList), QStringList({"loose"}));
+    QCOMPARE(ui.Frame14->title(), QStringLiteral("1 Available Maps"));
+
+    QFile::remove(bad);
+    platform.writeFile(platform.gameFolder() + "/baseq3/maps/later.bsp", "IBSP"); // start-up only
+    int error = 0;
+    zip_t* archive =
+        zip_open(QFile::encodeName(platform.gameFolder() + "/baseq3/extra.pk3").constData(),
+                 ZIP_CREATE, &error);
+    QVERIFY(archive);
+    zip_file_add(archive, "maps/later.bsp", zip_source_buffer(archive, "IBSP", 4, 0), 0);
+    QCOMPARE(zip_close(archive), 0);
+    ui.cmdSearchMaps->click();
+    QCOMPARE(entries(ui.MapList), QStringList({"loose", "later"}));
+    QCOMPARE(ui.Frame14->title(), QStringLiteral("2 Available Maps"));
 }
 
 void MapSelectionTest::editorChecks_data() {
