@@ -140,15 +140,15 @@ void DiscoveryTest::archiveSearch() {
     f.platform.writeFile(f.baseq3() + "/bad.pk3", QByteArray(3000, 'x'));
     QVERIFY(makeArchive(f.baseq3() + "/pak0.pk3", {"maps/skipme.bsp"}));
     QVERIFY(makeArchive(f.baseq3() + "/Pak0.pk3", {"maps/capmap.bsp"}));
-    QVERIFY(
-        makeArchive(f.baseq3() + "/zz.pk3", {"levelshots/newmap.jpg", "maps/newmap.bsp",
-                                             "maps/upper.BSP", "maps/nodotbsp", "textures/x.tga"}));
+    QVERIFY(makeArchive(f.baseq3() + "/zz.pk3",
+                        {"levelshots/newmap.jpg", "maps/newmap.bsp", "maps/upper.BSP",
+                         "maps/nodotbsp", "textures/x.tga", "maps/bsp"}));
     f.platform.writeFile(f.baseq3() + "/notes.txt", "not an archive");
 
     f.discovery.searchArchives();
 
-    QCOMPARE(f.discovery.pakMaps,
-             QStringList({"newmap.bsp", "q3dm1.bsp", "capmap.bsp", "newmap.bsp", "nodotbsp"}));
+    QCOMPARE(f.discovery.pakMaps, QStringList({"newmap.bsp", "q3dm1.bsp", "capmap.bsp",
+                                               "newmap.bsp", "nodotbsp", "bsp"}));
     QCOMPARE(f.fileNames(), QStringList({"q3dm1", "newmap", "capmap", "nodo"}));
     QCOMPARE(f.shown, QStringList({"Getting Map Names...|baseq3\\zz.pk3",
                                    "Searching for PK3 files...|Adding: newmap",

@@ -59,8 +59,10 @@ QString MapSearchWindow::status() const {
 
 QStringList looseMapNames(const QString& folder) {
     QStringList names;
-    for (const QString& file : filesMatching(folder, QStringLiteral("*.bsp")))
-        names.append(file.left(file.size() - 4));
+    for (const QString& file : filesMatching(folder, QStringLiteral("*.bsp"))) {
+        if (file.size() > 4)
+            names.append(file.left(file.size() - 4));
+    }
     return names;
 }
 
@@ -182,7 +184,9 @@ void MapDiscovery::searchArchives() {
 
     MapSnapshot known = m_catalogue.snapshot();
     for (const QString& entry : std::as_const(pakMaps)) {
-        const QString name = entry.left(entry.size() - 4);
+        const QString name = entry.left(qMax<qsizetype>(0, entry.size() - 4));
+        if (name.isEmpty())
+            continue; // a member named "bsp" alone names no map
         if (known.find(name) >= 0) {
             m_window->setStatus(QStringLiteral("Skipping: ") + name);
         } else {
