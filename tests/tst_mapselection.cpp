@@ -116,6 +116,7 @@ private slots:
     void newMapDialogDropsUncommittedEdits();
     void editRenamesTheMap();
     void deleteLeavesASlot();
+    void deletedMapLeftInTheSelectionEndsTheProgram();
     void tourneySuggestion();
     void noSuggestionWhenTheHighlightFits();
     void closingWritesTheShownMapBack_data();
@@ -702,6 +703,24 @@ void MapSelectionTest::deleteLeavesASlot() {
     w.ui->mnuMapDelete->trigger();
     QCOMPARE(w.platform.messages.shown.size(), 1);
     QCOMPARE(entries(w.ui->MapList), QStringList({"a", "c"}));
+}
+
+void MapSelectionTest::deletedMapLeftInTheSelectionEndsTheProgram() {
+    Window w({"a", "b"});
+    w.ui->cmdMapSelectAll->click();
+    w.ui->cmdAddSelMap->click();
+    w.ui->MapList->setCurrentRow(1);
+    w.platform.messages.answers = {MsgAnswer::Yes};
+    w.ui->mnuMapDelete->trigger();
+    // No mapsel.txt: the selection keeps the deleted map.
+    QCOMPARE(entries(w.ui->SelMap), QStringList({"a", "b"}));
+    w.ui->SelMap->setCurrentRow(0);
+    QVERIFY(!w.window->hasEnded());
+    w.ui->SelMap->setCurrentRow(1);
+    QVERIFY(w.window->hasEnded());
+    QCOMPARE(w.platform.messages.shown.size(), 1); // only the delete question
+    QVERIFY(!w.catalogue().MapDataDamaged);
+    QCOMPARE(w.catalogue().CurrentMapRecord, qint16(-1));
 }
 
 void MapSelectionTest::tourneySuggestion() {
