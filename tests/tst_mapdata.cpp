@@ -58,6 +58,7 @@ private slots:
     void garbageFileIsReadWithoutHarm();
     void missingCatalogueWithoutInstalledOneWarns();
     void missingCatalogueIsCopiedFromInstalledOne();
+    void unreadableCatalogueIsNeverReplaced();
     void wipedFirstRecordIsRepaired_data();
     void wipedFirstRecordIsRepaired();
     void deletedFirstRecordIsNoDamage();
@@ -263,6 +264,21 @@ void MapDataTest::missingCatalogueIsCopiedFromInstalledOne() {
     catalogue.CheckMapDataFile(platform.messages, AppInfo::supportContact());
     QVERIFY(platform.messages.shown.isEmpty());
     QCOMPARE(readAll(platform.programFolder() + "/maps.dat"), installed);
+}
+
+void MapDataTest::unreadableCatalogueIsNeverReplaced() {
+    TestPlatform platform;
+    QFile::remove(platform.programFolder() + "/maps.dat");
+    // Something by that name that cannot be read as a file.
+    QDir().mkpath(platform.programFolder() + "/maps.dat/keep");
+    platform.writeFile(platform.programFolder() + "/instmaps.dat", catalogueOf({"q3dm1"}));
+    MapCatalogue catalogue(platform.programFolder());
+    catalogue.CheckMapDataFile(platform.messages, AppInfo::supportContact());
+    QVERIFY(QFileInfo(platform.programFolder() + "/maps.dat/keep").isDir());
+    QCOMPARE(platform.messages.shown.size(), 1);
+    QCOMPARE(platform.messages.shown.first().title, QStringLiteral("Warning!"));
+    QCOMPARE(catalogue.CountMaps(), qint16(0));
+    QCOMPARE(catalogue.FindMap("q3dm1"), qint16(-1));
 }
 
 void MapDataTest::wipedFirstRecordIsRepaired_data() {

@@ -124,7 +124,10 @@ bool MapCatalogue::ensureExists() const {
 
 qint16 MapCatalogue::CountMaps() const {
     ensureExists();
-    const qint64 records = QFileInfo(dataPath()).size() / MapRecord::Size;
+    QFile file(dataPath());
+    if (!file.open(QIODevice::ReadOnly))
+        return 0; // nothing can be read from it
+    const qint64 records = file.size() / MapRecord::Size;
     return qint16(qMin<qint64>(records, MaxRecords));
 }
 
@@ -241,7 +244,9 @@ bool MapCatalogue::backup() const {
 
 void MapCatalogue::CheckMapDataFile(MessageBoxes& messages, const QString& contactAddress) {
     if (!FileExists(dataPath())) {
-        if (FileExists(installedPath())) {
+        // A catalogue that is there but cannot be read (locked, no rights) is
+        // never replaced: it may hold the operator's own maps.
+        if (FileExists(installedPath()) && !QFileInfo::exists(dataPath())) {
             replaceFile(installedPath(), dataPath());
         } else {
             messages.tell(QStringLiteral("Warning!"),
