@@ -11,8 +11,9 @@
 
 namespace halvane {
 
-MapsController::MapsController(QWidget& mainWindow, Ui::frmMain& ui, AppContext& app)
-    : ui(ui), m_app(app), m_catalogue(app.platform.folder.path()) {
+MapsController::MapsController(QWidget& mainWindow, Ui::frmMain& ui, AppContext& app,
+                               MapCatalogue& catalogue)
+    : ui(ui), m_app(app), m_catalogue(catalogue) {
     m_rules = std::make_unique<MapRulesPanel>(ui, m_catalogue, app);
     m_preview = std::make_unique<MapPreview>(ui, app);
     m_selection = std::make_unique<MapSelection>(ui, m_catalogue, app, *m_rules, *m_preview);

@@ -21,12 +21,14 @@ class MapPreview;
 class MapRulesPanel;
 class MapSelection;
 
-// The Maps tab: owns the map catalogue and the handlers of its lists, rules,
+// The Maps tab: the handlers of its lists, rules,
 // editor, search and picture. Other subsystems reach the maps through here.
 class MapsController : public QObject {
     Q_OBJECT
 public:
-    MapsController(QWidget& mainWindow, Ui::frmMain& ui, AppContext& app);
+    // The catalogue is the program's one map catalogue, shared with the
+    // script writers, so every part sees the same shown map.
+    MapsController(QWidget& mainWindow, Ui::frmMain& ui, AppContext& app, MapCatalogue& catalogue);
     ~MapsController() override;
 
     // Start-up steps, in the order the main window runs them.
@@ -60,7 +62,7 @@ public:
 private:
     Ui::frmMain& ui;
     AppContext& m_app;
-    MapCatalogue m_catalogue;
+    MapCatalogue& m_catalogue;
     std::unique_ptr<MapRulesPanel> m_rules;
     std::unique_ptr<MapPreview> m_preview;
     std::unique_ptr<MapSelection> m_selection;

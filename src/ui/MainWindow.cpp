@@ -1,6 +1,7 @@
 #include "ui/MainWindow.h"
 
 #include "launch/ParameterMemory.h"
+#include "maps/MapCatalogue.h"
 #include "maps/MapsController.h"
 #include "settings/OptionInterlocks.h"
 #include "settings/SettingsController.h"
@@ -45,9 +46,6 @@ void fill(QComboBox* combo, const QStringList& entries) {
 MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::frmMain>()) {
     ui->setupUi(this);
     m_interlocks = std::make_unique<OptionInterlocks>(*ui, m_app);
-    m_maps = std::make_unique<MapsController>(*this, *ui, m_app);
-    m_maps->closeMainWindow = [this] { close(); };
-    m_interlocks->suggestMaps = [this](int gameType) { m_maps->suggestMaps(gameType); };
     m_statusPanel = std::make_unique<StatusPanel>(*this, *ui->txtTip, *ui->mnuViewStatusBar);
     m_parameters = std::make_unique<ParameterMemory>(*ui->txtCmdParameters, *ui->chkSpecifyCD,
                                                      *ui->txtCDROM, m_app);
@@ -62,6 +60,10 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::fr
     // Not a child widget: the main window is disabled while the dialog is
     // open, and a child would be disabled with it.
     m_pathDialog = std::make_unique<PathDialog>(m_app, *this);
+    m_catalogue = std::make_unique<MapCatalogue>(m_app.platform.folder.path());
+    m_maps = std::make_unique<MapsController>(*this, *ui, m_app, *m_catalogue);
+    m_maps->closeMainWindow = [this] { close(); };
+    m_interlocks->suggestMaps = [this](int gameType) { m_maps->suggestMaps(gameType); };
 
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
     connect(ui->cmdSetPath, &QAbstractButton::clicked, this, &MainWindow::cmdSetPath);
