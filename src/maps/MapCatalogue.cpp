@@ -7,6 +7,8 @@
 #include <QFile>
 #include <QSaveFile>
 
+#include <cstring>
+
 namespace halvane {
 
 namespace {
@@ -61,6 +63,46 @@ void MapSnapshot::appended(const MapRecord& record) {
     }
 }
 
+MapRules MapRules::builtIn() {
+    MapRules rules;
+    rules.timeLimit = QStringLiteral("20");
+    rules.fragLimit = QStringLiteral("20");
+    rules.captureLimit = QStringLiteral("10");
+    rules.speed = QStringLiteral("320");
+    rules.gravity = QStringLiteral("800");
+    rules.knockBack = QStringLiteral("1000");
+    return rules;
+}
+
+namespace {
+void setRules(MapRecord& record, const MapRules& rules) {
+    record.set(MapField::FragLimit, rules.fragLimit);
+    record.set(MapField::TimeLimit, rules.timeLimit);
+    record.set(MapField::CaptureLimit, rules.captureLimit);
+    record.set(MapField::Gravity, rules.gravity);
+    record.set(MapField::Speed, rules.speed);
+    record.set(MapField::KnockBack, rules.knockBack);
+}
+
+bool hasNoRules(const MapRecord& record) {
+    for (MapField field : {MapField::FragLimit, MapField::TimeLimit, MapField::CaptureLimit,
+                           MapField::Gravity, MapField::Speed, MapField::KnockBack}) {
+        if (!record.get(field).isEmpty())
+            return false;
+    }
+    return true;
+}
+
+// What the old damage left in first place: nothing but blanks or zero bytes.
+bool looksWiped(const MapRecord& record) {
+    for (int i = 0; i < MapRecord::Size; ++i) {
+        if (record.bytes()[i] != ' ' && record.bytes()[i] != '\0')
+            return false;
+    }
+    return true;
+}
+} // namespace
+
 MapCatalogue::MapCatalogue(QString programFolder) : m_folder(std::move(programFolder)) {}
 
 QString MapCatalogue::dataPath() const {
@@ -82,7 +124,10 @@ bool MapCatalogue::ensureExists() const {
 
 qint16 MapCatalogue::CountMaps() const {
     ensureExists();
-    const qint64 records = QFileInfo(dataPath()).size() / MapRecord::Size;
+    QFile file(dataPath());
+    if (!file.open(QIODevice::ReadOnly))
+        return 0; // nothing can be read from it
+    const qint64 records = file.size() / MapRecord::Size;
     return qint16(qMin<qint64>(records, MaxRecords));
 }
 
@@ -154,6 +199,44 @@ bool MapCatalogue::append(const std::vector<MapRecord>& records) {
     return file.write(bytes) == bytes.size() && file.flush();
 }
 
+bool MapCatalogue::deleteRecord(int number) {
+    if (!readRecord(number))
+        return false;
+    RecordBuffer.set(MapField::DisplayName, QString());
+    RecordBuffer.set(MapField::FileName, QString());
+    // A deleted slot keeps rules, so that a deleted first map is never taken
+    // for a wiped file at the next start.
+    if (hasNoRules(RecordBuffer))
+        setRules(RecordBuffer, DefaultRules);
+    if (hasNoRules(RecordBuffer))
+        setRules(RecordBuffer, MapRules::builtIn());
+    return writeRecord(number);
+}
+
+bool MapCatalogue::applyRulesToAll(const MapRules& rules) {
+    ensureExists();
+    QFile source(dataPath());
+    if (!source.open(QIODevice::ReadOnly))
+        return false;
+    QByteArray bytes = source.readAll();
+    source.close();
+    const qint64 count = qMin<qint64>(bytes.size() / MapRecord::Size, MaxRecords);
+    for (qint64 i = 0; i < count; ++i) {
+        char* at = bytes.data() + i * MapRecord::Size;
+        MapRecord record = MapRecord::fromBytes(at);
+        setRules(record, rules);
+        std::memcpy(at, record.bytes(), MapRecord::Size);
+    }
+    QSaveFile target(dataPath());
+    if (!target.open(QIODevice::WriteOnly))
+        return false;
+    if (target.write(bytes) != bytes.size()) {
+        target.cancelWriting();
+        return false;
+    }
+    return target.commit();
+}
+
 bool MapCatalogue::backup() const {
     ensureExists();
     return replaceFile(dataPath(), backupPath());
@@ -161,7 +244,9 @@ bool MapCatalogue::backup() const {
 
 void MapCatalogue::CheckMapDataFile(MessageBoxes& messages, const QString& contactAddress) {
     if (!FileExists(dataPath())) {
-        if (FileExists(installedPath())) {
+        // A catalogue that is there but cannot be read (locked, no rights) is
+        // never replaced: it may hold the operator's own maps.
+        if (FileExists(installedPath()) && !QFileInfo::exists(dataPath())) {
             replaceFile(installedPath(), dataPath());
         } else {
             messages.tell(QStringLiteral("Warning!"),
@@ -176,7 +261,7 @@ void MapCatalogue::CheckMapDataFile(MessageBoxes& messages, const QString& conta
 
     // A record whose names were deleted keeps its rules; one blank through and
     // through in first place is what the old damage left behind.
-    if (!readRecord(1) || RecordBuffer != MapRecord() || !FileExists(installedPath()))
+    if (!readRecord(1) || !looksWiped(RecordBuffer) || !FileExists(installedPath()))
         return;
     backup(); // the damaged file stays at hand as maps.bak
     replaceFile(installedPath(), dataPath());
@@ -193,12 +278,7 @@ MapRecord makeMapRecord(const QString& displayName, const QString& fileName,
     MapRecord record;
     record.set(MapField::DisplayName, displayName);
     record.set(MapField::FileName, fileName);
-    record.set(MapField::FragLimit, rules.fragLimit);
-    record.set(MapField::TimeLimit, rules.timeLimit);
-    record.set(MapField::CaptureLimit, rules.captureLimit);
-    record.set(MapField::Gravity, rules.gravity);
-    record.set(MapField::Speed, rules.speed);
-    record.set(MapField::KnockBack, rules.knockBack);
+    setRules(record, rules);
     return record;
 }
 

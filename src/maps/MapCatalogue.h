@@ -10,6 +10,14 @@ namespace halvane {
 
 class MessageBoxes;
 
+// The six rules a map carries, as the texts stored in its record.
+struct MapRules {
+    QString fragLimit, timeLimit, captureLimit, gravity, speed, knockBack;
+    // The rules new maps get when nothing else is stored.
+    static MapRules builtIn();
+    bool operator==(const MapRules&) const = default;
+};
+
 // The records of the data file as they were at one moment: one read serves
 // every look-up of an operation that looks up many maps.
 class MapSnapshot {
@@ -39,6 +47,9 @@ public:
     MapRecord RecordBuffer;
     qint16 CurrentMapRecord = 0;
     bool MapDataDamaged = false;
+    // The rules every map-adding path gives a new map; read at start-up and
+    // replaced by "Use Settings as Default".
+    MapRules DefaultRules = MapRules::builtIn();
 
     QString dataPath() const;
     QString installedPath() const;
@@ -57,6 +68,11 @@ public:
     MapSnapshot snapshot() const;
     // Copies maps.dat to maps.bak, replacing an older backup.
     bool backup() const;
+    // Blanks both names of record n; the slot keeps its place.
+    bool deleteRecord(int number);
+    // Gives every record, deleted slots included, these rules; names stay.
+    // The file is replaced as a whole, so a failure changes nothing.
+    bool applyRulesToAll(const MapRules& rules);
 
     // Start-up check: creates maps.dat from the installed catalogue when it is
     // missing, and repairs it when its first record is blank.
@@ -67,10 +83,7 @@ private:
     QString m_folder;
 };
 
-// A new record with both names set to the map's name and the given rules.
-struct MapRules {
-    QString fragLimit, timeLimit, captureLimit, gravity, speed, knockBack;
-};
+// A new record with the given names and rules.
 MapRecord makeMapRecord(const QString& displayName, const QString& fileName, const MapRules& rules);
 
 } // namespace halvane

@@ -1,6 +1,8 @@
 #include "ui/MainWindow.h"
 
 #include "launch/ParameterMemory.h"
+#include "maps/MapCatalogue.h"
+#include "maps/MapsController.h"
 #include "settings/OptionInterlocks.h"
 #include "settings/SettingsController.h"
 #include "settings/TextForms.h"
@@ -58,6 +60,10 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::fr
     // Not a child widget: the main window is disabled while the dialog is
     // open, and a child would be disabled with it.
     m_pathDialog = std::make_unique<PathDialog>(m_app, *this);
+    m_catalogue = std::make_unique<MapCatalogue>(m_app.platform.folder.path());
+    m_maps = std::make_unique<MapsController>(*this, *ui, m_app, *m_catalogue);
+    m_maps->closeMainWindow = [this] { close(); };
+    m_interlocks->suggestMaps = [this](int gameType) { m_maps->suggestMaps(gameType); };
 
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
     connect(ui->cmdSetPath, &QAbstractButton::clicked, this, &MainWindow::cmdSetPath);
@@ -130,17 +136,20 @@ void MainWindow::load() {
     m_app.state.StartupInProgress = true;
 
     // 4. The default map picture (maps/default.jpg).
-    // 5. CheckMapDataFile.
+    m_maps->showStartupPicture();
+    // 5.
+    m_maps->CheckMapDataFile();
 
     // 6.
-    const auto checkNewMaps =
-        parseTruth(m_app.platform.store.read(QStringLiteral("Settings"),
-                                             QStringLiteral("CheckNewMaps"), truthText(false)));
+    const auto checkNewMaps = parseTruth(m_app.platform.store.read(
+        QStringLiteral("Settings"), QStringLiteral("CheckNewMaps"), truthText(false)));
     ui->mnuSettingsMapCheck->setChecked(checkNewMaps.value_or(false));
 
-    // 7. GetMapsFromBaseDir.
+    // 7.
+    m_maps->GetMapsFromBaseDir();
     // 8. LoadBotList.
-    // 9. LoadMaps.
+    // 9.
+    m_maps->LoadMaps();
 
     // 10.
     LoadControls();
@@ -210,7 +219,9 @@ void MainWindow::unload() {
     m_unloaded = true;
     if (!SkipSaveOnClose && m_loaded) {
         // 1. The shown map's rules back into its record.
-        // 2. SaveMaps.
+        m_maps->commitOnClose();
+        // 2.
+        m_maps->SaveMaps();
         // 3.
         m_parameters->saveParameterList();
         // 4.

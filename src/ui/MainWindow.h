@@ -13,6 +13,8 @@ class frmMain;
 namespace halvane {
 
 struct AppContext;
+class MapCatalogue;
+class MapsController;
 class OptionInterlocks;
 class ParameterMemory;
 class SettingsController;
@@ -38,6 +40,8 @@ public:
     OptionInterlocks& interlocks() { return *m_interlocks; }
     StatusPanel& statusPanel() { return *m_statusPanel; }
     BotTables& botTables() { return m_botTables; }
+    MapCatalogue& mapCatalogue() { return *m_catalogue; }
+    MapsController& maps() { return *m_maps; }
     bool isLoaded() const { return m_loaded; }
     bool hasEnded() const { return m_ended; }
 
@@ -62,6 +66,8 @@ private:
     std::unique_ptr<ParameterMemory> m_parameters;
     std::unique_ptr<SettingsController> m_settings;
     std::unique_ptr<PathDialog> m_pathDialog;
+    std::unique_ptr<MapCatalogue> m_catalogue;
+    std::unique_ptr<MapsController> m_maps;
     bool m_loaded = false;
     bool m_unloaded = false;
     bool m_ended = false;

@@ -8,6 +8,9 @@ namespace halvane::test {
 
 TestPlatform::TestPlatform() {
     QDir().mkpath(programFolder());
+    // An empty map catalogue, as if the program had run before: windows come
+    // up without the missing-catalogue warning and with no maps listed.
+    QFile(programFolder() + QStringLiteral("/maps.dat")).open(QIODevice::WriteOnly);
     folder = std::make_unique<ProgramFolder>(programFolder());
     ini = std::make_unique<QtSettingsStore>(iniPath());
     store = std::make_unique<RecordingStore>(*ini);

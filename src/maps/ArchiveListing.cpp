@@ -1,0 +1,34 @@
+#include "maps/ArchiveListing.h"
+
+#include <QFile>
+#include <zip.h>
+
+namespace halvane {
+
+bool listArchive(const QString& path, const std::function<void(const QByteArray& name)>& onMember) {
+    int error = 0;
+    zip_t* archive = zip_open(QFile::encodeName(path).constData(), ZIP_RDONLY, &error);
+    if (!archive)
+        return false;
+    const zip_int64_t count = zip_get_num_entries(archive, 0);
+    bool ok = count >= 0;
+    for (zip_int64_t i = 0; ok && i < count; ++i) {
+        const char* name = zip_get_name(archive, zip_uint64_t(i), ZIP_FL_ENC_RAW);
+        if (!name) {
+            ok = false;
+            break;
+        }
+        onMember(QByteArray(name));
+    }
+    zip_discard(archive);
+    return ok;
+}
+
+std::optional<QString> bspMemberName(const QByteArray& member) {
+    const QString name = QString::fromLatin1(member.left(50));
+    if (!name.endsWith(QLatin1String("bsp"), Qt::CaseSensitive))
+        return std::nullopt;
+    return name.mid(name.lastIndexOf(QLatin1Char('/')) + 1);
+}
+
+} // namespace halvane

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QDialog>
+#include <QStringList>
+#include <functional>
+#include <memory>
+
+namespace Ui {
+class frmMapSearch;
+}
+
+namespace halvane {
+
+struct AppContext;
+class MapCatalogue;
+
+// The progress window of the archive search.
+class MapSearchWindow : public QDialog {
+    Q_OBJECT
+public:
+    explicit MapSearchWindow(QWidget* owner);
+    ~MapSearchWindow() override;
+    void setHeader(const QString& text);
+    void setStatus(const QString& text);
+    QString header() const;
+    QString status() const;
+
+private:
+    std::unique_ptr<Ui::frmMapSearch> ui;
+};
+
+// Finds maps the catalogue does not know yet: loose .bsp files in the game's
+// maps folder, maps inside the .pk3 archives of baseq3, and the names of an
+// import list beside the program. New maps get the default rules.
+class MapDiscovery {
+public:
+    MapDiscovery(MapCatalogue& catalogue, AppContext& app, QWidget* owner);
+    ~MapDiscovery();
+
+    // Start-up discovery: defaults, the archive search when asked for, the
+    // loose maps, the import list.
+    void GetMapsFromBaseDir();
+    // The search of the game's archives, ending with a reload of the lists.
+    void searchArchives();
+
+    // Whether start-up searches the archives too (the menu item's mark).
+    std::function<bool()> searchAtStartup;
+    // Refills the map lists.
+    std::function<void()> LoadMaps;
+    // Lets the progress window repaint and slows the run down enough to read
+    // it; tests make it record or do nothing.
+    std::function<void()> pause;
+
+    MapSearchWindow& searchWindow() { return *m_window; }
+    // The map files found in archives by the last search, and the archives.
+    QStringList pakMaps;
+    QStringList pakList;
+
+    static void repaintAndPause(int milliseconds);
+
+private:
+    bool findLooseMaps();
+    bool importMapList();
+    void listArchives();
+    void repaint();
+
+    MapCatalogue& m_catalogue;
+    AppContext& m_app;
+    std::unique_ptr<MapSearchWindow> m_window;
+    bool m_searching = false;
+};
+
+// The .bsp files of a folder, by name, without their extension.
+QStringList looseMapNames(const QString& folder);
+// The .pk3 files of a folder in alphabetical order.
+QStringList archiveNames(const QString& folder);
+// Whether a line of maplist.txt names a map to import.
+bool isMapListEntry(const QString& line);
+
+} // namespace halvane

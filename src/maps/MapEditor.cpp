@@ -1,0 +1,176 @@
+#include "maps/MapEditor.h"
+
+#include "maps/MapCatalogue.h"
+#include "maps/MapSelection.h"
+#include "ui/AppContext.h"
+#include "ui_frmMain.h"
+#include "ui_frmMap.h"
+
+namespace halvane {
+
+namespace {
+const QString AddCaption = QStringLiteral("Add a Map");
+const QString EditCaption = QStringLiteral("Edit Map");
+} // namespace
+
+MapEditor::MapEditor(QWidget* owner, Ui::frmMain& main, MapCatalogue& catalogue, AppContext& app,
+                     MapSelection& selection)
+    : QDialog(owner), ui(std::make_unique<Ui::frmMap>()), main(main), m_catalogue(catalogue),
+      m_app(app), m_selection(selection) {
+    ui->setupUi(this);
+    setModal(false);
+    ui->lblIndexNum->setVisible(false);
+    connect(ui->Command2, &QAbstractButton::clicked, this, &MapEditor::okay);
+    connect(ui->Command1, &QAbstractButton::clicked, this, &QDialog::close);
+}
+
+MapEditor::~MapEditor() = default;
+
+void MapEditor::openForAdding() {
+    m_catalogue.CurrentMapRecord = -1;
+    setWindowTitle(AddCaption);
+    ui->txtMapName->clear();
+    ui->txtFileName->clear();
+    ui->lblIndexNum->clear();
+    show();
+    raise();
+    ui->txtMapName->setFocus();
+}
+
+void MapEditor::openForEditing() {
+    QListWidgetItem* focused = main.MapList->currentItem();
+    if (!focused)
+        return;
+    const qint16 n = m_catalogue.FindMap(focused->text());
+    if (n == -1 || !m_catalogue.readRecord(n))
+        return;
+    m_editRecord = n;
+    ui->lblIndexNum->setText(QString::number(main.MapList->row(focused)));
+    setWindowTitle(EditCaption);
+    ui->txtMapName->setText(m_catalogue.RecordBuffer.get(MapField::DisplayName));
+    ui->txtFileName->setText(m_catalogue.RecordBuffer.get(MapField::FileName));
+    show();
+    raise();
+}
+
+void MapEditor::okay() {
+    if (!CheckValidMap())
+        return;
+    if (windowTitle() != AddCaption)
+        UpdateMap();
+    else
+        AddNewMap();
+}
+
+bool MapEditor::CheckValidMap() {
+    MessageBoxes& messages = m_app.platform.messages;
+    const QString file = ui->txtFileName->text();
+    if (file.isEmpty()) {
+        messages.tell(QStringLiteral("Incomplete Information"),
+                      QStringLiteral("You must specify at least a file name for the new map."),
+                      MsgIcon::Information);
+        ui->txtFileName->setFocus();
+        return false;
+    }
+    if (ui->txtMapName->text().isEmpty())
+        ui->txtMapName->setText(file);
+    const qsizetype dot = file.indexOf(QLatin1Char('.'));
+    if (dot >= 0) {
+        messages.tell(QStringLiteral("Warning"),
+                      QStringLiteral("The file name should not include a file extension!"),
+                      MsgIcon::Information);
+        ui->txtFileName->setSelection(int(dot), int(file.size() - dot));
+        ui->txtFileName->setFocus();
+        return false;
+    }
+    if (file.contains(QLatin1Char(' '))) {
+        messages.tell(QStringLiteral("Warning"),
+                      QStringLiteral("Spaces are not allowed in map file names!"),
+                      MsgIcon::Information);
+        ui->txtFileName->selectAll();
+        ui->txtFileName->setFocus();
+        return false;
+    }
+    return true;
+}
+
+void MapEditor::AddNewMap() {
+    const QString file = trimSpaces(ui->txtFileName->text());
+    if (m_catalogue.FindMap(file) != -1) {
+        m_app.platform.messages.tell(QStringLiteral("Get some rest!"),
+                                     QStringLiteral("That map already exists!"),
+                                     MsgIcon::Information);
+        return;
+    }
+    const int number = main.MapList->count() > 0 ? m_catalogue.CountMaps() + 1 : 1;
+    m_catalogue.RecordBuffer =
+        makeMapRecord(trimSpaces(ui->txtMapName->text()), file, m_catalogue.DefaultRules);
+    if (!m_catalogue.writeRecord(number)) {
+        m_app.platform.messages.tell(QStringLiteral("Warning"),
+                                     QStringLiteral("The map could not be written to maps.dat."),
+                                     MsgIcon::Critical);
+        return;
+    }
+    main.MapList->addItem(file);
+    m_selection.highlightMapList(main.MapList->count() - 1);
+    main.MapList->setFocus();
+    close();
+}
+
+void MapEditor::UpdateMap() {
+    const QString name = trimSpaces(ui->txtMapName->text());
+    const QString file = trimSpaces(ui->txtFileName->text());
+    if (!m_catalogue.readRecord(m_editRecord)) {
+        m_app.platform.messages.tell(QStringLiteral("Warning"),
+                                     QStringLiteral("The map could not be read from maps.dat."),
+                                     MsgIcon::Critical);
+        return;
+    }
+    m_catalogue.RecordBuffer.set(MapField::DisplayName, name);
+    m_catalogue.RecordBuffer.set(MapField::FileName, file);
+    if (!m_catalogue.writeRecord(m_editRecord)) {
+        m_app.platform.messages.tell(QStringLiteral("Warning"),
+                                     QStringLiteral("The map could not be written to maps.dat."),
+                                     MsgIcon::Critical);
+        return;
+    }
+    if (m_editRecord == m_catalogue.CurrentMapRecord) {
+        main.lblMap->setText(name);
+        main.lblMapFilename->setText(file);
+    }
+    const int index = ui->lblIndexNum->text().toInt();
+    if (index >= 0 && index < main.MapList->count()) {
+        const QSignalBlocker blocker(main.MapList);
+        delete main.MapList->takeItem(index);
+        main.MapList->insertItem(index, file);
+    }
+    main.MapList->setFocus();
+    close();
+}
+
+void MapEditor::deleteMap() {
+    MessageBoxes& messages = m_app.platform.messages;
+    if (!messages.askYesNo(QStringLiteral("Confirm Delete"),
+                           QStringLiteral("Maps should only be deleted if they no longer are "
+                                          "installed on your system.\r\rAre you sure you want to "
+                                          "delete the map \"") +
+                               main.lblMap->text() + QStringLiteral("\"?"),
+                           MsgIcon::Question))
+        return;
+    QListWidgetItem* focused = main.MapList->currentItem();
+    const qint16 n = focused ? m_catalogue.FindMap(focused->text()) : qint16(-1);
+    if (n == -1) {
+        messages.tell(QStringLiteral("Halvane"), QStringLiteral("No map selected"), MsgIcon::None);
+    } else if (m_catalogue.deleteRecord(n)) {
+        main.lblMap->clear();
+        main.lblMapFilename->clear();
+        m_catalogue.CurrentMapRecord = -1;
+    } else {
+        messages.tell(QStringLiteral("Warning"),
+                      QStringLiteral("The map could not be deleted from maps.dat."),
+                      MsgIcon::Critical);
+    }
+    m_selection.LoadMaps();
+}
+
+} // namespace halvane

@@ -1,0 +1,349 @@
+#include "maps/MapSelection.h"
+
+#include "maps/MapCatalogue.h"
+#include "maps/MapPreview.h"
+#include "maps/MapRulesPanel.h"
+#include "maps/MapSelectionFile.h"
+#include "ui/AppContext.h"
+#include "ui_frmMain.h"
+
+#include <QMenu>
+#include <chrono>
+#include <random>
+
+namespace halvane {
+
+namespace {
+const QString ApplicationTitle = QStringLiteral("Halvane");
+
+// Seconds since midnight with their fraction, as a seed: every pass of the
+// shuffle starts its generator afresh from the time of day.
+std::mt19937_64 seededFromTimeOfDay() {
+    using namespace std::chrono;
+    const auto now = system_clock::now().time_since_epoch();
+    const auto sinceMidnight = duration_cast<nanoseconds>(now % hours(24)).count();
+    std::seed_seq seed{quint32(sinceMidnight), quint32(quint64(sinceMidnight) >> 32)};
+    return std::mt19937_64(seed);
+}
+} // namespace
+
+MapSelection::MapSelection(Ui::frmMain& ui, MapCatalogue& catalogue, AppContext& app,
+                           MapRulesPanel& rules, MapPreview& preview, QObject* parent)
+    : QObject(parent), ui(ui), m_catalogue(catalogue), m_app(app), m_rules(rules),
+      m_preview(preview) {
+    connect(ui.MapList, &QListWidget::currentRowChanged, this, &MapSelection::mapListChosen);
+    connect(ui.SelMap, &QListWidget::currentRowChanged, this, &MapSelection::selMapChosen);
+    connect(ui.MapList, &QListWidget::itemDoubleClicked, this, &MapSelection::cmdAddSelMap);
+    connect(ui.SelMap, &QListWidget::itemDoubleClicked, this, &MapSelection::cmdRemSelMap);
+    connect(ui.cmdAddSelMap, &QAbstractButton::clicked, this, &MapSelection::cmdAddSelMap);
+    connect(ui.cmdRemSelMap, &QAbstractButton::clicked, this, &MapSelection::cmdRemSelMap);
+    connect(ui.cmdMapUp, &QAbstractButton::clicked, this, &MapSelection::cmdMapUp);
+    connect(ui.cmdMapDown, &QAbstractButton::clicked, this, &MapSelection::cmdMapDown);
+    connect(ui.cmdMapClearAll, &QAbstractButton::clicked, this, &MapSelection::cmdMapClearAll);
+    connect(ui.cmdMapSelectAll, &QAbstractButton::clicked, this, &MapSelection::cmdMapSelectAll);
+    connect(ui.cmdMapDm, &QAbstractButton::clicked, this, &MapSelection::cmdMapDm);
+    connect(ui.cmdMapCtf, &QAbstractButton::clicked, this, &MapSelection::cmdMapCtf);
+    connect(ui.cmdMapTourney, &QAbstractButton::clicked, this, &MapSelection::cmdMapTourney);
+    connect(ui.cmdRandomize, &QAbstractButton::clicked, this, &MapSelection::cmdRandomize);
+    connect(ui.mnuMapSelect, &QAction::triggered, this, &MapSelection::cmdAddSelMap);
+    connect(ui.mnuMapsSelectAll, &QAction::triggered, this, &MapSelection::cmdMapSelectAll);
+
+    openPopup = [this](const QPoint& at) { this->ui.mnuMapList->popup(at); };
+    ui.MapList->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(ui.MapList, &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
+        prepareMapListMenu();
+        openPopup(this->ui.MapList->viewport()->mapToGlobal(at));
+    });
+}
+
+QString MapSelection::selectionFilePath() const {
+    return m_app.platform.folder.file(QStringLiteral("mapsel.txt"));
+}
+
+void MapSelection::updateAvailableCaption() {
+    ui.Frame14->setTitle(QString::number(ui.MapList->count()) + QStringLiteral(" Available Maps"));
+}
+
+void MapSelection::updateSelectedCaption() {
+    ui.Frame15->setTitle(QString::number(ui.SelMap->count()) + QStringLiteral(" Maps Selected"));
+}
+
+void MapSelection::LoadMaps() {
+    const MapSnapshot catalogue = m_catalogue.snapshot();
+    {
+        const QSignalBlocker blocker(ui.MapList);
+        ui.MapList->clear();
+        QStringList names;
+        names.reserve(catalogue.count());
+        for (int n = 1; n <= catalogue.count(); ++n) {
+            const QString name = catalogue.record(n).get(MapField::FileName);
+            if (!name.isEmpty())
+                names.append(name);
+        }
+        ui.MapList->addItems(names);
+    }
+    if (ui.MapList->count() > 0) {
+        highlightMapList(0);
+        m_catalogue.CurrentMapRecord = catalogue.find(ui.MapList->item(0)->text());
+    }
+
+    const QString path = selectionFilePath();
+    if (FileExists(path)) {
+        {
+            const QSignalBlocker blocker(ui.SelMap);
+            ui.SelMap->clear();
+        }
+        const MapSelectionRead read = readMapSelection(path, catalogue);
+        if (!read.ok) {
+            m_app.platform.messages.tell(QStringLiteral("Warning"),
+                                         QStringLiteral("Error opening mapsel.txt"),
+                                         MsgIcon::Critical);
+        }
+        {
+            const QSignalBlocker blocker(ui.SelMap);
+            ui.SelMap->addItems(read.entries);
+        }
+        if (ui.SelMap->count() > 0)
+            highlightSelMap(0);
+    }
+    updateAvailableCaption();
+    updateSelectedCaption();
+}
+
+void MapSelection::SaveMaps() {
+    if (!writeMapSelection(selectionFilePath(), selectedMaps())) {
+        m_app.platform.messages.tell(QStringLiteral("Warning"),
+                                     QStringLiteral("Error writing mapsel.txt"), MsgIcon::Critical);
+    }
+}
+
+QStringList MapSelection::selectedMaps() const {
+    QStringList entries;
+    entries.reserve(ui.SelMap->count());
+    for (int i = 0; i < ui.SelMap->count(); ++i)
+        entries.append(ui.SelMap->item(i)->text());
+    return entries;
+}
+
+void MapSelection::highlightMapList(int row) {
+    {
+        const QSignalBlocker blocker(ui.MapList);
+        ui.MapList->setCurrentRow(row, QItemSelectionModel::ClearAndSelect);
+    }
+    mapListChosen(row);
+}
+
+void MapSelection::highlightSelMap(int row) {
+    {
+        const QSignalBlocker blocker(ui.SelMap);
+        ui.SelMap->setCurrentRow(row, QItemSelectionModel::ClearAndSelect);
+    }
+    selMapChosen(row);
+}
+
+bool MapSelection::showChosen(const QString& entry) {
+    m_rules.CommitShownMap();
+    m_catalogue.CurrentMapRecord = m_catalogue.FindMap(entry);
+    if (m_catalogue.CurrentMapRecord < 1 || !m_catalogue.readRecord(m_catalogue.CurrentMapRecord))
+        return false;
+    m_rules.ShowMap();
+    m_preview.showPreview(entry);
+    return true;
+}
+
+void MapSelection::mapListChosen(int row) {
+    QListWidgetItem* item = ui.MapList->item(row);
+    if (!item || showChosen(item->text()))
+        return;
+    m_catalogue.MapDataDamaged = true;
+    m_app.platform.messages.tell(QStringLiteral("Note"),
+                                 QStringLiteral("Exiting before going the map data becomes "
+                                                "corrupted!"),
+                                 MsgIcon::Information);
+    if (closeMainWindow)
+        closeMainWindow();
+}
+
+void MapSelection::selMapChosen(int row) {
+    QListWidgetItem* item = ui.SelMap->item(row);
+    if (!item || showChosen(item->text()))
+        return;
+    if (closeMainWindow)
+        closeMainWindow();
+}
+
+int MapSelection::selHighlighted() const {
+    const QList<QListWidgetItem*> highlighted = ui.SelMap->selectedItems();
+    return highlighted.isEmpty() ? -1 : ui.SelMap->row(highlighted.first());
+}
+
+void MapSelection::cmdAddSelMap() {
+    const int p = selHighlighted();
+    int lastAdded = -1;
+    {
+        const QSignalBlocker blocker(ui.SelMap);
+        for (int i = 0; i < ui.MapList->count(); ++i) {
+            QListWidgetItem* item = ui.MapList->item(i);
+            if (!item->isSelected())
+                continue;
+            const int at = p < 0 ? ui.SelMap->count() : p + 1;
+            ui.SelMap->insertItem(at, item->text());
+            ui.SelMap->setCurrentRow(at, QItemSelectionModel::ClearAndSelect);
+            item->setSelected(false);
+            lastAdded = i;
+        }
+    }
+    if (lastAdded >= 0)
+        highlightMapList(lastAdded);
+    else if (ui.MapList->count() > 0)
+        highlightMapList(0);
+    updateSelectedCaption();
+}
+
+void MapSelection::cmdRemSelMap() {
+    const int i = selHighlighted();
+    if (i < 0)
+        return;
+    {
+        const QSignalBlocker blocker(ui.SelMap);
+        delete ui.SelMap->takeItem(i);
+    }
+    updateSelectedCaption();
+    if (ui.SelMap->count() > 0)
+        highlightSelMap(i < ui.SelMap->count() ? i : i - 1);
+}
+
+void MapSelection::moveSelected(int step) {
+    if (ui.SelMap->selectedItems().size() > 1) {
+        m_app.platform.messages.tell(
+            ApplicationTitle, QStringLiteral("Only one map can be moved at a time"), MsgIcon::None);
+        return;
+    }
+    const int i = selHighlighted();
+    const int to = i + step;
+    if (i < 0 || to < 0 || to >= ui.SelMap->count())
+        return;
+    {
+        const QSignalBlocker blocker(ui.SelMap);
+        QListWidgetItem* item = ui.SelMap->takeItem(i);
+        ui.SelMap->insertItem(to, item);
+    }
+    highlightSelMap(to);
+    ui.SelMap->setFocus();
+}
+
+void MapSelection::cmdMapUp() {
+    moveSelected(-1);
+}
+
+void MapSelection::cmdMapDown() {
+    moveSelected(+1);
+}
+
+void MapSelection::cmdMapClearAll() {
+    {
+        const QSignalBlocker blocker(ui.SelMap);
+        ui.SelMap->clear();
+    }
+    updateSelectedCaption();
+}
+
+void MapSelection::cmdMapSelectAll() {
+    ui.MapList->selectAll();
+}
+
+void MapSelection::addByType(const QString& text) {
+    QStringList found;
+    for (int i = 0; i < ui.MapList->count(); ++i) {
+        const QString entry = ui.MapList->item(i)->text();
+        if (entry.contains(text, Qt::CaseInsensitive))
+            found.append(entry);
+    }
+    {
+        const QSignalBlocker blocker(ui.SelMap);
+        ui.SelMap->addItems(found);
+    }
+    updateSelectedCaption();
+}
+
+void MapSelection::cmdMapDm() {
+    addByType(QStringLiteral("dm"));
+}
+
+void MapSelection::cmdMapCtf() {
+    addByType(QStringLiteral("ctf"));
+}
+
+void MapSelection::cmdMapTourney() {
+    addByType(QStringLiteral("tourney"));
+}
+
+void MapSelection::cmdRandomize() {
+    if (ui.SelMap->count() < 2) {
+        m_app.platform.messages.tell(QStringLiteral("Notice"),
+                                     QStringLiteral("You need to have at least two maps selected "
+                                                    "for this feature to work (think about it)."),
+                                     MsgIcon::Information);
+        return;
+    }
+    m_app.platform.desktop.setBusy(true);
+    const int n = ui.SelMap->count() - 1;
+    {
+        const QSignalBlocker blocker(ui.SelMap);
+        std::uniform_real_distribution<double> uniform(0.0, 1.0);
+        for (int pass = 0; pass < 100; ++pass) {
+            std::mt19937_64 generator = seededFromTimeOfDay();
+            const double r1 = uniform(generator);
+            const double r2 = uniform(generator);
+            // src from 1 to n, dst from 0 to n - 1.
+            const int src = qMin(int(r1 * n), n - 1) + 1;
+            const int dst = qMin(int(r2 * n), n - 1);
+            ui.SelMap->insertItem(dst, ui.SelMap->takeItem(src));
+        }
+    }
+    m_app.platform.desktop.setBusy(false);
+}
+
+int MapSelection::CountSelectedMaps() const {
+    return int(ui.MapList->selectedItems().size());
+}
+
+void MapSelection::prepareMapListMenu() {
+    const int highlighted = CountSelectedMaps();
+    ui.mnuMapEdit->setEnabled(highlighted == 1);
+    ui.mnuMapDelete->setEnabled(highlighted == 1);
+    ui.mnuMapSelect->setEnabled(highlighted > 0);
+    if (highlighted == 1)
+        ui.mnuMapSelect->setText(QStringLiteral("Select this map"));
+    else if (highlighted > 1)
+        ui.mnuMapSelect->setText(QStringLiteral("Select these maps"));
+}
+
+void MapSelection::suggestMaps(int gameTypeIndex) {
+    QString mark, title, text;
+    if (gameTypeIndex == 1) {
+        mark = QStringLiteral("tour");
+        title = QStringLiteral("Tourney Suggestion");
+        text = QStringLiteral("Would you like to automatically select all tourney maps only?");
+    } else if (gameTypeIndex == 3) {
+        mark = QStringLiteral("ctf");
+        title = QStringLiteral("CTF Suggestion");
+        text = QStringLiteral("Would you like to automatically select all CTF maps only?");
+    } else {
+        return;
+    }
+    bool differs = false;
+    for (int i = 0; i < ui.MapList->count() && !differs; ++i) {
+        const QListWidgetItem* item = ui.MapList->item(i);
+        differs = item->text().contains(mark, Qt::CaseSensitive) != item->isSelected();
+    }
+    if (!differs || !m_app.platform.messages.askYesNo(title, text, MsgIcon::Question))
+        return;
+    cmdMapClearAll();
+    if (gameTypeIndex == 1)
+        cmdMapTourney();
+    else
+        cmdMapCtf();
+}
+
+} // namespace halvane

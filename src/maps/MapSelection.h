@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QObject>
+#include <QStringList>
+#include <functional>
+
+namespace Ui {
+class frmMain;
+}
+
+namespace halvane {
+
+struct AppContext;
+class MapCatalogue;
+class MapPreview;
+class MapRulesPanel;
+
+// The two map lists of the Maps tab: the available maps (MapList) and the
+// selected maps in play order (SelMap), the buttons between them, the
+// popup menu of MapList and the selection file mapsel.txt.
+class MapSelection : public QObject {
+    Q_OBJECT
+public:
+    MapSelection(Ui::frmMain& ui, MapCatalogue& catalogue, AppContext& app, MapRulesPanel& rules,
+                 MapPreview& preview, QObject* parent = nullptr);
+
+    // Fills both lists from the catalogue and mapsel.txt, sets the captions.
+    void LoadMaps();
+    // Writes SelMap to mapsel.txt.
+    void SaveMaps();
+    // The selected maps in play order, as the entries stand.
+    QStringList selectedMaps() const;
+
+    void cmdAddSelMap();
+    void cmdRemSelMap();
+    void cmdMapUp();
+    void cmdMapDown();
+    void cmdMapClearAll();
+    void cmdMapSelectAll();
+    void cmdMapDm();
+    void cmdMapCtf();
+    void cmdMapTourney();
+    void cmdRandomize();
+
+    int CountSelectedMaps() const;
+    // Enables and captions the popup menu's items for the highlighted maps.
+    void prepareMapListMenu();
+    // The game-type suggestion: offers to select only tourney or CTF maps.
+    void suggestMaps(int gameTypeIndex);
+
+    // Makes a row of MapList the only highlighted and current entry, and
+    // runs the choice handling for it.
+    void highlightMapList(int row);
+    void highlightSelMap(int row);
+    void updateAvailableCaption();
+    void updateSelectedCaption();
+
+    // Closes the main window (a listed map vanished from the catalogue).
+    std::function<void()> closeMainWindow;
+    // Runs before the popup menu opens; tests replace the opening itself.
+    std::function<void(const QPoint& globalPosition)> openPopup;
+
+private:
+    void mapListChosen(int row);
+    void selMapChosen(int row);
+    void addByType(const QString& text);
+    void moveSelected(int step);
+    int selHighlighted() const;
+    bool showChosen(const QString& entry);
+    QString selectionFilePath() const;
+
+    Ui::frmMain& ui;
+    MapCatalogue& m_catalogue;
+    AppContext& m_app;
+    MapRulesPanel& m_rules;
+    MapPreview& m_preview;
+};
+
+} // namespace halvane

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QStringList>
+
+namespace halvane {
+
+class MapSnapshot;
+
+// mapsel.txt: the selected maps, one per line, CR LF, single-byte text.
+bool writeMapSelection(const QString& path, const QStringList& entries);
+
+struct MapSelectionRead {
+    bool ok = true;      // false when the file could not be read
+    QStringList entries; // the accepted lines as they were read, spaces kept
+};
+// Takes a line that is not blank, is no "//" comment and names a known map.
+MapSelectionRead readMapSelection(const QString& path, const MapSnapshot& catalogue);
+
+// Splits single-byte text into lines, whether they end in CR LF or LF alone.
+QStringList splitTextLines(const QByteArray& bytes);
+
+} // namespace halvane

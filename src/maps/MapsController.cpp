@@ -1,0 +1,79 @@
+#include "maps/MapsController.h"
+
+#include "maps/MapDiscovery.h"
+#include "maps/MapEditor.h"
+#include "maps/MapPreview.h"
+#include "maps/MapRulesPanel.h"
+#include "maps/MapSelection.h"
+#include "ui/AppContext.h"
+#include "ui/AppInfo.h"
+#include "ui_frmMain.h"
+
+namespace halvane {
+
+MapsController::MapsController(QWidget& mainWindow, Ui::frmMain& ui, AppContext& app,
+                               MapCatalogue& catalogue)
+    : ui(ui), m_app(app), m_catalogue(catalogue) {
+    m_rules = std::make_unique<MapRulesPanel>(ui, m_catalogue, app);
+    m_preview = std::make_unique<MapPreview>(ui, app);
+    m_selection = std::make_unique<MapSelection>(ui, m_catalogue, app, *m_rules, *m_preview);
+    m_selection->closeMainWindow = [this] {
+        if (closeMainWindow)
+            closeMainWindow();
+    };
+    m_discovery = std::make_unique<MapDiscovery>(m_catalogue, app, &mainWindow);
+    m_discovery->searchAtStartup = [this] { return this->ui.mnuSettingsMapCheck->isChecked(); };
+    m_discovery->LoadMaps = [this] { m_selection->LoadMaps(); };
+    m_editor = std::make_unique<MapEditor>(&mainWindow, ui, m_catalogue, app, *m_selection);
+
+    ui.mnuSettingsMapCheck->setCheckable(true);
+    connect(ui.cmdSearchMaps, &QAbstractButton::clicked, this,
+            [this] { m_discovery->searchArchives(); });
+    connect(ui.cmdDefault, &QAbstractButton::clicked, this, [this] { m_rules->cmdDefault(); });
+    connect(ui.cmdAddMaps, &QAbstractButton::clicked, m_editor.get(), &MapEditor::openForAdding);
+    connect(ui.mnuMapNew, &QAction::triggered, m_editor.get(), &MapEditor::openForAdding);
+    connect(ui.mnuMapEdit, &QAction::triggered, m_editor.get(), &MapEditor::openForEditing);
+    connect(ui.mnuMapDelete, &QAction::triggered, m_editor.get(), &MapEditor::deleteMap);
+}
+
+MapsController::~MapsController() = default;
+
+void MapsController::showStartupPicture() {
+    m_preview->showStartupPicture();
+}
+
+void MapsController::CheckMapDataFile() {
+    m_catalogue.CheckMapDataFile(m_app.platform.messages, AppInfo::supportContact());
+}
+
+void MapsController::GetMapsFromBaseDir() {
+    m_discovery->GetMapsFromBaseDir();
+}
+
+void MapsController::LoadMaps() {
+    m_selection->LoadMaps();
+}
+
+void MapsController::CommitShownMap() {
+    m_rules->CommitShownMap();
+}
+
+void MapsController::commitOnClose() {
+    if (ui.MapList->currentRow() > 0 && m_catalogue.CurrentMapRecord >= 1 &&
+        !m_catalogue.MapDataDamaged)
+        m_rules->CommitShownMap();
+}
+
+void MapsController::SaveMaps() {
+    m_selection->SaveMaps();
+}
+
+QStringList MapsController::selectedMaps() const {
+    return m_selection->selectedMaps();
+}
+
+void MapsController::suggestMaps(int gameTypeIndex) {
+    m_selection->suggestMaps(gameTypeIndex);
+}
+
+} // namespace halvane

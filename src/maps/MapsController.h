@@ -1,0 +1,73 @@
+#pragma once
+
+#include "maps/MapCatalogue.h"
+
+#include <QObject>
+#include <QStringList>
+#include <functional>
+#include <memory>
+
+namespace Ui {
+class frmMain;
+}
+class QWidget;
+
+namespace halvane {
+
+struct AppContext;
+class MapDiscovery;
+class MapEditor;
+class MapPreview;
+class MapRulesPanel;
+class MapSelection;
+
+// The Maps tab: the handlers of its lists, rules,
+// editor, search and picture. Other subsystems reach the maps through here.
+class MapsController : public QObject {
+    Q_OBJECT
+public:
+    // The catalogue is the program's one map catalogue, shared with the
+    // script writers, so every part sees the same shown map.
+    MapsController(QWidget& mainWindow, Ui::frmMain& ui, AppContext& app, MapCatalogue& catalogue);
+    ~MapsController() override;
+
+    // Start-up steps, in the order the main window runs them.
+    void showStartupPicture();
+    void CheckMapDataFile();
+    void GetMapsFromBaseDir();
+    void LoadMaps();
+
+    // Writes the shown map's rules back into its record (map choice, launch).
+    void CommitShownMap();
+    // Shut-down: the write-back, when an entry of MapList after the first is
+    // current, a record is shown and the catalogue was not found damaged.
+    void commitOnClose();
+    void SaveMaps();
+
+    // The selected maps in play order, each to be looked up with FindMap.
+    QStringList selectedMaps() const;
+    // The game-type suggestion (installed into the option interlocks).
+    void suggestMaps(int gameTypeIndex);
+
+    MapCatalogue& catalogue() { return m_catalogue; }
+    MapSelection& selection() { return *m_selection; }
+    MapRulesPanel& rules() { return *m_rules; }
+    MapPreview& preview() { return *m_preview; }
+    MapDiscovery& discovery() { return *m_discovery; }
+    MapEditor& editor() { return *m_editor; }
+
+    // Closes the main window; set by its owner.
+    std::function<void()> closeMainWindow;
+
+private:
+    Ui::frmMain& ui;
+    AppContext& m_app;
+    MapCatalogue& m_catalogue;
+    std::unique_ptr<MapRulesPanel> m_rules;
+    std::unique_ptr<MapPreview> m_preview;
+    std::unique_ptr<MapSelection> m_selection;
+    std::unique_ptr<MapDiscovery> m_discovery;
+    std::unique_ptr<MapEditor> m_editor;
+};
+
+} // namespace halvane
