@@ -3,51 +3,145 @@
 #include "ui/Twips.h"
 
 #include <QAction>
+#include <QBoxLayout>
+#include <QCoreApplication>
+#include <QEvent>
 #include <QLabel>
+#include <QPointer>
+#include <QThread>
 
 namespace halvane {
 
-StatusPanel::StatusPanel(QWidget& window, QLabel& tip, QAction& menuItem, QObject* parent)
-    : QObject(parent), m_window(window), m_tip(tip), m_menuItem(menuItem) {}
+namespace {
+// The pause between two steps of the animation; events run between steps.
+constexpr int PauseMilliseconds = 1;
+} // namespace
+
+StatusPanel::StatusPanel(QWidget& window, QWidget& area, QLabel& tip, QWidget& bar,
+                         QWidget& widthGuide, QAction& menuItem, QObject* parent)
+    : QObject(parent), m_window(window), m_area(area), m_tip(tip), m_bar(bar),
+      m_widthGuide(widthGuide), m_menuItem(menuItem) {
+    // The tip line and the bar are placed from the window's height (place()),
+    // not by the layout: the layout keeps the tabs and the buttons at the
+    // top, at their own height, and a stretch takes whatever the window has
+    // below them, so nothing but the status panel moves when it rolls.
+    if (auto* layout = qobject_cast<QBoxLayout*>(m_area.layout())) {
+        layout->removeWidget(&m_tip);
+        layout->removeWidget(&m_bar);
+        layout->addStretch(1);
+    }
+    m_bar.raise();
+    m_window.installEventFilter(this);
+    m_area.installEventFilter(this);
+}
 
 int StatusPanel::heightTwips() const {
-    return pixelsToTwips(m_window.frameGeometry().height(), m_window);
+    const int pixels = m_window.frameGeometry().height();
+    if (m_setTwips >= 0 && twipsToPixels(m_setTwips, m_window) == pixels)
+        return m_setTwips;
+    return pixelsToTwips(pixels, m_window);
 }
 
 void StatusPanel::setHeightTwips(int twips) {
     const int frame = m_window.frameGeometry().height() - m_window.height();
+    m_setTwips = twips;
     m_window.resize(m_window.width(), twipsToPixels(twips, m_window) - frame);
+    place();
 }
 
 bool StatusPanel::isOpen() const {
+    if (m_rolling)
+        return m_rollingOpen;
     return heightTwips() >= OpenThresholdTwips;
 }
 
-void StatusPanel::RollOut() {
-    int h = heightTwips();
-    while (h < OpenLimitTwips) {
-        setHeightTwips(h);
-        if (h > TipVisibleTwips)
-            m_tip.setVisible(true);
-        h += StepTwips;
+// One step of the animation: lets pending events run, pauses, sets the
+// height. False when the window went away or was closed meanwhile.
+bool StatusPanel::step(int twips) {
+    if (m_window.isVisible()) {
+        QPointer<StatusPanel> self(this);
+        QCoreApplication::processEvents();
+        if (!self || !m_window.isVisible())
+            return false;
+        QThread::msleep(PauseMilliseconds);
     }
+    setHeightTwips(twips);
+    return true;
+}
+
+void StatusPanel::RollOut() {
+    if (m_rolling)
+        return;
+    m_rolling = true;
+    m_rollingOpen = true;
+    QPointer<StatusPanel> self(this);
+    for (int h = heightTwips(); h < OpenLimitTwips; h += StepTwips) {
+        if (!step(h))
+            break;
+        if (h > TipVisibleTwips && !m_tip.isVisible()) {
+            m_tip.setVisible(true);
+            place();
+        }
+    }
+    if (!self)
+        return;
+    m_rolling = false;
     m_menuItem.setChecked(true);
 }
 
 void StatusPanel::Rollin() {
-    int h = heightTwips();
-    while (h >= ClosedTwips) {
-        setHeightTwips(h);
-        h -= StepTwips;
+    if (m_rolling)
+        return;
+    m_rolling = true;
+    m_rollingOpen = false;
+    QPointer<StatusPanel> self(this);
+    for (int h = heightTwips(); h >= ClosedTwips; h -= StepTwips) {
+        if (!step(h))
+            break;
     }
+    if (!self)
+        return;
+    m_rolling = false;
     m_menuItem.setChecked(false);
 }
 
 void StatusPanel::toggle() {
+    if (m_rolling)
+        return;
     if (heightTwips() < OpenThresholdTwips)
         RollOut();
     else
         Rollin();
+}
+
+void StatusPanel::place() {
+    if (m_window.isMinimized())
+        return;
+    const int h = heightTwips();
+    // As wide as the tab control; the layout's margins say where that is even
+    // before the layout has caught up with a resize.
+    QRect guide = m_widthGuide.geometry();
+    if (const QLayout* layout = m_area.layout()) {
+        const QMargins margins = layout->contentsMargins();
+        guide.setLeft(margins.left());
+        guide.setWidth(m_area.width() - margins.left() - margins.right());
+    }
+    const int barTop = twipsToPixels(h - BarAboveBottomTwips, m_window);
+    const int barHeight = qMin(m_bar.maximumHeight(), m_bar.sizeHint().height());
+    m_bar.setGeometry(guide.left(), barTop, guide.width(), barHeight);
+    if (m_tip.isVisible()) {
+        const int tipHeight = qMax(0, twipsToPixels(h - TipShorterTwips, m_window));
+        m_tip.setGeometry(guide.left(), twipsToPixels(TipTopTwips, m_window), guide.width(),
+                          tipHeight);
+    }
+}
+
+bool StatusPanel::eventFilter(QObject* watched, QEvent* event) {
+    const auto type = event->type();
+    if (type == QEvent::Resize || (watched == &m_area && type == QEvent::LayoutRequest) ||
+        type == QEvent::Show)
+        place();
+    return QObject::eventFilter(watched, event);
 }
 
 } // namespace halvane
