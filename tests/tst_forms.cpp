@@ -1,0 +1,919 @@
+// Checks the Designer forms of the program's windows: every control the code and the tips
+// refer to exists with the right class and caption, the menus carry their captions and
+// shortcut keys, and the main window fits the heights the status panel works with.
+
+#include "ui_frmMain.h"
+#include "ui_frmMap.h"
+#include "ui_frmMapSearch.h"
+#include "ui_frmPath.h"
+#include "ui_frmSecret.h"
+
+#include <QAbstractButton>
+#include <QAction>
+#include <QApplication>
+#include <QComboBox>
+#include <QDialog>
+#include <QGroupBox>
+#include <QKeySequence>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMainWindow>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScopedPointer>
+#include <QStackedWidget>
+#include <QStatusBar>
+#include <QTabWidget>
+#include <QtTest>
+
+namespace {
+
+// Window heights of the status panel at 96 DPI: closed and open.
+constexpr int ClosedHeight = 386;
+constexpr int OpenHeight = 430;
+
+// Marks a caption that must merely be present (texts of our own choosing).
+const QString AnyText = QStringLiteral("<any>");
+
+QString captionOf(const QWidget* w) {
+    if (auto* label = qobject_cast<const QLabel*>(w))
+        return label->text();
+    if (auto* button = qobject_cast<const QAbstractButton*>(w))
+        return button->text();
+    if (auto* frame = qobject_cast<const QGroupBox*>(w))
+        return frame->title();
+    if (auto* box = qobject_cast<const QLineEdit*>(w))
+        return box->text();
+    if (auto* selector = qobject_cast<const QComboBox*>(w))
+        return selector->currentText();
+    if (w->isWindow())
+        return w->windowTitle();
+    return QString();
+}
+
+// The controls of a form that a user reads or operates: named by the form, not Qt internals.
+QList<QWidget*> namedControls(QWidget* root) {
+    QList<QWidget*> result;
+    const auto children = root->findChildren<QWidget*>();
+    for (QWidget* w : children) {
+        const QString name = w->objectName();
+        if (name.isEmpty() || name.startsWith(QLatin1String("qt_")))
+            continue;
+        if (qobject_cast<QLabel*>(w) || qobject_cast<QLineEdit*>(w) ||
+            qobject_cast<QComboBox*>(w) || qobject_cast<QAbstractButton*>(w) ||
+            qobject_cast<QListWidget*>(w))
+            result.append(w);
+    }
+    return result;
+}
+
+QRect rectIn(const QWidget* w, const QWidget* ancestor) {
+    return QRect(w->mapTo(ancestor, QPoint(0, 0)), w->size());
+}
+
+} // namespace
+
+class TestForms : public QObject {
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+
+    void controls_data();
+    void controls();
+    void placement_data();
+    void placement();
+    void tabCaptions_data();
+    void tabCaptions();
+    void selectorsStartEmpty_data();
+    void selectorsStartEmpty();
+    void ruleBoxLimits_data();
+    void ruleBoxLimits();
+    void controlDetails();
+    void everyInputHasAnAccessibleName_data();
+    void everyInputHasAnAccessibleName();
+
+    void menuActions_data();
+    void menuActions();
+    void menuOrder_data();
+    void menuOrder();
+    void mapListPopupIsNotOnTheMenuBar();
+
+    void windowStartsOpenWithoutQtStatusBar();
+    void tabFitsClosedWindow_data();
+    void tabFitsClosedWindow();
+    void tabControlsDoNotOverlap_data();
+    void tabControlsDoNotOverlap();
+    void windowLayoutFitsClosedHeight();
+    void statusPanelShowsWhenOpen();
+
+private:
+    QWidget* form(const QString& name);
+    void showMainWindow(int height);
+
+    QScopedPointer<QMainWindow> m_main;
+    Ui::frmMain m_mainUi;
+    QScopedPointer<QDialog> m_path;
+    Ui::frmPath m_pathUi;
+    QScopedPointer<QDialog> m_map;
+    Ui::frmMap m_mapUi;
+    QScopedPointer<QDialog> m_search;
+    Ui::frmMapSearch m_searchUi;
+    QScopedPointer<QDialog> m_secret;
+    Ui::frmSecret m_secretUi;
+};
+
+void TestForms::init() {
+    m_main.reset(new QMainWindow);
+    m_mainUi.setupUi(m_main.data());
+    m_path.reset(new QDialog);
+    m_pathUi.setupUi(m_path.data());
+    m_map.reset(new QDialog);
+    m_mapUi.setupUi(m_map.data());
+    m_search.reset(new QDialog);
+    m_searchUi.setupUi(m_search.data());
+    m_secret.reset(new QDialog);
+    m_secretUi.setupUi(m_secret.data());
+}
+
+void TestForms::cleanup() {
+    m_main.reset();
+    m_path.reset();
+    m_map.reset();
+    m_search.reset();
+    m_secret.reset();
+}
+
+QWidget* TestForms::form(const QString& name) {
+    const QList<QWidget*> forms{m_main.data(), m_path.data(), m_map.data(), m_search.data(),
+                                m_secret.data()};
+    for (QWidget* w : forms) {
+        if (w->objectName() == name)
+            return w;
+    }
+    return nullptr;
+}
+
+void TestForms::showMainWindow(int height) {
+    m_main->resize(m_main->width(), height);
+    m_main->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_main.data()));
+    m_main->layout()->activate();
+    QCoreApplication::processEvents();
+    QCOMPARE(m_main->height(), height);
+}
+
+// ------------------------------------------------------------------ controls and captions
+
+void TestForms::controls_data() {
+    QTest::addColumn<QString>("formName");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("className");
+    QTest::addColumn<QString>("caption");
+
+    const auto row = [](const char* formName, const char* name, const char* cls,
+                        const QString& caption) {
+        QTest::addRow("%s.%s", formName, name)
+            << QString::fromLatin1(formName) << QString::fromLatin1(name)
+            << QString::fromLatin1(cls) << caption;
+    };
+    const auto main = [&](const char* name, const char* cls, const QString& caption) {
+        row("frmMain", name, cls, caption);
+    };
+
+    main("frmMain", "QMainWindow", "Halvane");
+    main("SSTab1", "QTabWidget", QString());
+
+    // General
+    main("Frame6", "QGroupBox", "");
+    main("cmbGameType", "QComboBox", "");
+    main("Label10", "QLabel", "Game &Type");
+    main("cmbServerType", "QComboBox", "");
+    main("Label29", "QLabel", "Server Type");
+    main("Frame4", "QGroupBox", "");
+    main("txtServerName", "QLineEdit", "");
+    main("Label1", "QLabel", "Server Name");
+    main("txtMOTD", "QLineEdit", "");
+    main("Label2", "QLabel", "Message of the Day");
+    main("Frame3", "QGroupBox", "");
+    main("txtAdminName", "QLineEdit", "");
+    main("Label39", "QLabel", "Admin Name");
+    main("txtAdminEmail", "QLineEdit", "");
+    main("Label40", "QLabel", "Admin Email");
+    main("txtAdminURL", "QLineEdit", "");
+    main("label75", "QLabel", "URL");
+    main("Frame2", "QGroupBox", "");
+    main("txtMaxPlayers", "QLineEdit", "");
+    main("Label5", "QLabel", "Maxiumum Players");
+    main("txtInactivity", "QLineEdit", "");
+    main("Label36", "QLabel", "Inactivity Timeout");
+    main("txtPlayerRespawn", "QLineEdit", "");
+    main("Label37", "QLabel", "Force Player Respawn");
+
+    // Bots
+    main("Frame16", "QGroupBox", "Type of Bots:");
+    main("cmbBotType", "QComboBox", "");
+    main("chkNoBotJump", "QCheckBox", "No jumping");
+    main("chkRocketJump", "QCheckBox", "Rocket jumps");
+    main("chkDisableBotChat", "QCheckBox", "No Chatting");
+    main("stkBotPanels", "QStackedWidget", QString());
+    main("picManualBots", "QWidget", QString());
+    main("picAutoBots", "QWidget", QString());
+    main("BotList", "QListWidget", QString());
+    main("btnEditBotList", "QPushButton", "Edit List");
+    main("btnBotRefresh", "QPushButton", "Refresh");
+    main("cmbBotTeam", "QComboBox", "");
+    main("Label24", "QLabel", "Team");
+    main("cmbBotSkill", "QComboBox", "");
+    main("Label16", "QLabel", "Bot Skill");
+    main("lblBotCount", "QLabel", "bots total");
+    main("chkRandomBotSkill", "QCheckBox", "Randomize Bot Skill");
+    main("chkAutoSelectBots", "QCheckBox", "Randomize Bots");
+    main("Frame13", "QGroupBox", "");
+    main("txtRandomBots", "QLineEdit", "");
+    main("Label31", "QLabel", "Max. number of bots");
+    main("txtMinBots", "QLineEdit", "");
+    main("Label34", "QLabel", "Number of Bots");
+    main("cmbAutoBotSkill", "QComboBox", "");
+    main("Label33", "QLabel", "Bot Skill:");
+    main("lblAutoBotsExplained", "QLabel",
+         "Automatic (Auto) bots are those which reside on the server until a specified number "
+         "of players is achieved. ");
+    main("lblAutoBotsKicked", "QLabel",
+         "As players join the server, the bots are kicked.  When the number of human players "
+         "connected to your server reaches the specified number of bots, all bots will be "
+         "kicked.");
+
+    // Maps
+    main("Frame14", "QGroupBox", "Available Maps");
+    main("MapList", "QListWidget", QString());
+    main("cmdSearchMaps", "QPushButton", "Search");
+    main("cmdMapSelectAll", "QPushButton", "Select All");
+    main("cmdMapCtf", "QPushButton", "CTF");
+    main("cmdMapDm", "QPushButton", "DM");
+    main("cmdMapTourney", "QPushButton", "Tourney");
+    main("cmdAddSelMap", "QPushButton", ">>");
+    main("cmdAddMaps", "QPushButton", "New");
+    main("Frame15", "QGroupBox", "Selected Maps");
+    main("SelMap", "QListWidget", QString());
+    main("cmdRandomize", "QPushButton", "Randomize Map Order");
+    main("cmdMapClearAll", "QPushButton", "Clear");
+    main("cmdRemSelMap", "QPushButton", "<<");
+    main("cmdMapUp", "QPushButton", "Up");
+    main("cmdMapDown", "QPushButton", "Down");
+    main("Picture3", "QGroupBox", "");
+    main("stkMapPicture", "QStackedWidget", QString());
+    main("imgMap1", "QLabel", "");
+    main("imgMap", "QLabel", "");
+    main("lblMap", "QLineEdit", "");
+    main("lblMapFilename", "QLabel", "");
+    main("txtMapTimeLimit", "QLineEdit", "");
+    main("Label45", "QLabel", "Time Limit");
+    main("txtMapFragLimit", "QLineEdit", "");
+    main("Label46", "QLabel", "Frag Limit");
+    main("txtMapCapturelimit", "QLineEdit", "");
+    main("Label47", "QLabel", "Capture Limit");
+    main("txtMapSpeed", "QLineEdit", "");
+    main("Label43", "QLabel", "Speed");
+    main("txtMapGravity", "QLineEdit", "");
+    main("Label41", "QLabel", "Gravity");
+    main("txtMapKnockback", "QLineEdit", "");
+    main("Label44", "QLabel", "KnockBack");
+    main("cmdDefault", "QPushButton", "Use Settings as Default");
+    main("mapFiles", "QListWidget", QString());
+
+    // Options
+    main("Frame8", "QGroupBox", "");
+    main("chkAutoJoin", "QCheckBox", "Auto-Join (Teamplay/CTF)");
+    main("chkAutoBalance", "QCheckBox", "Auto-Balance Teams (Teamplay/CTF)");
+    main("chkPAKCheat", "QCheckBox", "Pure server");
+    main("chkCheating", "QCheckBox", "Enable server-side cheating");
+    main("chkDemoRecording", "QCheckBox", "Allow Synchronous clients");
+    main("chkVote", "QCheckBox", "Allow voting");
+    main("chkFriendly", "QCheckBox", "Friendly Fire (Teamplay/CTF)");
+    main("chkWarmUp", "QCheckBox", "Do Warm-up for");
+    main("txtWarmUpTime", "QLineEdit", "");
+    main("lblWarmUpSeconds", "QLabel", "seconds");
+    main("Frame7", "QGroupBox", "");
+    main("txtQuad", "QLineEdit", "");
+    main("Label8", "QLabel", "Quad Multiplier");
+    main("txtRespawn", "QLineEdit", "");
+    main("Label9", "QLabel", "Weapon Respawn Time");
+    main("Frame9", "QGroupBox", "");
+    main("chkStartState", "QCheckBox", "When server starts, Halvane should: ");
+    main("optMinimize", "QRadioButton", "Minimize");
+    main("optClose", "QRadioButton", "Close");
+    main("Frame1", "QGroupBox", "Additional Master Servers");
+    for (const char* name :
+         {"txtMaster_0", "txtMaster_1", "txtMaster_2", "txtMaster_3", "txtMaster_4"})
+        main(name, "QLineEdit", "");
+
+    // Advanced
+    main("Frame5", "QGroupBox", "");
+    main("chkRequirePassword", "QCheckBox", "Require Password:");
+    main("txtServerPW", "QLineEdit", "");
+    main("txtConsolePW", "QLineEdit", "");
+    main("Label4", "QLabel", "Console (rcon) Password");
+    main("txtHunkMegs", "QLineEdit", "");
+    main("Label11", "QLabel", "Memory Allocated");
+    main("Label12", "QLabel", "MB");
+    main("chkSpecifyCD", "QCheckBox", "Specify CD Drive:");
+    main("txtCDROM", "QLineEdit", "");
+    main("chkNOP", "QCheckBox", "Support");
+    main("Label6", "QLabel", "N-0-P");
+    main("txtPrivateClients", "QLineEdit", "");
+    main("lblPrivateClients", "QLabel", "Private Clients");
+    main("Frame12", "QGroupBox", "");
+    main("txtNetIP", "QLineEdit", "");
+    main("Label13", "QLabel", "IP Address");
+    main("txtNetPort", "QLineEdit", "");
+    main("Label14", "QLabel", "Port Number");
+    main("txtMaxRate", "QLineEdit", "");
+    main("Label15", "QLabel", "Client Max Rate");
+    main("Label3", "QLabel", "Ping Limits -");
+    main("txtMinPing", "QLineEdit", "");
+    main("Label7", "QLabel", "Min.");
+    main("txtMaxPing", "QLineEdit", "");
+    main("Label17", "QLabel", "Max.");
+    main("chkLogFile", "QCheckBox", "Specify Log Filename");
+    main("Frame11", "QGroupBox", "");
+    main("chkDateLog", "QCheckBox", "Use date coded name");
+    main("txtLogFile", "QLineEdit", "");
+    main("Frame10", "QGroupBox", "");
+    main("txtCfg", "QComboBox", "");
+    main("Label25", "QLabel", "Include Cfg File");
+    main("cmdEditCfg", "QPushButton", "Edit");
+    main("txtCmdParameters", "QComboBox", "");
+    main("Label42", "QLabel", "Parameters");
+    main("File1", "QListWidget", QString());
+
+    // About
+    main("lblVersion", "QLabel", " Version");
+    main("Image1", "QLabel", "");
+    main("Label19", "QLabel", AnyText);
+    main("Label20", "QLabel", "");
+    main("Label22", "QLabel", "Send feedback to:");
+    main("Label23", "QLabel", "");
+    main("Label28", "QLabel", "Report bugs with the");
+    main("Label27", "QLabel", "Bug report form");
+
+    // Below the tabs
+    main("cmdStart", "QPushButton", "Launch the Server");
+    main("cmdClose", "QPushButton", "Close");
+    main("cmdSetPath", "QPushButton", "Q3A Path");
+    main("txtTip", "QLabel", "");
+    main("btnStatus", "QPushButton", "");
+    main("pakList", "QListWidget", QString());
+    main("pakMaps", "QListWidget", QString());
+
+    row("frmPath", "frmPath", "QDialog", "Halvane - Developed by Brask");
+    row("frmPath", "Frame1", "QGroupBox", "Quake 3 Arena Executable");
+    row("frmPath", "Label1", "QLabel",
+        "Select the full path to the Quake 3 Arena executable (quake3.exe).");
+    row("frmPath", "txtPath", "QLineEdit", "");
+    row("frmPath", "cmdBrowse", "QToolButton", AnyText);
+    row("frmPath", "cmdOkay", "QPushButton", "&Okay");
+    row("frmPath", "cmdCancel", "QPushButton", "&Cancel");
+
+    row("frmMap", "frmMap", "QDialog", AnyText);
+    row("frmMap", "Label1", "QLabel", "Map Name");
+    row("frmMap", "txtMapName", "QLineEdit", "");
+    row("frmMap", "Label3", "QLabel",
+        "This is the name of the map, for example \"The Longest Yard\"");
+    row("frmMap", "Label2", "QLabel", "File Name");
+    row("frmMap", "txtFileName", "QLineEdit", "");
+    row("frmMap", "Label4", "QLabel",
+        "This is the file name, without the .bsp extension.  For example:  q3tourney1");
+    row("frmMap", "Label5", "QLabel",
+        "Hint:  To add thumbnails for custom maps, open the associated .PK3 file in your "
+        "favorite zip utility, and extract the .JPG files to the maps folder where Halvane is "
+        "installed.");
+    row("frmMap", "Label6", "QLabel",
+        "Alternatively, you can simply extract all your PK3 files that contain custom maps to "
+        "your baseq3 folder, using all stored files names.  Halvane will look in the "
+        "baseq3/maps folder for new maps at startup.");
+    row("frmMap", "Command2", "QPushButton", "Okay");
+    row("frmMap", "Command1", "QPushButton", "Cancel");
+    row("frmMap", "lblIndexNum", "QLabel", "");
+
+    row("frmMapSearch", "frmMapSearch", "QDialog", "Map Search");
+    row("frmMapSearch", "lblHeader", "QLabel", "");
+    row("frmMapSearch", "lblStatus", "QLabel", "");
+
+    row("frmSecret", "frmSecret", "QDialog", AnyText);
+    row("frmSecret", "imgSecret", "QLabel", "");
+}
+
+void TestForms::controls() {
+    QFETCH(QString, formName);
+    QFETCH(QString, name);
+    QFETCH(QString, className);
+    QFETCH(QString, caption);
+
+    QWidget* root = form(formName);
+    QVERIFY(root);
+    QWidget* w = root->objectName() == name ? root : root->findChild<QWidget*>(name);
+    QVERIFY2(w, qPrintable(QStringLiteral("missing control %1").arg(name)));
+    QCOMPARE(QString::fromLatin1(w->metaObject()->className()), className);
+    if (caption == AnyText)
+        QVERIFY2(!captionOf(w).trimmed().isEmpty(), "expected a caption");
+    else if (!caption.isNull())
+        QCOMPARE(captionOf(w), caption);
+}
+
+// Where a control sits: the frame (or panel) around it and the tab it is shown on.
+void TestForms::placement_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("container");
+    QTest::addColumn<int>("tab");
+
+    const auto in = [](const char* name, const char* container, int tab) {
+        QTest::addRow("%s", name) << QString::fromLatin1(name) << QString::fromLatin1(container)
+                                  << tab;
+    };
+    for (const char* name : {"cmbGameType", "cmbServerType", "Label10", "Label29"})
+        in(name, "Frame6", 0);
+    for (const char* name : {"txtServerName", "txtMOTD"})
+        in(name, "Frame4", 0);
+    for (const char* name : {"txtAdminName", "txtAdminEmail", "txtAdminURL"})
+        in(name, "Frame3", 0);
+    for (const char* name : {"txtMaxPlayers", "txtInactivity", "txtPlayerRespawn"})
+        in(name, "Frame2", 0);
+
+    for (const char* name :
+         {"cmbBotType", "chkNoBotJump", "chkRocketJump", "chkDisableBotChat", "stkBotPanels"})
+        in(name, "Frame16", 1);
+    for (const char* name :
+         {"BotList", "btnEditBotList", "btnBotRefresh", "cmbBotTeam", "cmbBotSkill", "lblBotCount",
+          "chkRandomBotSkill", "chkAutoSelectBots", "Frame13"})
+        in(name, "picManualBots", 1);
+    for (const char* name : {"txtRandomBots", "Label31"})
+        in(name, "Frame13", 1);
+    for (const char* name : {"txtMinBots", "cmbAutoBotSkill", "Label33", "Label34",
+                             "lblAutoBotsExplained", "lblAutoBotsKicked"})
+        in(name, "picAutoBots", 1);
+
+    for (const char* name : {"MapList", "cmdSearchMaps", "cmdMapSelectAll", "cmdMapCtf", "cmdMapDm",
+                             "cmdMapTourney", "cmdAddSelMap", "cmdAddMaps"})
+        in(name, "Frame14", 2);
+    for (const char* name :
+         {"SelMap", "cmdRandomize", "cmdMapClearAll", "cmdRemSelMap", "cmdMapUp", "cmdMapDown"})
+        in(name, "Frame15", 2);
+    for (const char* name :
+         {"stkMapPicture", "lblMap", "lblMapFilename", "txtMapTimeLimit", "txtMapFragLimit",
+          "txtMapCapturelimit", "txtMapSpeed", "txtMapGravity", "txtMapKnockback", "cmdDefault"})
+        in(name, "Picture3", 2);
+    for (const char* name : {"imgMap1", "imgMap"})
+        in(name, "stkMapPicture", 2);
+
+    for (const char* name :
+         {"chkAutoJoin", "chkAutoBalance", "chkPAKCheat", "chkCheating", "chkDemoRecording",
+          "chkVote", "chkFriendly", "chkWarmUp", "txtWarmUpTime", "lblWarmUpSeconds"})
+        in(name, "Frame8", 3);
+    for (const char* name : {"txtQuad", "txtRespawn"})
+        in(name, "Frame7", 3);
+    for (const char* name : {"chkStartState", "optMinimize", "optClose"})
+        in(name, "Frame9", 3);
+    for (const char* name :
+         {"txtMaster_0", "txtMaster_1", "txtMaster_2", "txtMaster_3", "txtMaster_4"})
+        in(name, "Frame1", 3);
+
+    for (const char* name :
+         {"chkRequirePassword", "txtServerPW", "txtConsolePW", "txtHunkMegs", "Label12",
+          "chkSpecifyCD", "txtCDROM", "chkNOP", "Label6", "txtPrivateClients", "lblPrivateClients"})
+        in(name, "Frame5", 4);
+    for (const char* name : {"txtNetIP", "txtNetPort", "txtMaxRate", "Label3", "txtMinPing",
+                             "txtMaxPing", "Label13", "Label14"})
+        in(name, "Frame12", 4);
+    for (const char* name : {"chkDateLog", "txtLogFile"})
+        in(name, "Frame11", 4);
+    for (const char* name : {"txtCfg", "cmdEditCfg", "txtCmdParameters", "File1"})
+        in(name, "Frame10", 4);
+
+    // Outside the tabs.
+    for (const char* name :
+         {"cmdStart", "cmdClose", "cmdSetPath", "txtTip", "btnStatus", "pakList", "pakMaps"})
+        in(name, "centralwidget", -1);
+}
+
+void TestForms::placement() {
+    QFETCH(QString, name);
+    QFETCH(QString, container);
+    QFETCH(int, tab);
+
+    auto* w = m_main->findChild<QWidget*>(name);
+    auto* box = m_main->findChild<QWidget*>(container);
+    QVERIFY2(w, qPrintable(name));
+    QVERIFY2(box, qPrintable(container));
+    QVERIFY2(box->isAncestorOf(w), qPrintable(name + " is not inside " + container));
+    if (tab >= 0)
+        QVERIFY(m_mainUi.SSTab1->widget(tab)->isAncestorOf(w));
+    else
+        QVERIFY(!m_mainUi.SSTab1->isAncestorOf(w));
+}
+
+void TestForms::tabCaptions_data() {
+    QTest::addColumn<int>("index");
+    QTest::addColumn<QString>("caption");
+    QTest::addColumn<QString>("frame");
+
+    QTest::newRow("General") << 0 << " &General  "
+                             << "Frame4";
+    QTest::newRow("Bots") << 1 << "&Bots "
+                          << "Frame16";
+    QTest::newRow("Maps") << 2 << " &Maps  "
+                          << "Picture3";
+    QTest::newRow("Options") << 3 << " &Options  "
+                             << "Frame1";
+    QTest::newRow("Advanced") << 4 << " A&dvanced  "
+                              << "Frame10";
+    QTest::newRow("About") << 5 << " &About  "
+                           << "lblVersion";
+}
+
+void TestForms::tabCaptions() {
+    QFETCH(int, index);
+    QFETCH(QString, caption);
+    QFETCH(QString, frame);
+
+    QCOMPARE(m_mainUi.SSTab1->count(), 6);
+    QCOMPARE(m_mainUi.SSTab1->tabText(index), caption);
+    auto* w = m_main->findChild<QWidget*>(frame);
+    QVERIFY(w);
+    QVERIFY(m_mainUi.SSTab1->widget(index)->isAncestorOf(w));
+}
+
+// The code fills every list at start-up; the form must not bring entries of its own.
+void TestForms::selectorsStartEmpty_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<bool>("editable");
+
+    for (const char* name : {"cmbGameType", "cmbServerType", "cmbBotType", "cmbBotTeam",
+                             "cmbBotSkill", "cmbAutoBotSkill"})
+        QTest::newRow(name) << QString::fromLatin1(name) << false;
+    for (const char* name : {"txtCfg", "txtCmdParameters"})
+        QTest::newRow(name) << QString::fromLatin1(name) << true;
+}
+
+void TestForms::selectorsStartEmpty() {
+    QFETCH(QString, name);
+    QFETCH(bool, editable);
+
+    auto* selector = m_main->findChild<QComboBox*>(name);
+    QVERIFY(selector);
+    QCOMPARE(selector->count(), 0);
+    QCOMPARE(selector->isEditable(), editable);
+}
+
+void TestForms::ruleBoxLimits_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("maxLength");
+
+    QTest::newRow("txtMapTimeLimit") << "txtMapTimeLimit" << 3;
+    QTest::newRow("txtMapFragLimit") << "txtMapFragLimit" << 3;
+    QTest::newRow("txtMapCapturelimit") << "txtMapCapturelimit" << 3;
+    QTest::newRow("txtMapSpeed") << "txtMapSpeed" << 4;
+    QTest::newRow("txtMapGravity") << "txtMapGravity" << 4;
+    QTest::newRow("txtMapKnockback") << "txtMapKnockback" << 4;
+}
+
+void TestForms::ruleBoxLimits() {
+    QFETCH(QString, name);
+    QFETCH(int, maxLength);
+
+    auto* box = m_main->findChild<QLineEdit*>(name);
+    QVERIFY(box);
+    QCOMPARE(box->maxLength(), maxLength);
+}
+
+// Properties the code relies on rather than sets.
+void TestForms::controlDetails() {
+    const Ui::frmMain& ui = m_mainUi;
+
+    QCOMPARE(ui.MapList->selectionMode(), QAbstractItemView::ExtendedSelection);
+    QCOMPARE(ui.SelMap->selectionMode(), QAbstractItemView::SingleSelection);
+
+    for (QListWidget* helper : {ui.pakList, ui.pakMaps, ui.File1, ui.mapFiles})
+        QVERIFY2(helper->isHidden(), qPrintable(helper->objectName()));
+    QVERIFY(m_mapUi.lblIndexNum->isHidden());
+
+    // Code decides which of the two start-state options is set.
+    QVERIFY(!ui.optMinimize->autoExclusive());
+    QVERIFY(!ui.optClose->autoExclusive());
+
+    // The bot panels and the two map pictures each share one place.
+    QCOMPARE(ui.stkBotPanels->count(), 2);
+    QCOMPARE(ui.stkBotPanels->indexOf(ui.picManualBots), 0);
+    QCOMPARE(ui.stkBotPanels->indexOf(ui.picAutoBots), 1);
+    QCOMPARE(ui.stkMapPicture->count(), 2);
+    QVERIFY(ui.stkMapPicture->indexOf(ui.imgMap1) >= 0);
+    QVERIFY(ui.stkMapPicture->indexOf(ui.imgMap) >= 0);
+    QVERIFY(!ui.imgMap1->hasScaledContents());
+    QVERIFY(!ui.imgMap->hasScaledContents());
+
+    QVERIFY(!ui.lblMap->hasFrame());
+    QCOMPARE(ui.lblMap->toolTip(), QStringLiteral("Click here to change the name of this map"));
+    QVERIFY(ui.txtTip->wordWrap());
+    QVERIFY(ui.btnStatus->isFlat());
+    QCOMPARE(ui.btnStatus->toolTip(),
+             QStringLiteral("Click this bar to open and close the status window"));
+
+    QCOMPARE(m_pathUi.cmdBrowse->accessibleName(), QStringLiteral("Browse"));
+    for (QLabel* hint : {m_mapUi.Label5, m_mapUi.Label6})
+        QVERIFY(hint->wordWrap());
+}
+
+// A screen reader names every box by its label (buddy) or by an accessible name.
+void TestForms::everyInputHasAnAccessibleName_data() {
+    QTest::addColumn<QString>("formName");
+    for (const char* name : {"frmMain", "frmPath", "frmMap", "frmMapSearch", "frmSecret"})
+        QTest::newRow(name) << QString::fromLatin1(name);
+}
+
+void TestForms::everyInputHasAnAccessibleName() {
+    QFETCH(QString, formName);
+    QWidget* root = form(formName);
+    QVERIFY(root);
+
+    QHash<const QWidget*, QString> labelled;
+    for (QLabel* label : root->findChildren<QLabel*>()) {
+        if (label->buddy())
+            labelled.insert(label->buddy(), label->text());
+    }
+    for (QWidget* w : namedControls(root)) {
+        if (w->isHidden())
+            continue; // the hidden helper lists are never shown to anyone
+        if (qobject_cast<QLabel*>(w) && !w->objectName().startsWith(QLatin1String("img")) &&
+            w->objectName() != QLatin1String("Image1") &&
+            w->objectName() != QLatin1String("txtTip"))
+            continue; // a label speaks its own text
+        QString name = w->accessibleName();
+        if (name.isEmpty())
+            name = labelled.value(w);
+        if (name.isEmpty()) {
+            if (auto* button = qobject_cast<QAbstractButton*>(w))
+                name = button->text();
+        }
+        QVERIFY2(!name.isEmpty(), qPrintable(w->objectName() + " has no accessible name"));
+    }
+}
+
+// ------------------------------------------------------------------ menus
+
+void TestForms::menuActions_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("menu");
+    QTest::addColumn<QString>("caption");
+    QTest::addColumn<QString>("shortcut");
+    QTest::addColumn<bool>("checkable");
+    QTest::addColumn<bool>("checked");
+
+    const auto item = [](const char* name, const char* menu, const char* caption,
+                         const char* shortcut, bool checkable = false, bool checked = false) {
+        QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(menu)
+                            << QString::fromLatin1(caption) << QString::fromLatin1(shortcut)
+                            << checkable << checked;
+    };
+    item("mnuFileMakeCfg", "mnuFile", "Create &halvane.cfg", "Ctrl+S");
+    item("mnuFileSaveAs", "mnuFile", "Save config file &As", "Ctrl+A");
+    item("mnuFileClose", "mnuFile", "Close Halvane", "Ctrl+X");
+    item("mnuSettingsQ3Path", "mnuSettings", "Set Quake 3 path", "Ctrl+P");
+    item("mnuSettingsMapCheck", "mnuSettings", "Search for new maps at startup", "", true, false);
+    item("mnuSettingsGeneral", "mnuSettings", "General", "F2");
+    item("mnuSettingsBots", "mnuSettings", "Bots", "F3");
+    item("mnuSettingsMaps", "mnuSettings", "Maps", "F4");
+    item("mnuSettingsOptions", "mnuSettings", "Options", "F5");
+    item("mnuSettingsAdvanced", "mnuSettings", "Advanced", "F6");
+    item("mnuViewStatusBar", "mnuView", "Status Bar", "Ctrl+F1", true, true);
+    item("mnuViewNews", "mnuView", "Halvane News", "");
+    item("mnuHelpHalvane", "mnuHelp", "Index", "Shift+F1");
+    item("mnuHelpContext", "mnuHelp", "Help with the Current Tab", "F1");
+    item("mnuHelpOnline", "mnuHelp", "Halvane Online", "Ctrl+O");
+    item("mnuHelpFAQ", "mnuHelp", "Frequently Asked Questions", "Ctrl+Q");
+    item("mnuHelpAbout", "mnuHelp", "About Halvane", "F8");
+    item("mnuMapSelect", "mnuMapList", "Select map", "");
+    item("mnuMapNew", "mnuMapList", "New Map", "");
+    item("mnuMapEdit", "mnuMapList", "Edit Map", "");
+    item("mnuMapDelete", "mnuMapList", "Delete Map", "");
+    item("mnuMapsSelectAll", "mnuMapList", "Select All", "");
+}
+
+void TestForms::menuActions() {
+    QFETCH(QString, name);
+    QFETCH(QString, menu);
+    QFETCH(QString, caption);
+    QFETCH(QString, shortcut);
+    QFETCH(bool, checkable);
+    QFETCH(bool, checked);
+
+    auto* action = m_main->findChild<QAction*>(name);
+    QVERIFY2(action, qPrintable(name));
+    auto* owner = m_main->findChild<QMenu*>(menu);
+    QVERIFY2(owner, qPrintable(menu));
+    QVERIFY(owner->actions().contains(action));
+    QCOMPARE(action->text(), caption);
+    QCOMPARE(action->shortcut(), QKeySequence(shortcut));
+    QCOMPARE(action->isCheckable(), checkable);
+    QCOMPARE(action->isChecked(), checked);
+}
+
+// The items of each menu in order; "-" is a separator.
+void TestForms::menuOrder_data() {
+    QTest::addColumn<QString>("menu");
+    QTest::addColumn<QString>("title");
+    QTest::addColumn<QStringList>("items");
+
+    QTest::newRow("mnuFile") << "mnuFile"
+                             << "&File"
+                             << QStringList{"mnuFileMakeCfg", "mnuFileSaveAs", "-", "mnuFileClose"};
+    QTest::newRow("mnuSettings") << "mnuSettings"
+                                 << "&Settings"
+                                 << QStringList{"mnuSettingsQ3Path",   "-",
+                                                "mnuSettingsMapCheck", "-",
+                                                "mnuSettingsGeneral",  "mnuSettingsBots",
+                                                "mnuSettingsMaps",     "mnuSettingsOptions",
+                                                "mnuSettingsAdvanced"};
+    QTest::newRow("mnuView") << "mnuView"
+                             << "&View" << QStringList{"mnuViewStatusBar", "-", "mnuViewNews"};
+    QTest::newRow("mnuHelp") << "mnuHelp"
+                             << "&Help"
+                             << QStringList{
+                                    "mnuHelpHalvane", "-", "mnuHelpContext", "-", "mnuHelpOnline",
+                                    "mnuHelpFAQ",     "-", "mnuHelpAbout"};
+    QTest::newRow("mnuMapList") << "mnuMapList"
+                                << "Maps"
+                                << QStringList{"mnuMapSelect", "-", "mnuMapNew",       "mnuMapEdit",
+                                               "mnuMapDelete", "-", "mnuMapsSelectAll"};
+}
+
+void TestForms::menuOrder() {
+    QFETCH(QString, menu);
+    QFETCH(QString, title);
+    QFETCH(QStringList, items);
+
+    auto* owner = m_main->findChild<QMenu*>(menu);
+    QVERIFY(owner);
+    QCOMPARE(owner->title(), title);
+    QStringList actual;
+    for (QAction* action : owner->actions())
+        actual << (action->isSeparator() ? QStringLiteral("-") : action->objectName());
+    QCOMPARE(actual, items);
+}
+
+void TestForms::mapListPopupIsNotOnTheMenuBar() {
+    QStringList bar;
+    for (QAction* action : m_main->menuBar()->actions())
+        bar << (action->menu() ? action->menu()->objectName() : action->objectName());
+    QCOMPARE(bar, (QStringList{"mnuFile", "mnuSettings", "mnuView", "mnuHelp"}));
+    // The popup is a window of its own, yet it belongs to the main window's object tree.
+    QCOMPARE(m_main->findChild<QMenu*>(QStringLiteral("mnuMapList")), m_mainUi.mnuMapList);
+    QVERIFY(m_mainUi.mnuMapList->isWindow());
+}
+
+// ------------------------------------------------------------------ sizes
+
+void TestForms::windowStartsOpenWithoutQtStatusBar() {
+    QCOMPARE(m_main->height(), OpenHeight);
+    QVERIFY(m_main->width() >= 640 && m_main->width() <= 720);
+    QVERIFY(!m_main->findChild<QStatusBar*>());
+}
+
+void TestForms::tabFitsClosedWindow_data() {
+    QTest::addColumn<int>("index");
+    const char* tabs[] = {"General", "Bots", "Maps", "Options", "Advanced", "About"};
+    for (int i = 0; i < 6; ++i)
+        QTest::newRow(tabs[i]) << i;
+}
+
+// With the status panel closed every tab still shows all of its controls above the buttons.
+void TestForms::tabFitsClosedWindow() {
+    QFETCH(int, index);
+    showMainWindow(ClosedHeight);
+
+    m_mainUi.SSTab1->setCurrentIndex(index);
+    QCoreApplication::processEvents();
+    QWidget* page = m_mainUi.SSTab1->widget(index);
+    const QSize needed = page->minimumSizeHint();
+    QVERIFY2(
+        needed.height() <= page->height(),
+        qPrintable(
+            QStringLiteral("tab needs %1 px, has %2 px").arg(needed.height()).arg(page->height())));
+    QVERIFY2(needed.width() <= page->width(),
+             qPrintable(QStringLiteral("tab needs %1 px wide, has %2 px")
+                            .arg(needed.width())
+                            .arg(page->width())));
+
+    // Nothing on the page is cut off or pushed below the button row.
+    const int buttonTop = rectIn(m_mainUi.cmdStart, m_main.data()).top();
+    for (QWidget* w : namedControls(page)) {
+        if (!w->isVisibleTo(page))
+            continue;
+        const QRect r = rectIn(w, page);
+        QVERIFY2(page->rect().contains(r), qPrintable(w->objectName() + " is clipped"));
+        QVERIFY2(r.height() >= qMin(w->minimumSizeHint().height(), w->sizeHint().height()),
+                 qPrintable(w->objectName() + " is squeezed"));
+        QVERIFY2(rectIn(w, m_main.data()).bottom() < buttonTop,
+                 qPrintable(w->objectName() + " reaches the button row"));
+    }
+}
+
+void TestForms::tabControlsDoNotOverlap_data() {
+    tabFitsClosedWindow_data();
+}
+
+void TestForms::tabControlsDoNotOverlap() {
+    QFETCH(int, index);
+    showMainWindow(ClosedHeight);
+
+    m_mainUi.SSTab1->setCurrentIndex(index);
+    // Both bot panels must be laid out properly, whichever is in front.
+    for (int panel = 0; panel < (index == 1 ? 2 : 1); ++panel) {
+        m_mainUi.stkBotPanels->setCurrentIndex(panel);
+        QCoreApplication::processEvents();
+        QWidget* page = m_mainUi.SSTab1->widget(index);
+        QList<QWidget*> shown;
+        for (QWidget* w : namedControls(page)) {
+            if (w->isVisibleTo(page))
+                shown.append(w);
+        }
+        QVERIFY(!shown.isEmpty());
+        for (int i = 0; i < shown.size(); ++i) {
+            for (int j = i + 1; j < shown.size(); ++j) {
+                const QRect a = rectIn(shown[i], page);
+                const QRect b = rectIn(shown[j], page);
+                QVERIFY2(!a.intersects(b), qPrintable(shown[i]->objectName() + " overlaps " +
+                                                      shown[j]->objectName()));
+            }
+        }
+    }
+}
+
+void TestForms::windowLayoutFitsClosedHeight() {
+    showMainWindow(ClosedHeight);
+
+    const int budget = ClosedHeight - m_main->menuBar()->height();
+    const int needed = m_main->centralWidget()->layout()->minimumSize().height();
+    QVERIFY2(needed <= budget,
+             qPrintable(
+                 QStringLiteral("central layout needs %1 px, has %2 px").arg(needed).arg(budget)));
+    QVERIFY(m_main->minimumSizeHint().height() <= ClosedHeight);
+
+    // The buttons sit fully inside the window, below the tabs; the tip line is cut off but
+    // the status bar stays there to be clicked.
+    const QRect tabs = rectIn(m_mainUi.SSTab1, m_main.data());
+    for (QWidget* button : {m_mainUi.cmdStart, m_mainUi.cmdClose, m_mainUi.cmdSetPath}) {
+        const QRect r = rectIn(button, m_main.data());
+        QVERIFY(r.top() > tabs.bottom());
+        QVERIFY(r.bottom() < ClosedHeight);
+    }
+    const int tipShown = m_mainUi.scrTip->height();
+    QVERIFY2(tipShown < m_mainUi.txtTip->fontMetrics().height(),
+             qPrintable(QStringLiteral("%1 px of the tip line show").arg(tipShown)));
+    const QRect bar = rectIn(m_mainUi.btnStatus, m_main.data());
+    QVERIFY(bar.height() > 0);
+    QVERIFY(bar.bottom() < ClosedHeight);
+    QVERIFY(bar.top() > rectIn(m_mainUi.cmdStart, m_main.data()).bottom());
+}
+
+void TestForms::statusPanelShowsWhenOpen() {
+    showMainWindow(ClosedHeight);
+    const QRect closedTabs = rectIn(m_mainUi.SSTab1, m_main.data());
+    const QRect closedStart = rectIn(m_mainUi.cmdStart, m_main.data());
+
+    m_mainUi.txtTip->setText(QStringLiteral("Visit the Halvane website at https://example.org"));
+    showMainWindow(OpenHeight);
+
+    // Opening the panel moves nothing above it.
+    QCOMPARE(rectIn(m_mainUi.SSTab1, m_main.data()), closedTabs);
+    QCOMPARE(rectIn(m_mainUi.cmdStart, m_main.data()), closedStart);
+
+    // The tip line spans the tab control and shows two lines of text under the buttons.
+    const QRect tip = rectIn(m_mainUi.scrTip, m_main.data());
+    QCOMPARE(tip.left(), closedTabs.left());
+    QCOMPARE(tip.width(), closedTabs.width());
+    QCOMPARE(m_mainUi.txtTip->width(), closedTabs.width());
+    QVERIFY(tip.top() > closedStart.bottom());
+    QVERIFY2(tip.height() >= 2 * m_mainUi.txtTip->fontMetrics().lineSpacing(),
+             qPrintable(QStringLiteral("tip line is %1 px high").arg(tip.height())));
+    QVERIFY(m_mainUi.txtTip->isVisibleTo(m_main.data()));
+
+    const QRect bar = rectIn(m_mainUi.btnStatus, m_main.data());
+    QVERIFY(bar.top() >= tip.bottom());
+    QVERIFY(bar.bottom() < OpenHeight);
+}
+
+int main(int argc, char* argv[]) {
+    // The heights are defined for 96 DPI and the platform's default font.
+    qputenv("QT_FONT_DPI", "96");
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    TestForms test;
+    return QTest::qExec(&test, argc, argv);
+}
+
+#include "tst_forms.moc"
