@@ -52,9 +52,7 @@ struct Fixture {
         }
     }
     Ui::frmMain& ui() { return window->form(); }
-    QString help(const QString& page) const {
-        return platform.programFolder() + "/help/" + page;
-    }
+    QString help(const QString& page) const { return platform.programFolder() + "/help/" + page; }
 };
 } // namespace
 
@@ -102,7 +100,7 @@ void MenusTest::editingKeysStayWithTextBoxes() {
     f.ui().txtServerName->setText("My server");
     f.ui().txtServerName->setFocus();
     f.ui().txtServerName->deselect();
-    QTest::keyClick(f.window.get(), Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClick(f.ui().txtServerName, Qt::Key_A, Qt::ControlModifier);
     QCOMPARE(saveAs.size(), 0);
     QCOMPARE(f.ui().txtServerName->selectedText(), QStringLiteral("My server"));
 }
@@ -145,7 +143,8 @@ void MenusTest::menuTargets_data() {
     QTest::newRow("news") << "mnuViewNews" << site + "/news.shtml";
     QTest::newRow("online") << "mnuHelpOnline" << site;
     QTest::newRow("FAQ") << "mnuHelpFAQ" << site + "/FAQ.shtml";
-    QTest::newRow("index") << "mnuHelpHalvane" << "<program>/help/help.htm";
+    QTest::newRow("index") << "mnuHelpHalvane"
+                           << "<program>/help/help.htm";
 }
 
 void MenusTest::menuTargets() {
@@ -167,9 +166,10 @@ void MenusTest::aboutLinks_data() {
     QTest::newRow("web site") << "Label20" << site << site;
     QTest::newRow("feedback mail")
         << "Label23" << mail << "mailto:" + mail + "?subject=Halvane Version 2.07 Feedback";
-    QTest::newRow("bug report form") << "Label27" << "Bug report form"
-                                     << site + "/bugreport.shtml";
-    QTest::newRow("N-0-P") << "Label6" << "N-0-P" << AppInfo::nopSiteAddress();
+    QTest::newRow("bug report form") << "Label27"
+                                     << "Bug report form" << site + "/bugreport.shtml";
+    QTest::newRow("N-0-P") << "Label6"
+                           << "N-0-P" << AppInfo::nopSiteAddress();
 }
 
 void MenusTest::aboutLinks() {
@@ -199,20 +199,19 @@ void MenusTest::f8ShowsAboutAndDisablesTheTabLeft() {
     Fixture f;
     auto& ui = f.ui();
     ui.SSTab1->setCurrentIndex(3);
-    for (QWidget* frame : {(QWidget*)ui.Frame7, (QWidget*)ui.Frame1, (QWidget*)ui.Frame8,
-                           (QWidget*)ui.Frame9})
+    for (QWidget* frame :
+         {(QWidget*)ui.Frame7, (QWidget*)ui.Frame1, (QWidget*)ui.Frame8, (QWidget*)ui.Frame9})
         QVERIFY(frame->isEnabled());
     ui.SSTab1->tabBar()->setFocus();
     QTest::keyClick(f.window.get(), Qt::Key_F8);
     QCOMPARE(ui.SSTab1->currentIndex(), 5);
-    for (QWidget* frame : {(QWidget*)ui.Frame7, (QWidget*)ui.Frame1, (QWidget*)ui.Frame8,
-                           (QWidget*)ui.Frame9})
+    for (QWidget* frame :
+         {(QWidget*)ui.Frame7, (QWidget*)ui.Frame1, (QWidget*)ui.Frame8, (QWidget*)ui.Frame9})
         QVERIFY2(!frame->isEnabled(), qPrintable(frame->objectName()));
-    // The General tab was left at start-up's first showing only if visited:
-    // its frames are usable again once it is shown.
+    // Back on General, its frames are usable again.
     QTest::keyClick(f.window.get(), Qt::Key_F2);
-    for (QWidget* frame : {(QWidget*)ui.Frame4, (QWidget*)ui.Frame6, (QWidget*)ui.Frame3,
-                           (QWidget*)ui.Frame2})
+    for (QWidget* frame :
+         {(QWidget*)ui.Frame4, (QWidget*)ui.Frame6, (QWidget*)ui.Frame3, (QWidget*)ui.Frame2})
         QVERIFY(frame->isEnabled());
 }
 

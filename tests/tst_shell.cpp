@@ -65,25 +65,22 @@ void ShellTest::startUpRunsItsStepsInOrder() {
             facts << QStringLiteral("game type chosen=%1").arg(ui.cmbGameType->currentIndex());
         if (step == "Countbots")
             facts << "version=" + ui.lblVersion->text();
-        if (step == "StartupDone")
-            facts << QStringLiteral("before clearing startup=%1").arg(startup);
+        if (step == "LoadControls" || step == "LoadSettings")
+            facts << QStringLiteral("%1: startup=%2").arg(step).arg(startup);
         if (step == "AboutLinks")
             facts << QStringLiteral("after clearing startup=%1").arg(startup);
     };
     f.window->showMainWindow();
     const QStringList expected{
-        "SkipSaveOnClose", "anotherCopyRunning", "StartupInProgress", "defaultPicture",
-        "CheckMapDataFile", "CheckNewMaps",      "GetMapsFromBaseDir", "LoadBotList",
-        "LoadMaps",        "LoadControls",       "LoadSettings",       "lblVersion",
-        "Countbots",       "SetGameType",        "StartupDone",        "AboutLinks"};
+        "SkipSaveOnClose",  "anotherCopyRunning", "StartupInProgress",  "defaultPicture",
+        "CheckMapDataFile", "CheckNewMaps",       "GetMapsFromBaseDir", "LoadBotList",
+        "LoadMaps",         "LoadControls",       "LoadSettings",       "lblVersion",
+        "Countbots",        "SetGameType",        "StartupDone",        "AboutLinks"};
     QCOMPARE(steps, expected);
-    const QStringList expectedFacts{"CheckNewMaps: startup=1",
-                                    "map search mark=1",
-                                    "game types=4",
-                                    "game type chosen=3",
-                                    "version=Version 2.07",
-                                    "before clearing startup=1",
-                                    "after clearing startup=0"};
+    const QStringList expectedFacts{"CheckNewMaps: startup=1", "map search mark=1",
+                                    "LoadControls: startup=1", "game types=4",
+                                    "LoadSettings: startup=1", "game type chosen=3",
+                                    "version=Version 2.07",    "after clearing startup=0"};
     QCOMPARE(facts, expectedFacts);
     QVERIFY(!f.platform.app->state.StartupInProgress);
     QCOMPARE(f.ui().Label20->text(), AppInfo::productSiteAddress());
@@ -102,8 +99,8 @@ void ShellTest::shutDownSavesParametersBeforeSettings() {
         writesAtStep << f.platform.store->writes.size();
     };
     f.window->close();
-    QCOMPARE(steps, QStringList({"CommitShownMap", "SaveMaps", "saveParameterList",
-                                 "SaveSettings", "endProgram"}));
+    QCOMPARE(steps, QStringList({"CommitShownMap", "SaveMaps", "saveParameterList", "SaveSettings",
+                                 "endProgram"}));
     const QStringList& writes = f.platform.store->writes;
     // Nothing stored before the parameter lines; the parameter lines (and
     // nothing of the settings) between their step and the settings' step.
@@ -150,28 +147,50 @@ void ShellTest::resizePlacesTheStatusPanel() {
     QFETCH(int, twips);
     Fixture f;
     f.window->showMainWindow();
-    f.ui().txtTip->setVisible(true);
+    f.ui().scrTip->setVisible(true);
     f.panel().setHeightTwips(twips);
     QCOMPARE(f.panel().heightTwips(), twips);
     const QWidget& window = *f.window;
-    QCOMPARE(f.ui().btnStatus->y(), twipsToPixels(twips - 920, window));
-    QCOMPARE(f.ui().txtTip->height(), qMax(0, twipsToPixels(twips - 5870, window)));
-    // Nothing else moves: the tip line keeps its top, the tabs theirs.
-    QCOMPARE(f.ui().txtTip->y(), twipsToPixels(5870 - 920, window));
-    QCOMPARE(f.ui().txtTip->width(), f.ui().SSTab1->width());
+    QCOMPARE(f.window->height(), twipsToPixels(twips, window));
+    // The bar's top 920 twips above the height, counted with the caption the
+    // rule's heights held (495 twips); the tip line 5870 twips shorter than
+    // the window, ending at the bar.
+    const int barTop = twipsToPixels(twips - 920 + 495, window);
+    const int tipHeight = qMax(0, twipsToPixels(twips - 5870, window));
+    QCOMPARE(f.ui().btnStatus->y(), barTop);
+    QCOMPARE(f.ui().scrTip->height(), tipHeight);
+    QCOMPARE(f.ui().scrTip->y() + f.ui().scrTip->height(), barTop);
+    QCOMPARE(f.ui().scrTip->width(), f.ui().SSTab1->width());
     QCOMPARE(f.ui().btnStatus->width(), f.ui().SSTab1->width());
+    // Nothing else moves: the tabs and the buttons keep their places, and
+    // the tip line its top once it has a height.
+    f.panel().setHeightTwips(6450);
+    const QRect tabs = f.ui().SSTab1->geometry();
+    const QRect start = f.ui().cmdStart->geometry();
+    const int tipTop = f.ui().scrTip->y();
+    f.panel().setHeightTwips(twips);
+    QCOMPARE(f.ui().SSTab1->geometry(), tabs);
+    QCOMPARE(f.ui().cmdStart->geometry(), start);
+    if (twips > 5870)
+        QVERIFY(qAbs(f.ui().scrTip->y() - tipTop) <= 1); // rounding of two conversions
 }
 
 void ShellTest::buttonsStayAboveTheClosedPanel() {
     Fixture f;
     f.window->showMainWindow();
     f.panel().setHeightTwips(StatusPanel::ClosedTwips);
-    QCOMPARE(f.window->frameGeometry().height(), twipsToPixels(5790, *f.window));
+    QCOMPARE(f.window->height(), twipsToPixels(5790, *f.window));
     const QRect close = f.ui().cmdClose->geometry();
-    QVERIFY2(close.bottom() < f.ui().btnStatus->y(),
+    const QRect bar = f.ui().btnStatus->geometry();
+    QVERIFY2(close.bottom() < bar.top(),
              qPrintable(QStringLiteral("buttons end at %1, the bar starts at %2")
                             .arg(close.bottom())
-                            .arg(f.ui().btnStatus->y())));
+                            .arg(bar.top())));
+    QVERIFY(bar.bottom() < f.ui().centralwidget->height());
+    // Open, the tip line shows two lines of text below the buttons.
+    f.panel().setHeightTwips(6450);
+    QVERIFY(f.ui().scrTip->y() > close.bottom());
+    QVERIFY(f.ui().scrTip->height() >= 2 * f.ui().txtTip->fontMetrics().lineSpacing());
 }
 
 void ShellTest::toggleAtThreshold_data() {

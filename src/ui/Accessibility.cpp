@@ -48,7 +48,8 @@ void nameControls(QWidget& root) {
             continue; // its caption is spoken
         QString name;
         for (QWidget* up = widget->parentWidget(); up && up != &root; up = up->parentWidget()) {
-            if (auto* frame = qobject_cast<QGroupBox*>(up); frame && !spoken(frame->title()).isEmpty()) {
+            if (auto* frame = qobject_cast<QGroupBox*>(up);
+                frame && !spoken(frame->title()).isEmpty()) {
                 name = spoken(frame->title());
                 break;
             }

@@ -52,7 +52,8 @@ QByteArray freeGameScript(const QString& folder, const QString& engine) {
 
 FirstRunResult prepareFirstRun(SettingsStore& store, const QString& folder,
                                const FreeGameSources& sources) {
-    const QString stored = store.read(QStringLiteral("Settings"), QStringLiteral("Path"), QString());
+    const QString stored =
+        store.read(QStringLiteral("Settings"), QStringLiteral("Path"), QString());
     if (!stored.isEmpty())
         return {FirstRunResult::AlreadyStored,
                 QStringLiteral("A game location is already stored: ") + stored};

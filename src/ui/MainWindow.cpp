@@ -4,8 +4,8 @@
 #include "settings/OptionInterlocks.h"
 #include "settings/SettingsController.h"
 #include "settings/TextForms.h"
-#include "ui/AppContext.h"
 #include "ui/Accessibility.h"
+#include "ui/AppContext.h"
 #include "ui/AppInfo.h"
 #include "ui/HelpMenu.h"
 #include "ui/StatusPanel.h"
@@ -48,9 +48,9 @@ void fill(QComboBox* combo, const QStringList& entries) {
 MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::frmMain>()) {
     ui->setupUi(this);
     m_interlocks = std::make_unique<OptionInterlocks>(*ui, m_app);
-    m_statusPanel = std::make_unique<StatusPanel>(*this, *ui->centralwidget, *ui->txtTip,
-                                                  *ui->btnStatus, *ui->SSTab1,
-                                                  *ui->mnuViewStatusBar);
+    m_statusPanel =
+        std::make_unique<StatusPanel>(*this, *ui->centralwidget, *ui->scrTip, *ui->txtTip,
+                                      *ui->btnStatus, *ui->SSTab1, *ui->mnuViewStatusBar);
     m_tips = std::make_unique<TipLine>(*this, *ui);
     m_tabFrames = std::make_unique<TabFrames>(*ui->SSTab1, *this);
     m_help = std::make_unique<HelpMenu>(*this, *ui, m_app);
@@ -149,9 +149,8 @@ void MainWindow::load() {
 
     // 6.
     step("CheckNewMaps");
-    const auto checkNewMaps =
-        parseTruth(m_app.platform.store.read(QStringLiteral("Settings"),
-                                             QStringLiteral("CheckNewMaps"), truthText(false)));
+    const auto checkNewMaps = parseTruth(m_app.platform.store.read(
+        QStringLiteral("Settings"), QStringLiteral("CheckNewMaps"), truthText(false)));
     ui->mnuSettingsMapCheck->setChecked(checkNewMaps.value_or(false));
 
     // 7. GetMapsFromBaseDir.

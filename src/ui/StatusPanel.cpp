@@ -17,17 +17,19 @@ namespace {
 constexpr int PauseMilliseconds = 1;
 } // namespace
 
-StatusPanel::StatusPanel(QWidget& window, QWidget& area, QLabel& tip, QWidget& bar,
-                         QWidget& widthGuide, QAction& menuItem, QObject* parent)
-    : QObject(parent), m_window(window), m_area(area), m_tip(tip), m_bar(bar),
+StatusPanel::StatusPanel(QWidget& window, QWidget& area, QWidget& tipArea, QLabel& tip,
+                         QWidget& bar, QWidget& widthGuide, QAction& menuItem, QObject* parent)
+    : QObject(parent), m_window(window), m_area(area), m_tipArea(tipArea), m_tip(tip), m_bar(bar),
       m_widthGuide(widthGuide), m_menuItem(menuItem) {
     // The tip line and the bar are placed from the window's height (place()),
     // not by the layout: the layout keeps the tabs and the buttons at the
     // top, at their own height, and a stretch takes whatever the window has
     // below them, so nothing but the status panel moves when it rolls.
     if (auto* layout = qobject_cast<QBoxLayout*>(m_area.layout())) {
-        layout->removeWidget(&m_tip);
+        layout->removeWidget(&m_tipArea);
         layout->removeWidget(&m_bar);
+        for (int n = 0; n < layout->count(); ++n)
+            layout->setStretch(n, 0);
         layout->addStretch(1);
     }
     m_bar.raise();
@@ -36,16 +38,15 @@ StatusPanel::StatusPanel(QWidget& window, QWidget& area, QLabel& tip, QWidget& b
 }
 
 int StatusPanel::heightTwips() const {
-    const int pixels = m_window.frameGeometry().height();
+    const int pixels = m_window.height();
     if (m_setTwips >= 0 && twipsToPixels(m_setTwips, m_window) == pixels)
         return m_setTwips;
     return pixelsToTwips(pixels, m_window);
 }
 
 void StatusPanel::setHeightTwips(int twips) {
-    const int frame = m_window.frameGeometry().height() - m_window.height();
     m_setTwips = twips;
-    m_window.resize(m_window.width(), twipsToPixels(twips, m_window) - frame);
+    m_window.resize(m_window.width(), twipsToPixels(twips, m_window));
     place();
 }
 
@@ -78,7 +79,8 @@ void StatusPanel::RollOut() {
     for (int h = heightTwips(); h < OpenLimitTwips; h += StepTwips) {
         if (!step(h))
             break;
-        if (h > TipVisibleTwips && !m_tip.isVisible()) {
+        if (h > TipVisibleTwips && !m_tipArea.isVisible()) {
+            m_tipArea.setVisible(true);
             m_tip.setVisible(true);
             place();
         }
@@ -114,25 +116,33 @@ void StatusPanel::toggle() {
         Rollin();
 }
 
+int StatusPanel::barTopFor(int twips) const {
+    return twipsToPixels(twips - BarAboveBottomTwips + CaptionTwips, m_window);
+}
+
+int StatusPanel::tipHeightFor(int twips) const {
+    return qMax(0, twipsToPixels(twips - TipShorterTwips, m_window));
+}
+
 void StatusPanel::place() {
     if (m_window.isMinimized())
         return;
     const int h = heightTwips();
     // As wide as the tab control; the layout's margins say where that is even
     // before the layout has caught up with a resize.
-    QRect guide = m_widthGuide.geometry();
+    int left = m_widthGuide.x();
+    int width = m_widthGuide.width();
     if (const QLayout* layout = m_area.layout()) {
         const QMargins margins = layout->contentsMargins();
-        guide.setLeft(margins.left());
-        guide.setWidth(m_area.width() - margins.left() - margins.right());
+        left = margins.left();
+        width = m_area.width() - margins.left() - margins.right();
     }
-    const int barTop = twipsToPixels(h - BarAboveBottomTwips, m_window);
+    const int barTop = barTopFor(h);
     const int barHeight = qMin(m_bar.maximumHeight(), m_bar.sizeHint().height());
-    m_bar.setGeometry(guide.left(), barTop, guide.width(), barHeight);
-    if (m_tip.isVisible()) {
-        const int tipHeight = qMax(0, twipsToPixels(h - TipShorterTwips, m_window));
-        m_tip.setGeometry(guide.left(), twipsToPixels(TipTopTwips, m_window), guide.width(),
-                          tipHeight);
+    m_bar.setGeometry(left, barTop, width, barHeight);
+    if (m_tipArea.isVisible()) {
+        const int tipHeight = tipHeightFor(h);
+        m_tipArea.setGeometry(left, barTop - tipHeight, width, tipHeight);
     }
 }
 

@@ -10,7 +10,8 @@ namespace halvane {
 
 // The tip line and the bar under the buttons, shown by making the whole
 // window taller and hidden by making it shorter. Heights are twips of the
-// window's outer height.
+// window's own height: its menu bar included, the caption and borders that
+// the desktop draws around it excluded (their size is the desktop's).
 class StatusPanel : public QObject {
     Q_OBJECT
 public:
@@ -19,16 +20,25 @@ public:
     static constexpr int OpenThresholdTwips = 6250;
     static constexpr int TipVisibleTwips = 6000;
     static constexpr int StepTwips = 6;
-    // Where the bar and the tip line sit, from the window's height.
+    // Where the bar and the tip line sit: the bar's top 920 twips above the
+    // window's height, the tip line 5870 twips shorter than the window and
+    // ending where the bar begins. Those heights counted a caption and
+    // borders above the area below the menu bar, which this window's height
+    // does not hold; CaptionTwips puts them back, so the bar keeps its place
+    // at the foot of the window.
     static constexpr int BarAboveBottomTwips = 920;
     static constexpr int TipShorterTwips = 5870;
-    // The tip line keeps its top and ends where the bar begins.
-    static constexpr int TipTopTwips = TipShorterTwips - BarAboveBottomTwips;
+    static constexpr int CaptionTwips = 495;
 
-    // tip and bar are children of area, which lies below the menu bar of
-    // window; widthGuide (the tab control) gives their left edge and width.
-    StatusPanel(QWidget& window, QWidget& area, QLabel& tip, QWidget& bar, QWidget& widthGuide,
-                QAction& menuItem, QObject* parent = nullptr);
+    // tipArea (holding the label tip) and bar are children of area, the
+    // window's central area below its menu bar; widthGuide (the tab control)
+    // gives their width.
+    StatusPanel(QWidget& window, QWidget& area, QWidget& tipArea, QLabel& tip, QWidget& bar,
+                QWidget& widthGuide, QAction& menuItem, QObject* parent = nullptr);
+
+    // The places the rule gives for a window height, in pixels of area.
+    int barTopFor(int twips) const;
+    int tipHeightFor(int twips) const;
 
     void RollOut();
     void Rollin();
@@ -51,6 +61,7 @@ private:
 
     QWidget& m_window;
     QWidget& m_area;
+    QWidget& m_tipArea;
     QLabel& m_tip;
     QWidget& m_bar;
     QWidget& m_widthGuide;

@@ -6,6 +6,7 @@
 #include <QComboBox>
 #include <QEvent>
 #include <QLineEdit>
+#include <QMouseEvent>
 #include <QTabBar>
 
 namespace halvane {
@@ -42,12 +43,10 @@ TipLine::TipLine(QWidget& window, Ui::frmMain& form, QObject* parent)
         if (box && Tips::selectOnFocusNames().contains(key))
             m_selectAll.insert(box);
         if (Tips::selectNothingNames().contains(key)) {
-            auto* combo = qobject_cast<QComboBox*>(widget);
-            QLineEdit* edit = combo ? combo->lineEdit() : qobject_cast<QLineEdit*>(widget);
-            if (edit) {
-                m_selectNothing.insert(edit);
-                edit->installEventFilter(this);
-            }
+            // A selector hands its focus to its edit box directly, past
+            // any filter on that box: watch the selector itself.
+            m_selectNothing.insert(widget);
+            widget->installEventFilter(this);
         }
     }
     for (QObject* box : std::as_const(m_selectAll))
@@ -112,9 +111,20 @@ void TipLine::SelectText(QLineEdit& box) {
 
 bool TipLine::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
-    case QEvent::MouseMove:
+    case QEvent::MouseMove: {
+        QWidget* control = m_owner.value(watched);
+        if (!control)
+            break;
+        // A move a control inside did not take travels on to its container;
+        // the tip is the inner control's (or none), not the container's.
+        auto* widget = static_cast<QWidget*>(watched);
+        QWidget* under = widget->childAt(static_cast<QMouseEvent*>(event)->position().toPoint());
+        if (under && m_owner.value(under) != control)
+            break;
+        ShowTip(tipForKey(Tips::keyOf(control->objectName())));
+        break;
+    }
     case QEvent::Enter:
-    case QEvent::HoverMove:
         if (QWidget* control = m_owner.value(watched))
             ShowTip(tipForKey(Tips::keyOf(control->objectName())));
         break;
@@ -124,7 +134,11 @@ bool TipLine::eventFilter(QObject* watched, QEvent* event) {
         } else if (m_selectNothing.contains(watched)) {
             // The edit box would select its text itself when tabbed into;
             // undo that once its own handling has run.
-            QMetaObject::invokeMethod(watched, "deselect", Qt::QueuedConnection);
+            auto* combo = qobject_cast<QComboBox*>(watched);
+            QLineEdit* edit = combo ? combo->lineEdit() : qobject_cast<QLineEdit*>(watched);
+            if (edit)
+                QMetaObject::invokeMethod(
+                    edit, [edit] { edit->deselect(); }, Qt::QueuedConnection);
         }
         break;
     default:
