@@ -31,10 +31,10 @@ TipLine::TipLine(QWidget& window, Ui::frmMain& form, QObject* parent)
         if (widget->objectName().isEmpty() || (!tips.contains(key) && !built.contains(key)))
             continue;
         watch(*widget);
+        // A screen reader speaks the tip as the control's description; the
+        // window's empty areas, whose tip is the web site line, get none.
         const QString tip = tipForKey(key);
-        if (!tip.isEmpty() && tip != QLatin1String("tm"))
-            widget->setAccessibleDescription(tip);
-        else if (tip == QLatin1String("tm"))
+        if (!tip.isEmpty())
             widget->setAccessibleDescription(Tips::tipLineText(tip));
     }
     for (QWidget* widget : widgets) {

@@ -26,8 +26,8 @@ public:
     void ShowTip(const QString& t);
     static void SelectText(QLineEdit& box);
 
-    // The tip of a control as the tables give it now (built tips included);
-    // an empty optional-like null string when the control has none.
+    // The text the tip line shows for a control now (built tips included);
+    // a null string for a control the tables do not name.
     QString tipOf(const QWidget& control) const;
 
 protected:
