@@ -28,6 +28,7 @@ private slots:
     void barAndMenuOpenAndClose();
     void animationLetsEventsRunAndIgnoresReentry();
     void closingMidAnimationSavesTheAskedState();
+    void tipLineAppearsAbove6000();
     void panelStateIsRestoredAtNextStart_data();
     void panelStateIsRestoredAtNextStart();
 };
@@ -279,6 +280,29 @@ void ShellTest::closingMidAnimationSavesTheAskedState() {
     QVERIFY(f.panel().heightTwips() < 6250); // stopped part way
     QVERIFY(!f.panel().isRolling());
     QCOMPARE(f.platform.ini->read("Settings", "StatusBar", ""), QStringLiteral("True"));
+}
+
+void ShellTest::tipLineAppearsAbove6000() {
+    Fixture f;
+    f.window->showMainWindow();
+    f.panel().setHeightTwips(5790);
+    f.ui().scrTip->hide();
+    QList<QPair<int, bool>> seen;
+    QTimer timer;
+    timer.setInterval(0);
+    connect(&timer, &QTimer::timeout,
+            [&] { seen << qMakePair(f.panel().heightTwips(), f.ui().scrTip->isVisible()); });
+    timer.start();
+    f.panel().RollOut();
+    timer.stop();
+    QVERIFY(seen.size() > 10);
+    for (const auto& [height, visible] : seen)
+        QVERIFY2(visible == (height > 6000), qPrintable(QString::number(height)));
+    QVERIFY(f.ui().scrTip->isVisible());
+    // Rolling in leaves it shown; at the closed height it has no height.
+    f.panel().Rollin();
+    QVERIFY(f.ui().scrTip->isVisible());
+    QCOMPARE(f.ui().scrTip->height(), 0);
 }
 
 void ShellTest::panelStateIsRestoredAtNextStart_data() {
