@@ -1,16 +1,42 @@
 #include "platform/QtPlatform.h"
 #include "ui/AppContext.h"
+#include "ui/FirstRun.h"
 #include "ui/MainWindow.h"
 
 #include <QApplication>
+#include <QCoreApplication>
+#include <QIcon>
+#include <cstdio>
+#include <cstring>
 
 using namespace halvane;
 
+namespace {
+void nameApplication() {
+    QCoreApplication::setApplicationName(QStringLiteral("Halvane"));
+    QCoreApplication::setOrganizationName(QStringLiteral("Halvane"));
+}
+
+// Used by the run script before the first start: points a fresh user's
+// Halvane at the free game, without a window.
+int prepareFirstRunOnly(int argc, char* argv[]) {
+    QCoreApplication application(argc, argv);
+    nameApplication();
+    QtSettingsStore store;
+    const FirstRunResult result = prepareFirstRun(store, defaultFreeGameFolder());
+    std::fprintf(stderr, "halvane: %s\n", qPrintable(result.message));
+    return result.outcome == FirstRunResult::Failed ? 1 : 0;
+}
+} // namespace
+
 int main(int argc, char* argv[]) {
+    if (argc == 2 && std::strcmp(argv[1], "--prepare-first-run") == 0)
+        return prepareFirstRunOnly(argc, argv);
+
     QApplication application(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Halvane"));
-    QApplication::setOrganizationName(QStringLiteral("Halvane"));
+    nameApplication();
     QApplication::setQuitOnLastWindowClosed(false);
+    QGuiApplication::setDesktopFileName(QStringLiteral("halvane"));
 
     QtMessageBoxes messages;
     QtFileDialogs dialogs;
@@ -19,6 +45,7 @@ int main(int argc, char* argv[]) {
     QtDesktop desktop;
     QtSettingsStore store;
     ProgramFolder folder(QCoreApplication::applicationDirPath());
+    QApplication::setWindowIcon(QIcon(folder.file(QStringLiteral("halvane.png"))));
     AppContext app{{messages, dialogs, processes, shell, desktop, store, folder}, {}};
 
     MainWindow window(app);

@@ -6,9 +6,13 @@
 #include "settings/OptionInterlocks.h"
 #include "settings/SettingsController.h"
 #include "settings/TextForms.h"
+#include "ui/Accessibility.h"
 #include "ui/AppContext.h"
 #include "ui/AppInfo.h"
+#include "ui/HelpMenu.h"
 #include "ui/StatusPanel.h"
+#include "ui/TabFrames.h"
+#include "ui/TipLine.h"
 #include "ui_frmMain.h"
 
 #include <QCloseEvent>
@@ -46,7 +50,13 @@ void fill(QComboBox* combo, const QStringList& entries) {
 MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::frmMain>()) {
     ui->setupUi(this);
     m_interlocks = std::make_unique<OptionInterlocks>(*ui, m_app);
-    m_statusPanel = std::make_unique<StatusPanel>(*this, *ui->txtTip, *ui->mnuViewStatusBar);
+    m_statusPanel =
+        std::make_unique<StatusPanel>(*this, *ui->centralwidget, *ui->scrTip, *ui->txtTip,
+                                      *ui->btnStatus, *ui->SSTab1, *ui->mnuViewStatusBar);
+    m_tips = std::make_unique<TipLine>(*this, *ui);
+    m_tabFrames = std::make_unique<TabFrames>(*ui->SSTab1, *this);
+    m_help = std::make_unique<HelpMenu>(*this, *ui, m_app);
+    nameControls(*this);
     m_parameters = std::make_unique<ParameterMemory>(*ui->txtCmdParameters, *ui->chkSpecifyCD,
                                                      *ui->txtCDROM, m_app);
     SettingsHooks hooks;
@@ -119,9 +129,11 @@ void MainWindow::endProgram() {
 void MainWindow::load() {
     m_loaded = true;
     // 1.
+    step("SkipSaveOnClose");
     SkipSaveOnClose = false;
 
     // 2. A second copy says so and ends without storing anything.
+    step("anotherCopyRunning");
     if (m_app.platform.desktop.anotherCopyRunning()) {
         m_app.platform.messages.tell(QStringLiteral("What have you been smoking?"),
                                      QStringLiteral("Halvane is already running"),
@@ -133,36 +145,50 @@ void MainWindow::load() {
     }
 
     // 3.
+    step("StartupInProgress");
     m_app.state.StartupInProgress = true;
 
     // 4. The default map picture (maps/default.jpg).
+    step("defaultPicture");
     m_maps->showStartupPicture();
     // 5.
+    step("CheckMapDataFile");
     m_maps->CheckMapDataFile();
 
     // 6.
+    step("CheckNewMaps");
     const auto checkNewMaps = parseTruth(m_app.platform.store.read(
         QStringLiteral("Settings"), QStringLiteral("CheckNewMaps"), truthText(false)));
     ui->mnuSettingsMapCheck->setChecked(checkNewMaps.value_or(false));
 
     // 7.
+    step("GetMapsFromBaseDir");
     m_maps->GetMapsFromBaseDir();
     // 8. LoadBotList.
+    step("LoadBotList");
     // 9.
+    step("LoadMaps");
     m_maps->LoadMaps();
 
     // 10.
+    step("LoadControls");
     LoadControls();
     // 11.
+    step("LoadSettings");
     m_settings->LoadSettings();
     // 12.
+    step("lblVersion");
     ui->lblVersion->setText(AppInfo::versionCaption());
     // 13. Countbots.
+    step("Countbots");
     // 14.
+    step("SetGameType");
     m_interlocks->SetGameType();
     // 15.
+    step("StartupDone");
     m_app.state.StartupInProgress = false;
     // 16.
+    step("AboutLinks");
     ui->Label20->setText(AppInfo::productSiteAddress());
     ui->Label23->setText(AppInfo::authorMailAddress());
 }
@@ -219,14 +245,19 @@ void MainWindow::unload() {
     m_unloaded = true;
     if (!SkipSaveOnClose && m_loaded) {
         // 1. The shown map's rules back into its record.
+        step("CommitShownMap");
         m_maps->commitOnClose();
         // 2.
+        step("SaveMaps");
         m_maps->SaveMaps();
         // 3.
+        step("saveParameterList");
         m_parameters->saveParameterList();
         // 4.
+        step("SaveSettings");
         m_settings->SaveSettings();
     }
+    step("endProgram");
     endProgram();
 }
 

@@ -4,6 +4,7 @@
 #include "launch/PathDialog.h"
 
 #include <QMainWindow>
+#include <functional>
 #include <memory>
 
 namespace Ui {
@@ -19,6 +20,9 @@ class OptionInterlocks;
 class ParameterMemory;
 class SettingsController;
 class StatusPanel;
+class TipLine;
+class TabFrames;
+class HelpMenu;
 
 // The main window: owns the form and the per-subsystem controllers, and runs
 // the start-up and shut-down sequences.
@@ -39,6 +43,8 @@ public:
     SettingsController& settings() { return *m_settings; }
     OptionInterlocks& interlocks() { return *m_interlocks; }
     StatusPanel& statusPanel() { return *m_statusPanel; }
+    TipLine& tipLine() { return *m_tips; }
+    HelpMenu& helpMenu() { return *m_help; }
     BotTables& botTables() { return m_botTables; }
     MapCatalogue& mapCatalogue() { return *m_catalogue; }
     MapsController& maps() { return *m_maps; }
@@ -49,6 +55,9 @@ public:
 
     bool SkipSaveOnClose = false;
 
+    // Told the name of each start-up and shut-down step as it begins.
+    std::function<void(const QString& step)> stepRecorder;
+
 protected:
     void closeEvent(QCloseEvent* event) override;
 
@@ -57,12 +66,19 @@ private:
     void unload();
     void cmdSetPath();
     void connectMenus();
+    void step(const char* name) {
+        if (stepRecorder)
+            stepRecorder(QString::fromLatin1(name));
+    }
 
     AppContext& m_app;
     std::unique_ptr<Ui::frmMain> ui;
     BotTables m_botTables;
     std::unique_ptr<OptionInterlocks> m_interlocks;
     std::unique_ptr<StatusPanel> m_statusPanel;
+    std::unique_ptr<TipLine> m_tips;
+    std::unique_ptr<TabFrames> m_tabFrames;
+    std::unique_ptr<HelpMenu> m_help;
     std::unique_ptr<ParameterMemory> m_parameters;
     std::unique_ptr<SettingsController> m_settings;
     std::unique_ptr<PathDialog> m_pathDialog;

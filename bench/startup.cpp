@@ -1,0 +1,130 @@
+// Start-up to the main window shown, timed from outside as a whole process.
+//
+//   halvane_startup --prepare DIR delivered|largest   makes a fixture in DIR
+//   halvane_startup DIR                                starts on it and ends
+//                                                      once the window is shown
+//
+// "delivered": the files delivered beside the executable. "largest": the
+// same with a catalogue of 32,766 maps and 300 archives in baseq3, with the
+// search for new maps at start-up off.
+#include "maps/MapCatalogue.h"
+#include "maps/MapRecord.h"
+#include "platform/QtPlatform.h"
+#include "ui/AppContext.h"
+#include "ui/MainWindow.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QTest>
+#include <cstdio>
+#include <zip.h>
+
+using namespace halvane;
+
+namespace {
+
+bool copyDelivered(const QString& from, const QString& to) {
+    QDirIterator it(from, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString source = it.next();
+        const QFileInfo info(source);
+        if (info.isExecutable() && info.suffix().isEmpty())
+            continue; // the programs themselves
+        const QString target = to + source.mid(from.size());
+        QDir().mkpath(QFileInfo(target).absolutePath());
+        QFile::remove(target);
+        if (!QFile::copy(source, target))
+            return false;
+    }
+    return true;
+}
+
+bool writeCatalogue(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    const MapRules rules{"20", "15", "8", "800", "320", "1000"};
+    for (int n = 1; n <= MapCatalogue::MaxRecords; ++n) {
+        const QString name = QStringLiteral("bench%1").arg(n, 5, 10, QLatin1Char('0'));
+        const MapRecord record = makeMapRecord(name, name, rules);
+        file.write(record.bytes(), MapRecord::Size);
+    }
+    return file.error() == QFile::NoError;
+}
+
+bool writeArchive(const QString& path, int n) {
+    int error = 0;
+    zip_t* archive =
+        zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &error);
+    if (!archive)
+        return false;
+    static const char bsp[] = "IBSP";
+    zip_source_t* source = zip_source_buffer(archive, bsp, sizeof bsp - 1, 0);
+    const QByteArray member = QStringLiteral("maps/pak%1map.bsp").arg(n).toLatin1();
+    if (!source || zip_file_add(archive, member.constData(), source, ZIP_FL_OVERWRITE) < 0) {
+        zip_source_free(source);
+        zip_discard(archive);
+        return false;
+    }
+    return zip_close(archive) == 0;
+}
+
+int prepare(const QString& dir, const QString& kind) {
+    const QString program = dir + QStringLiteral("/program");
+    const QString game = dir + QStringLiteral("/game");
+    QDir(dir).removeRecursively();
+    QDir().mkpath(program);
+    QDir().mkpath(game + QStringLiteral("/baseq3"));
+    if (!copyDelivered(QCoreApplication::applicationDirPath(), program))
+        return 1;
+    QFile exe(game + QStringLiteral("/quake3.exe"));
+    if (!exe.open(QIODevice::WriteOnly) || exe.write("#!/bin/sh\n") < 0)
+        return 1;
+    exe.close();
+    exe.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    if (kind == QLatin1String("largest")) {
+        if (!writeCatalogue(program + QStringLiteral("/maps.dat")))
+            return 1;
+        for (int n = 1; n <= 300; ++n) {
+            if (!writeArchive(
+                    game + QStringLiteral("/baseq3/pak%1.pk3").arg(n, 3, 10, QLatin1Char('0')), n))
+                return 1;
+        }
+    }
+    QtSettingsStore store(dir + QStringLiteral("/Halvane.ini"));
+    store.write(QStringLiteral("Settings"), QStringLiteral("Path"), game);
+    store.write(QStringLiteral("Settings"), QStringLiteral("Exe"), QStringLiteral("quake3.exe"));
+    store.write(QStringLiteral("Settings"), QStringLiteral("CheckNewMaps"),
+                QStringLiteral("False"));
+    return store.flush() ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char* argv[]) {
+    QApplication application(argc, argv);
+    const QStringList args = application.arguments();
+    if (args.size() == 4 && args[1] == QLatin1String("--prepare"))
+        return prepare(args[2], args[3]);
+    if (args.size() != 2) {
+        std::fprintf(stderr, "usage: halvane_startup --prepare DIR delivered|largest | DIR\n");
+        return 2;
+    }
+    const QString dir = args[1];
+    QApplication::setQuitOnLastWindowClosed(false);
+    QtMessageBoxes messages;
+    QtFileDialogs dialogs;
+    QtProcesses processes;
+    QtShell shell;
+    QtDesktop desktop;
+    QtSettingsStore store(dir + QStringLiteral("/Halvane.ini"));
+    ProgramFolder folder(dir + QStringLiteral("/program"));
+    AppContext app{{messages, dialogs, processes, shell, desktop, store, folder}, {}};
+    MainWindow window(app);
+    window.start();
+    if (!window.isVisible() || !QTest::qWaitForWindowExposed(&window))
+        return 1;
+    return 0;
+}

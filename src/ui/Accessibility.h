@@ -1,0 +1,16 @@
+#pragma once
+
+class QWidget;
+
+namespace halvane {
+
+// Gives every input control below root a name a screen reader can speak
+// where the form left it without one: the text of the label that has it as
+// its buddy, else the caption of the frame around it (with its position for
+// a control array, "Additional Master Servers 2"). Names set in the form stay.
+void nameControls(QWidget& root);
+
+// True for the controls an operator types into, chooses from or clicks.
+bool isInputControl(const QWidget& widget);
+
+} // namespace halvane

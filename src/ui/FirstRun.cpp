@@ -1,0 +1,96 @@
+#include "ui/FirstRun.h"
+
+#include "platform/SettingsStore.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+namespace halvane {
+
+namespace {
+const QString ExeName = QStringLiteral("quake3.exe");
+
+// One word for sh, whatever the path holds.
+QString shellWord(const QString& text) {
+    QString quoted = text;
+    quoted.replace(QLatin1Char('\''), QStringLiteral("'\\''"));
+    return QLatin1Char('\'') + quoted + QLatin1Char('\'');
+}
+
+bool linkInto(const QString& source, const QString& folder) {
+    const QString link = folder + QLatin1Char('/') + QFileInfo(source).fileName();
+    if (QFileInfo(link).isSymLink() || QFileInfo::exists(link))
+        return true;
+    return QFile::link(source, link);
+}
+
+FirstRunResult failed(const QString& message) {
+    return {FirstRunResult::Failed, message};
+}
+} // namespace
+
+QString defaultFreeGameFolder() {
+    return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
+           QStringLiteral("/Halvane/openarena");
+}
+
+QByteArray freeGameScript(const QString& folder, const QString& engine) {
+    const QString line =
+        QStringLiteral("exec ") + shellWord(engine) +
+        QStringLiteral(" +set com_basegame baseoa +set fs_game baseq3 +set fs_basepath ") +
+        shellWord(folder) + QStringLiteral(" +set fs_homepath ") +
+        shellWord(folder + QStringLiteral("/home")) +
+        QStringLiteral(" +set com_legacyprotocol 71 +set com_protocol 71 +set vm_game 0 \"$@\"\n");
+    return QByteArrayLiteral("#!/bin/sh\n"
+                             "# The free OpenArena game on the ioquake3 dedicated server, set up "
+                             "by Halvane as its game.\n") +
+           line.toUtf8();
+}
+
+FirstRunResult prepareFirstRun(SettingsStore& store, const QString& folder,
+                               const FreeGameSources& sources) {
+    const QString stored =
+        store.read(QStringLiteral("Settings"), QStringLiteral("Path"), QString());
+    if (!stored.isEmpty())
+        return {FirstRunResult::AlreadyStored,
+                QStringLiteral("A game location is already stored: ") + stored};
+
+    const QStringList archives =
+        QDir(sources.dataFolder).entryList({QStringLiteral("*.pk3")}, QDir::Files, QDir::Name);
+    if (!QFileInfo(sources.engine).isExecutable() || archives.isEmpty() ||
+        !QFileInfo::exists(sources.gameLibrary))
+        return failed(QStringLiteral("The free game is not installed; install the Debian packages "
+                                     "ioquake3-server and openarena-server."));
+
+    const QString baseoa = folder + QStringLiteral("/baseoa");
+    QDir dir;
+    if (!dir.mkpath(baseoa) || !dir.mkpath(folder + QStringLiteral("/baseq3")) ||
+        !dir.mkpath(folder + QStringLiteral("/home")))
+        return failed(QStringLiteral("Cannot make the game folder ") + folder);
+    for (const QString& archive : archives) {
+        if (!linkInto(sources.dataFolder + QLatin1Char('/') + archive, baseoa))
+            return failed(QStringLiteral("Cannot link ") + archive + QStringLiteral(" into ") +
+                          baseoa);
+    }
+    if (!linkInto(sources.gameLibrary, baseoa))
+        return failed(QStringLiteral("Cannot link the game code into ") + baseoa);
+
+    QSaveFile script(folder + QLatin1Char('/') + ExeName);
+    if (!script.open(QIODevice::WriteOnly) ||
+        script.write(freeGameScript(folder, sources.engine)) < 0 || !script.commit())
+        return failed(QStringLiteral("Cannot write ") + script.fileName());
+    QFile::setPermissions(script.fileName(), QFile::ReadOwner | QFile::WriteOwner |
+                                                 QFile::ExeOwner | QFile::ReadGroup |
+                                                 QFile::ExeGroup | QFile::ReadOther |
+                                                 QFile::ExeOther);
+
+    if (!store.write(QStringLiteral("Settings"), QStringLiteral("Path"), folder) ||
+        !store.write(QStringLiteral("Settings"), QStringLiteral("Exe"), ExeName) || !store.flush())
+        return failed(QStringLiteral("Cannot store the game location"));
+    return {FirstRunResult::Prepared, QStringLiteral("Prepared the free game in ") + folder};
+}
+
+} // namespace halvane

@@ -1,0 +1,299 @@
+// Menus, help and about: shortcuts reach their actions, help pages follow the
+// tab shown, the About tab's links, the tab change and the hidden window.
+#include "TestSupport.h"
+
+#include "ui/AppInfo.h"
+#include "ui/HelpMenu.h"
+#include "ui/MainWindow.h"
+#include "ui/StatusPanel.h"
+#include "ui_frmMain.h"
+
+#include <QSignalSpy>
+#include <QTabBar>
+#include <QtTest>
+
+using namespace halvane;
+using namespace halvane::test;
+
+class MenusTest : public QObject {
+    Q_OBJECT
+private slots:
+    void shortcutReachesItsAction_data();
+    void shortcutReachesItsAction();
+    void editingKeysStayWithTextBoxes();
+    void f1OpensTheHelpOfTheTabShown_data();
+    void f1OpensTheHelpOfTheTabShown();
+    void helpOutsideTheTabsIsTheHelpFolder();
+    void menuTargets_data();
+    void menuTargets();
+    void aboutLinks_data();
+    void aboutLinks();
+    void linksWorkFromTheKeyboard();
+    void f8ShowsAboutAndDisablesTheTabLeft();
+    void masterServersFollowTheTabShown();
+    void logFrameIsUsableWhileAdvancedIsShown();
+    void searchAtStartupTwiceLeavesItAsItWas();
+    void shiftClickOnTabStripShowsHiddenWindow_data();
+    void shiftClickOnTabStripShowsHiddenWindow();
+    void closingHiddenWindowBringsMainForward();
+};
+
+namespace {
+struct Fixture {
+    TestPlatform platform;
+    std::unique_ptr<MainWindow> window;
+    explicit Fixture(bool active = true) {
+        platform.makeGameFolder();
+        window = std::make_unique<MainWindow>(*platform.app);
+        window->showMainWindow();
+        if (active) {
+            QApplication::setActiveWindow(window.get());
+            QVERIFY(QTest::qWaitForWindowActive(window.get()));
+        }
+    }
+    Ui::frmMain& ui() { return window->form(); }
+    QString help(const QString& page) const { return platform.programFolder() + "/help/" + page; }
+};
+} // namespace
+
+void MenusTest::shortcutReachesItsAction_data() {
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("modifiers");
+    const int ctrl = Qt::ControlModifier;
+    QTest::newRow("Create halvane.cfg") << "mnuFileMakeCfg" << int(Qt::Key_S) << ctrl;
+    QTest::newRow("Save config file As") << "mnuFileSaveAs" << int(Qt::Key_A) << ctrl;
+    QTest::newRow("Close Halvane") << "mnuFileClose" << int(Qt::Key_X) << ctrl;
+    QTest::newRow("Set Quake 3 path") << "mnuSettingsQ3Path" << int(Qt::Key_P) << ctrl;
+    QTest::newRow("General") << "mnuSettingsGeneral" << int(Qt::Key_F2) << 0;
+    QTest::newRow("Bots") << "mnuSettingsBots" << int(Qt::Key_F3) << 0;
+    QTest::newRow("Maps") << "mnuSettingsMaps" << int(Qt::Key_F4) << 0;
+    QTest::newRow("Options") << "mnuSettingsOptions" << int(Qt::Key_F5) << 0;
+    QTest::newRow("Advanced") << "mnuSettingsAdvanced" << int(Qt::Key_F6) << 0;
+    QTest::newRow("Status Bar") << "mnuViewStatusBar" << int(Qt::Key_F1) << ctrl;
+    QTest::newRow("Index") << "mnuHelpHalvane" << int(Qt::Key_F1) << int(Qt::ShiftModifier);
+    QTest::newRow("Help with the Current Tab") << "mnuHelpContext" << int(Qt::Key_F1) << 0;
+    QTest::newRow("Halvane Online") << "mnuHelpOnline" << int(Qt::Key_O) << ctrl;
+    QTest::newRow("Frequently Asked Questions") << "mnuHelpFAQ" << int(Qt::Key_Q) << ctrl;
+    QTest::newRow("About Halvane") << "mnuHelpAbout" << int(Qt::Key_F8) << 0;
+}
+
+void MenusTest::shortcutReachesItsAction() {
+    QFETCH(QString, action);
+    QFETCH(int, key);
+    QFETCH(int, modifiers);
+    Fixture f;
+    auto* item = f.window->findChild<QAction*>(action);
+    QVERIFY(item);
+    QSignalSpy triggered(item, &QAction::triggered);
+    // From a control that has no use for the key itself.
+    f.ui().SSTab1->tabBar()->setFocus();
+    QTest::keyClick(f.window.get(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+    QCOMPARE(triggered.size(), 1);
+}
+
+void MenusTest::editingKeysStayWithTextBoxes() {
+    // Inside a text box Ctrl+A selects its text (and Ctrl+X cuts) rather than
+    // saving the configuration or closing the program.
+    Fixture f;
+    QSignalSpy saveAs(f.ui().mnuFileSaveAs, &QAction::triggered);
+    f.ui().txtServerName->setText("My server");
+    f.ui().txtServerName->setFocus();
+    f.ui().txtServerName->deselect();
+    QTest::keyClick(f.ui().txtServerName, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(saveAs.size(), 0);
+    QCOMPARE(f.ui().txtServerName->selectedText(), QStringLiteral("My server"));
+}
+
+void MenusTest::f1OpensTheHelpOfTheTabShown_data() {
+    QTest::addColumn<int>("tab");
+    QTest::addColumn<QString>("page");
+    QTest::newRow("General") << 0 << "general.htm";
+    QTest::newRow("Bots") << 1 << "bots.htm";
+    QTest::newRow("Maps") << 2 << "maps.htm";
+    QTest::newRow("Options") << 3 << "options.htm";
+    QTest::newRow("Advanced") << 4 << "advanced.htm";
+    QTest::newRow("About") << 5 << "about.htm";
+}
+
+void MenusTest::f1OpensTheHelpOfTheTabShown() {
+    QFETCH(int, tab);
+    QFETCH(QString, page);
+    Fixture f;
+    f.ui().SSTab1->setCurrentIndex(tab);
+    f.ui().SSTab1->tabBar()->setFocus();
+    QTest::keyClick(f.window.get(), Qt::Key_F1);
+    QCOMPARE(f.platform.shell.opened, QStringList{f.help(page)});
+    // The page is one we deliver.
+    QVERIFY2(QFileInfo::exists(QStringLiteral(HALVANE_DATA_DIR "/delivered/help/") + page),
+             qPrintable(page));
+}
+
+void MenusTest::helpOutsideTheTabsIsTheHelpFolder() {
+    Fixture f(false);
+    QCOMPARE(f.window->helpMenu().helpTarget(6), f.help(""));
+    QCOMPARE(f.window->helpMenu().helpTarget(-1), f.help(""));
+    QCOMPARE(HelpMenu::helpPage(6), QString());
+}
+
+void MenusTest::menuTargets_data() {
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<QString>("target");
+    const QString site = AppInfo::productSiteAddress();
+    QTest::newRow("news") << "mnuViewNews" << site + "/news.shtml";
+    QTest::newRow("online") << "mnuHelpOnline" << site;
+    QTest::newRow("FAQ") << "mnuHelpFAQ" << site + "/FAQ.shtml";
+    QTest::newRow("index") << "mnuHelpHalvane"
+                           << "<program>/help/help.htm";
+}
+
+void MenusTest::menuTargets() {
+    QFETCH(QString, action);
+    QFETCH(QString, target);
+    Fixture f(false);
+    target.replace("<program>", f.platform.programFolder());
+    f.window->findChild<QAction*>(action)->trigger();
+    QCOMPARE(f.platform.shell.opened, QStringList{target});
+    QVERIFY(f.platform.messages.shown.isEmpty());
+}
+
+void MenusTest::aboutLinks_data() {
+    QTest::addColumn<QString>("label");
+    QTest::addColumn<QString>("caption");
+    QTest::addColumn<QString>("target");
+    const QString site = AppInfo::productSiteAddress();
+    const QString mail = AppInfo::authorMailAddress();
+    QTest::newRow("web site") << "Label20" << site << site;
+    QTest::newRow("feedback mail")
+        << "Label23" << mail << "mailto:" + mail + "?subject=Halvane Version 2.07 Feedback";
+    QTest::newRow("bug report form") << "Label27"
+                                     << "Bug report form" << site + "/bugreport.shtml";
+    QTest::newRow("N-0-P") << "Label6"
+                           << "N-0-P" << AppInfo::nopSiteAddress();
+}
+
+void MenusTest::aboutLinks() {
+    QFETCH(QString, label);
+    QFETCH(QString, caption);
+    QFETCH(QString, target);
+    Fixture f;
+    auto* link = f.window->findChild<QLabel*>(label);
+    QVERIFY(link);
+    QCOMPARE(link->text(), caption);
+    f.ui().SSTab1->setCurrentIndex(label == "Label6" ? 4 : 5);
+    QTest::mouseClick(link, Qt::LeftButton, Qt::NoModifier, QPoint(2, 2));
+    QCOMPARE(f.platform.shell.opened, QStringList{target});
+}
+
+void MenusTest::linksWorkFromTheKeyboard() {
+    Fixture f;
+    f.ui().SSTab1->setCurrentIndex(5);
+    f.ui().Label27->setFocus();
+    QVERIFY(f.ui().Label27->hasFocus());
+    QTest::keyClick(f.ui().Label27, Qt::Key_Return);
+    QCOMPARE(f.platform.shell.opened,
+             QStringList{AppInfo::productSiteAddress() + "/bugreport.shtml"});
+}
+
+void MenusTest::f8ShowsAboutAndDisablesTheTabLeft() {
+    Fixture f;
+    auto& ui = f.ui();
+    ui.SSTab1->setCurrentIndex(3);
+    for (QWidget* frame :
+         {(QWidget*)ui.Frame7, (QWidget*)ui.Frame1, (QWidget*)ui.Frame8, (QWidget*)ui.Frame9})
+        QVERIFY(frame->isEnabled());
+    ui.SSTab1->tabBar()->setFocus();
+    QTest::keyClick(f.window.get(), Qt::Key_F8);
+    QCOMPARE(ui.SSTab1->currentIndex(), 5);
+    for (QWidget* frame :
+         {(QWidget*)ui.Frame7, (QWidget*)ui.Frame1, (QWidget*)ui.Frame8, (QWidget*)ui.Frame9})
+        QVERIFY2(!frame->isEnabled(), qPrintable(frame->objectName()));
+    // Back on General, its frames are usable again.
+    QTest::keyClick(f.window.get(), Qt::Key_F2);
+    for (QWidget* frame :
+         {(QWidget*)ui.Frame4, (QWidget*)ui.Frame6, (QWidget*)ui.Frame3, (QWidget*)ui.Frame2})
+        QVERIFY(frame->isEnabled());
+}
+
+void MenusTest::masterServersFollowTheTabShown() {
+    Fixture f(false);
+    auto& ui = f.ui();
+    ui.cmbServerType->setCurrentIndex(0); // Listen Server
+    ui.SSTab1->setCurrentIndex(3);
+    QVERIFY(ui.Frame1->isEnabled()); // shown: usable whatever the server type
+    QVERIFY(ui.txtMaster_0->isEnabled());
+    ui.SSTab1->setCurrentIndex(0);
+    QVERIFY(!ui.Frame1->isEnabled());
+    QVERIFY(!ui.txtMaster_0->isEnabled());
+    ui.SSTab1->setCurrentIndex(3);
+    QVERIFY(ui.txtMaster_0->isEnabled());
+    // Leaving disables it even for a dedicated server.
+    ui.cmbServerType->setCurrentIndex(2);
+    ui.SSTab1->setCurrentIndex(4);
+    QVERIFY(!ui.Frame1->isEnabled());
+}
+
+void MenusTest::logFrameIsUsableWhileAdvancedIsShown() {
+    Fixture f(false);
+    auto& ui = f.ui();
+    ui.chkLogFile->setChecked(true);
+    ui.chkLogFile->setChecked(false); // the interlocks disable the frame
+    ui.SSTab1->setCurrentIndex(4);
+    QVERIFY(ui.Frame11->isEnabled());
+    QVERIFY(!ui.txtLogFile->isEnabled()); // the controls keep their own state
+    ui.SSTab1->setCurrentIndex(1);
+    QVERIFY(!ui.Frame11->isEnabled());
+    QVERIFY(!ui.Frame12->isEnabled());
+    QVERIFY(ui.Frame16->isEnabled());
+}
+
+void MenusTest::searchAtStartupTwiceLeavesItAsItWas() {
+    Fixture f(false);
+    auto* mark = f.ui().mnuSettingsMapCheck;
+    const bool before = mark->isChecked();
+    mark->trigger();
+    QCOMPARE(mark->isChecked(), !before);
+    mark->trigger();
+    QCOMPARE(mark->isChecked(), before);
+}
+
+void MenusTest::shiftClickOnTabStripShowsHiddenWindow_data() {
+    QTest::addColumn<int>("modifiers");
+    QTest::addColumn<bool>("shown");
+    QTest::newRow("Shift") << int(Qt::ShiftModifier) << true;
+    QTest::newRow("no key") << int(Qt::NoModifier) << false;
+    QTest::newRow("Shift+Ctrl") << int(Qt::ShiftModifier | Qt::ControlModifier) << false;
+    QTest::newRow("Shift+Alt") << int(Qt::ShiftModifier | Qt::AltModifier) << false;
+}
+
+void MenusTest::shiftClickOnTabStripShowsHiddenWindow() {
+    QFETCH(int, modifiers);
+    QFETCH(bool, shown);
+    Fixture f;
+    QTabBar* strip = f.ui().SSTab1->tabBar();
+    QTest::mouseClick(strip, Qt::LeftButton, Qt::KeyboardModifiers(modifiers),
+                      strip->tabRect(1).center());
+    QWidget* secret = f.window->helpMenu().secretWindow();
+    QCOMPARE(secret && secret->isVisible(), shown);
+    if (shown) {
+        QCOMPARE(secret->objectName(), QStringLiteral("frmSecret"));
+        QVERIFY(!secret->isModal());
+        QCOMPARE(secret->parentWidget(), f.window.get());
+        QVERIFY(f.window->isEnabled());
+    }
+}
+
+void MenusTest::closingHiddenWindowBringsMainForward() {
+    Fixture f;
+    f.window->helpMenu().showSecret();
+    QWidget* secret = f.window->helpMenu().secretWindow();
+    QVERIFY(secret && secret->isVisible());
+    f.window->hide();
+    secret->close();
+    QVERIFY(!secret->isVisible());
+    QVERIFY(f.window->isVisible());
+    QVERIFY(QTest::qWaitForWindowActive(f.window.get()));
+}
+
+QTEST_MAIN(MenusTest)
+#include "tst_menus.moc"

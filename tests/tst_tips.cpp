@@ -1,0 +1,355 @@
+// The tip line: every control of the tip tables shows its tip when the mouse
+// moves over it, the built tips are built at that moment, and the listed text
+// boxes select their whole text when they receive the focus.
+#include "TestSupport.h"
+
+#include "ui/AppInfo.h"
+#include "ui/MainWindow.h"
+#include "ui/TipLine.h"
+#include "ui/Tips.h"
+#include "ui_frmMain.h"
+
+#include <QComboBox>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMouseEvent>
+#include <QRegularExpression>
+#include <QStackedWidget>
+#include <QTabBar>
+#include <QtTest>
+#include <optional>
+
+using namespace halvane;
+using namespace halvane::test;
+
+class TipsTest : public QObject {
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void everyNamedControlHasATip();
+    void everyTableEntryIsAControl();
+    void mouseMoveShowsTheTip_data();
+    void mouseMoveShowsTheTip();
+    void exactTexts_data();
+    void exactTexts();
+    void dateCodedLogName();
+    void builtTips();
+    void partsOfAControlShowItsTip();
+    void controlWithoutTipKeepsTheLastText();
+    void accessibleDescriptionIsTheTip();
+    void focusSelectsWholeText_data();
+    void focusSelectsWholeText();
+    void parameterAndScriptBoxesSelectNothing_data();
+    void parameterAndScriptBoxesSelectNothing();
+
+private:
+    std::unique_ptr<TestPlatform> m_platform;
+    std::unique_ptr<MainWindow> m_window;
+    QString tipAfterMove(QWidget* widget);
+};
+
+namespace {
+// The controls the tip tables name, as the operator's description lists them.
+const QStringList NamedControls =
+    QStringLiteral(
+        "BotList Frame1 Image1 Label1 Label10 Label11 Label12 Label13 Label14 Label15 Label16 "
+        "Label17 Label19 Label2 Label20 Label22 Label23 Label24 Label25 Label27 Label29 Label3 "
+        "Label33 Label34 Label36 Label37 Label39 Label4 Label40 Label41 Label42 Label43 Label44 "
+        "Label45 Label46 Label47 Label5 Label7 Label8 Label9 MapList btnBotRefresh btnEditBotList "
+        "chkAutoBalance chkAutoJoin chkAutoSelectBots chkCheating chkDateLog chkDemoRecording "
+        "chkDisableBotChat chkFriendly chkLogFile chkNOP chkNoBotJump chkPAKCheat "
+        "chkRandomBotSkill chkRequirePassword chkRocketJump chkSpecifyCD chkStartState chkVote "
+        "chkWarmUp cmdAddMaps cmdAddSelMap cmdClose cmdDefault cmdEditCfg cmdMapClearAll cmdMapCtf "
+        "cmdMapDm cmdMapDown cmdMapSelectAll cmdMapTourney cmdMapUp cmdRandomize cmdRemSelMap "
+        "cmdSearchMaps cmdSetPath cmdStart label75 lblBotCount lblPrivateClients lblVersion "
+        "optClose optMinimize txtAdminEmail txtAdminName txtAdminURL txtCDROM txtConsolePW "
+        "txtHunkMegs txtInactivity txtLogFile txtMOTD txtMapCapturelimit txtMapFragLimit "
+        "txtMapGravity txtMapKnockback txtMapSpeed txtMapTimeLimit txtMaster_0 txtMaster_1 "
+        "txtMaster_2 txtMaster_3 txtMaster_4 txtMaxPing txtMaxPlayers txtMaxRate txtMinBots "
+        "txtMinPing txtNetIP txtNetPort txtPlayerRespawn txtPrivateClients txtQuad txtRandomBots "
+        "txtRespawn txtServerName txtServerPW txtWarmUpTime")
+        .split(' ');
+
+const QString SiteLine =
+    QStringLiteral("Visit the Halvane website at ") + AppInfo::productSiteAddress();
+
+// Makes a control reachable: its tab and bot panel shown, it and its frames
+// usable whatever the interlocks said.
+void reach(QWidget* widget) {
+    for (QWidget* up = widget; up; up = up->parentWidget()) {
+        up->setEnabled(true);
+        QWidget* parent = up->parentWidget();
+        if (auto* stack = qobject_cast<QStackedWidget*>(parent)) {
+            stack->setCurrentWidget(up);
+            if (auto* tabs = qobject_cast<QTabWidget*>(stack->parentWidget()))
+                tabs->setCurrentWidget(up);
+        }
+    }
+}
+} // namespace
+
+void TipsTest::initTestCase() {
+    m_platform = std::make_unique<TestPlatform>();
+    m_platform->makeGameFolder();
+    m_window = std::make_unique<MainWindow>(*m_platform->app);
+    m_window->showMainWindow();
+}
+
+namespace {
+// A point of the widget not covered by a child, where the move is its own.
+std::optional<QPoint> emptyPoint(const QWidget* widget) {
+    for (int y = 1; y < widget->height(); y += 3) {
+        for (int x = 1; x < widget->width(); x += 3) {
+            if (!widget->childAt(x, y))
+                return QPoint(x, y);
+        }
+    }
+    return std::nullopt;
+}
+} // namespace
+
+QString TipsTest::tipAfterMove(QWidget* widget) {
+    m_window->form().txtTip->setText("(none)");
+    const QPointF at = emptyPoint(widget).value_or(QPoint(1, 1));
+    QMouseEvent move(QEvent::MouseMove, at, widget->mapToGlobal(at), Qt::NoButton, Qt::NoButton,
+                     Qt::NoModifier);
+    QCoreApplication::sendEvent(widget, &move);
+    return m_window->form().txtTip->text();
+}
+
+void TipsTest::everyNamedControlHasATip() {
+    QStringList missing;
+    for (const QString& name : NamedControls) {
+        const QString key = Tips::keyOf(name);
+        if (!Tips::table().contains(key) && !Tips::builtNames().contains(key))
+            missing << name;
+    }
+    QVERIFY2(missing.isEmpty(), qPrintable("no tip for: " + missing.join(", ")));
+}
+
+void TipsTest::everyTableEntryIsAControl() {
+    QStringList absent;
+    QStringList keys = Tips::table().keys() + Tips::builtNames();
+    for (const QString& key : keys) {
+        if (key == "Picture1") // the window has no picture box of that name
+            continue;
+        const bool found = m_window->objectName() == key || m_window->findChild<QWidget*>(key) ||
+                           m_window->findChild<QWidget*>(key + "_0");
+        if (!found)
+            absent << key;
+    }
+    QVERIFY2(absent.isEmpty(), qPrintable("no such control: " + absent.join(", ")));
+}
+
+void TipsTest::mouseMoveShowsTheTip_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("expected");
+    // Generated from the window's own object names: every control that the
+    // tables name must show its tip.
+    QList<QWidget*> widgets = m_window->findChildren<QWidget*>();
+    widgets.prepend(m_window.get());
+    int rows = 0;
+    for (QWidget* widget : widgets) {
+        const QString key = Tips::keyOf(widget->objectName());
+        if (widget->objectName().isEmpty() || !Tips::table().contains(key))
+            continue;
+        // The window itself is covered by its menu bar and central area: the
+        // central area stands for its empty space.
+        if (widget == m_window.get())
+            continue;
+        QTest::newRow(qPrintable(widget->objectName()))
+            << widget->objectName() << Tips::tipLineText(Tips::table().value(key));
+        ++rows;
+    }
+    QVERIFY(rows > 100);
+}
+
+void TipsTest::mouseMoveShowsTheTip() {
+    QFETCH(QString, name);
+    QFETCH(QString, expected);
+    QWidget* widget =
+        m_window->objectName() == name ? m_window.get() : m_window->findChild<QWidget*>(name);
+    QVERIFY(widget);
+    QCOMPARE(tipAfterMove(widget), expected);
+    // Every move repeats the tip.
+    QCOMPARE(tipAfterMove(widget), expected);
+}
+
+void TipsTest::exactTexts_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("two blanks") << "btnEditBotList"
+                                << "Opens the bot list in Notepad.  Be sure to [ Refresh ] the "
+                                   "list if you make any changes.";
+    QTest::newRow("backslash") << "chkCheating"
+                               << "This starts each map with the devmap command, allowing clients "
+                                  "to cheat by using commands such as \\give all to instantly "
+                                  "obtain all weapons, etc.";
+    QTest::newRow("shared row, label") << "Label13"
+                                       << "Optional - If you are on a multi-homed server and the "
+                                          "default IP is not what you want to use for your Quake "
+                                          "3 server, this IP address will need to be used instead";
+    QTest::newRow("shared row, box") << "txtNetIP"
+                                     << "Optional - If you are on a multi-homed server and the "
+                                        "default IP is not what you want to use for your Quake 3 "
+                                        "server, this IP address will need to be used instead";
+    QTest::newRow("spelling kept") << "txtServerPW"
+                                   << "This password will be required (by the specified number of "
+                                      "clients) to connect to your server.  See the FAQ on the "
+                                      "Halvane webiste for more details.";
+    QTest::newRow("lower-case label") << "label75"
+                                      << "When this field is populated, your web site address will "
+                                         "show up on the server information in GameSpy and "
+                                         "related utilities";
+    QTest::newRow("Q3:A") << "Label33"
+                          << "When auto bots are selected, Q3:A will assign all bot the skill "
+                             "level you select here";
+    QTest::newRow("window's empty area") << "centralwidget" << SiteLine;
+    QTest::newRow("tab control") << "SSTab1" << SiteLine;
+    QTest::newRow("a tab's empty area") << "tabOptions" << SiteLine;
+    QTest::newRow("picture") << "Image1" << AppInfo::trademarkNotice();
+    QTest::newRow("feedback label") << "Label22" << AppInfo::trademarkNotice();
+    QTest::newRow("master frame")
+        << "Frame1"
+        << "Enter additional master servers that you wish to report to - only available if you "
+           "select \"dedicated server\" for the server type on the general tab";
+    QTest::newRow("master box 4")
+        << "txtMaster_3"
+        << "Enter additional master servers that you wish to report to - only available if you "
+           "select \"dedicated server\" for the server type on the general tab";
+    QTest::newRow("version") << "lblVersion"
+                             << "Version information (Version 2.07)";
+}
+
+void TipsTest::exactTexts() {
+    QFETCH(QString, name);
+    QFETCH(QString, expected);
+    QWidget* widget =
+        m_window->objectName() == name ? m_window.get() : m_window->findChild<QWidget*>(name);
+    QVERIFY(widget);
+    reach(widget); // a disabled control gets no mouse movement
+    QCOMPARE(tipAfterMove(widget), expected);
+}
+
+void TipsTest::dateCodedLogName() {
+    const QDateTime before = QDateTime::currentDateTime();
+    const QString tip = tipAfterMove(m_window->form().chkDateLog);
+    const QDateTime after = QDateTime::currentDateTime();
+    const QString prefix =
+        "When checked, Q3A will log all data to a file using the date and time (";
+    QVERIFY2(tip.startsWith(prefix), qPrintable(tip));
+    const QString name = tip.mid(prefix.size());
+    QVERIFY2(QRegularExpression("^\\d{8}-\\d{4}\\.log\\)\\.$").match(name).hasMatch(),
+             qPrintable(name));
+    QVERIFY(name.startsWith(before.toString("yyyyMMdd-HHmm")) ||
+            name.startsWith(after.toString("yyyyMMdd-HHmm")));
+}
+
+void TipsTest::builtTips() {
+    auto& ui = m_window->form();
+    ui.BotList->clear();
+    for (const char* bot : {"Anarki", "Bitterman", "Crash", "Doom"}) {
+        auto* item = new QListWidgetItem(QString::fromLatin1(bot), ui.BotList);
+        item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
+        item->setCheckState(Qt::Unchecked);
+    }
+    ui.BotList->item(1)->setCheckState(Qt::Checked);
+    ui.BotList->item(3)->setCheckState(Qt::Checked);
+    QCOMPARE(tipAfterMove(ui.lblBotCount),
+             QStringLiteral("2 bots selected - This is the total amount of bots that you have "
+                            "selected"));
+    ui.BotList->item(0)->setCheckState(Qt::Checked);
+    QVERIFY(tipAfterMove(ui.lblBotCount).startsWith("3 bots selected - "));
+    ui.BotList->clear();
+    QVERIFY(tipAfterMove(ui.lblBotCount).startsWith("0 bots selected - "));
+
+    const QString mail = tipAfterMove(ui.Label23);
+    QCOMPARE(mail, Tips::mailLinkTip());
+    QVERIFY(mail.contains("author") && mail.contains("bug report form"));
+
+    ui.lblVersion->setText("Version 9.99");
+    QCOMPARE(tipAfterMove(ui.lblVersion), QStringLiteral("Version information (Version 9.99)"));
+    ui.lblVersion->setText(AppInfo::versionCaption());
+}
+
+void TipsTest::partsOfAControlShowItsTip() {
+    auto& ui = m_window->form();
+    QCOMPARE(tipAfterMove(ui.MapList->viewport()),
+             QStringLiteral("Select the maps you want to use on your server"));
+    QCOMPARE(tipAfterMove(ui.SSTab1->tabBar()), SiteLine);
+}
+
+void TipsTest::controlWithoutTipKeepsTheLastText() {
+    auto& ui = m_window->form();
+    tipAfterMove(ui.cmdStart);
+    QMouseEvent move(QEvent::MouseMove, QPointF(1, 1), QPointF(1, 1), Qt::NoButton, Qt::NoButton,
+                     Qt::NoModifier);
+    QVERIFY(ui.txtCmdParameters);
+    ui.txtTip->setText("last");
+    QCoreApplication::sendEvent(ui.txtCmdParameters, &move);
+    QCOMPARE(ui.txtTip->text(), QStringLiteral("last"));
+}
+
+void TipsTest::accessibleDescriptionIsTheTip() {
+    auto& ui = m_window->form();
+    QCOMPARE(ui.txtServerName->accessibleDescription(),
+             QStringLiteral("Enter the name of your server"));
+    QCOMPARE(ui.Label1->accessibleDescription(), QStringLiteral("Enter the name of your server"));
+    QCOMPARE(ui.Image1->accessibleDescription(), AppInfo::trademarkNotice());
+}
+
+void TipsTest::focusSelectsWholeText_data() {
+    QTest::addColumn<QString>("name");
+    QStringList names = Tips::selectOnFocusNames();
+    names.removeAll("txtMaster");
+    for (int n = 0; n < 5; ++n)
+        names << QStringLiteral("txtMaster_%1").arg(n);
+    for (const QString& name : names)
+        QTest::newRow(qPrintable(name)) << name;
+}
+
+void TipsTest::focusSelectsWholeText() {
+    QFETCH(QString, name);
+    auto* box = m_window->findChild<QLineEdit*>(name);
+    QVERIFY(box);
+    QApplication::setActiveWindow(m_window.get());
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    reach(box);
+    box->setReadOnly(false);
+    m_window->form().cmdStart->setFocus();
+    box->setText("old text");
+    box->deselect();
+    // Not by Tab, which a text box answers on its own by selecting.
+    box->setFocus(Qt::OtherFocusReason);
+    QVERIFY(box->hasFocus());
+    QVERIFY(!box->text().isEmpty()); // cut to the box's length for the map fields
+    QCOMPARE(box->selectedText(), box->text());
+    QTest::keyClicks(box, "7");
+    QCOMPARE(box->text(), QStringLiteral("7"));
+}
+
+void TipsTest::parameterAndScriptBoxesSelectNothing_data() {
+    QTest::addColumn<QString>("name");
+    QTest::newRow("parameters") << "txtCmdParameters";
+    QTest::newRow("extra script") << "txtCfg";
+}
+
+void TipsTest::parameterAndScriptBoxesSelectNothing() {
+    QFETCH(QString, name);
+    auto* combo = m_window->findChild<QComboBox*>(name);
+    QVERIFY(combo && combo->lineEdit());
+    QApplication::setActiveWindow(m_window.get());
+    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    reach(combo);
+    m_window->form().cmdStart->setFocus();
+    combo->setEditText("server.cfg");
+    combo->lineEdit()->deselect();
+    combo->setFocus(Qt::TabFocusReason);
+    QVERIFY(combo->hasFocus());
+    QCoreApplication::processEvents();
+    QCOMPARE(combo->lineEdit()->selectedText(), QString());
+    QCOMPARE(combo->currentText(), QStringLiteral("server.cfg"));
+}
+
+QTEST_MAIN(TipsTest)
+#include "tst_tips.moc"
