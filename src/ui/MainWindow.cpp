@@ -1,6 +1,10 @@
 #include "ui/MainWindow.h"
 
+#include "bots/BotsController.h"
+#include "bots/RandomSource.h"
+#include "config/ConfigController.h"
 #include "launch/ParameterMemory.h"
+#include "maps/MapCatalogue.h"
 #include "settings/OptionInterlocks.h"
 #include "settings/SettingsController.h"
 #include "settings/TextForms.h"
@@ -58,6 +62,10 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::fr
     // Not a child widget: the main window is disabled while the dialog is
     // open, and a child would be disabled with it.
     m_pathDialog = std::make_unique<PathDialog>(m_app, *this);
+    m_random = std::make_unique<TimeSeededRandom>();
+    m_catalogue = std::make_unique<MapCatalogue>(m_app.platform.folder.path());
+    m_bots = std::make_unique<BotsController>(*ui, m_botTables, m_app);
+    m_config = std::make_unique<ConfigController>(*ui, m_botTables, *m_catalogue, m_app, *m_random);
 
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
     connect(ui->cmdSetPath, &QAbstractButton::clicked, this, &MainWindow::cmdSetPath);
@@ -133,13 +141,13 @@ void MainWindow::load() {
     // 5. CheckMapDataFile.
 
     // 6.
-    const auto checkNewMaps =
-        parseTruth(m_app.platform.store.read(QStringLiteral("Settings"),
-                                             QStringLiteral("CheckNewMaps"), truthText(false)));
+    const auto checkNewMaps = parseTruth(m_app.platform.store.read(
+        QStringLiteral("Settings"), QStringLiteral("CheckNewMaps"), truthText(false)));
     ui->mnuSettingsMapCheck->setChecked(checkNewMaps.value_or(false));
 
     // 7. GetMapsFromBaseDir.
-    // 8. LoadBotList.
+    // 8.
+    m_bots->LoadBotList();
     // 9. LoadMaps.
 
     // 10.
@@ -148,7 +156,8 @@ void MainWindow::load() {
     m_settings->LoadSettings();
     // 12.
     ui->lblVersion->setText(AppInfo::versionCaption());
-    // 13. Countbots.
+    // 13.
+    m_bots->Countbots();
     // 14.
     m_interlocks->SetGameType();
     // 15.

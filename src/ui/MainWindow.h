@@ -13,7 +13,11 @@ class frmMain;
 namespace halvane {
 
 struct AppContext;
+class BotsController;
+class ConfigController;
+class MapCatalogue;
 class OptionInterlocks;
+class RandomSource;
 class ParameterMemory;
 class SettingsController;
 class StatusPanel;
@@ -38,6 +42,10 @@ public:
     OptionInterlocks& interlocks() { return *m_interlocks; }
     StatusPanel& statusPanel() { return *m_statusPanel; }
     BotTables& botTables() { return m_botTables; }
+    BotsController& bots() { return *m_bots; }
+    ConfigController& config() { return *m_config; }
+    MapCatalogue& mapCatalogue() { return *m_catalogue; }
+    RandomSource& random() { return *m_random; }
     bool isLoaded() const { return m_loaded; }
     bool hasEnded() const { return m_ended; }
 
@@ -62,6 +70,10 @@ private:
     std::unique_ptr<ParameterMemory> m_parameters;
     std::unique_ptr<SettingsController> m_settings;
     std::unique_ptr<PathDialog> m_pathDialog;
+    std::unique_ptr<RandomSource> m_random;
+    std::unique_ptr<MapCatalogue> m_catalogue;
+    std::unique_ptr<BotsController> m_bots;
+    std::unique_ptr<ConfigController> m_config;
     bool m_loaded = false;
     bool m_unloaded = false;
     bool m_ended = false;
