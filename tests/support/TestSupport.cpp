@@ -8,6 +8,9 @@ namespace halvane::test {
 
 TestPlatform::TestPlatform() {
     QDir().mkpath(programFolder());
+    // The program folder holds the delivered bot list, as an installed one does.
+    QFile::copy(QStringLiteral(HALVANE_DATA_DIR "/delivered/botlist.txt"),
+                programFolder() + QStringLiteral("/botlist.txt"));
     folder = std::make_unique<ProgramFolder>(programFolder());
     ini = std::make_unique<QtSettingsStore>(iniPath());
     store = std::make_unique<RecordingStore>(*ini);
