@@ -57,6 +57,8 @@ private slots:
     void refreshUnselectsButKeepsTables();
     void positionsWithoutSlotsAreLeftAlone();
     void editList();
+    void leavingRandomBots_data();
+    void leavingRandomBots();
     void snapshotReadsTheControls();
     void controllerWritesConfigAndBotScript();
 };
@@ -285,6 +287,58 @@ void TestBotList::editList() {
     QCOMPARE(m.text, QStringLiteral("Error opening botlist.txt!"));
     QCOMPARE(m.buttons, MsgButtons::Ok);
     QCOMPARE(m.icon, MsgIcon::Information);
+}
+
+void TestBotList::leavingRandomBots_data() {
+    QTest::addColumn<QString>("randomBots");
+    QTest::addColumn<QString>("maxPlayers");
+    QTest::addColumn<bool>("warned");
+    QTest::newRow("more than players") << "9"
+                                       << "8" << true;
+    QTest::newRow("as many as players") << "8"
+                                        << "8" << false;
+    QTest::newRow("numbers, not texts, compared") << "10"
+                                                  << "9" << true;
+    QTest::newRow("no number") << ""
+                               << "8" << false;
+    QTest::newRow("players not a number") << "1"
+                                          << "" << true;
+}
+
+void TestBotList::leavingRandomBots() {
+    QFETCH(QString, randomBots);
+    QFETCH(QString, maxPlayers);
+    QFETCH(bool, warned);
+    TestPlatform platform;
+    platform.makeGameFolder();
+    MainWindow window(*platform.app);
+    window.showMainWindow();
+    platform.messages.clear();
+    Ui::frmMain& ui = window.form();
+    ui.txtMaxPlayers->setText(maxPlayers);
+    ui.txtRandomBots->setText(randomBots);
+    ui.txtRandomBots->deselect();
+    QFocusEvent leave(QEvent::FocusOut, Qt::TabFocusReason);
+    QCoreApplication::sendEvent(ui.txtRandomBots, &leave);
+    // Focus moving to another window is not leaving the box.
+    QFocusEvent away(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
+    QCoreApplication::sendEvent(ui.txtRandomBots, &away);
+    if (!warned) {
+        QVERIFY(platform.messages.shown.isEmpty());
+        return;
+    }
+    QCOMPARE(platform.messages.shown.size(), 1);
+    const ShownMessage& m = platform.messages.shown.first();
+    QCOMPARE(m.title, QStringLiteral("Warning"));
+    QCOMPARE(m.text, QStringLiteral("This number exceeds the maximum number of players you have "
+                                    "specified for the server (") +
+                         maxPlayers +
+                         QStringLiteral(").\r\rIt is suggested that this number be less than "
+                                        "the maximum players."));
+    QCOMPARE(m.buttons, MsgButtons::Ok);
+    QCOMPARE(m.icon, MsgIcon::Information);
+    QTRY_COMPARE(ui.txtRandomBots->selectedText(), randomBots);
+    QCOMPARE(ui.txtRandomBots->text(), randomBots);
 }
 
 void TestBotList::snapshotReadsTheControls() {

@@ -2,8 +2,11 @@
 
 #include "bots/BotListFile.h"
 #include "bots/BotTables.h"
+#include "settings/TextForms.h"
 #include "ui/AppContext.h"
 #include "ui_frmMain.h"
+
+#include <QFocusEvent>
 
 namespace halvane {
 
@@ -30,6 +33,40 @@ BotsController::BotsController(Ui::frmMain& form, BotTables& tables, AppContext&
     connect(ui.cmbBotSkill, &QComboBox::currentIndexChanged, this, &BotsController::storeSkill);
     connect(ui.btnEditBotList, &QAbstractButton::clicked, this, &BotsController::editBotList);
     connect(ui.btnBotRefresh, &QAbstractButton::clicked, this, &BotsController::LoadBotList);
+    ui.txtRandomBots->installEventFilter(this);
+}
+
+bool BotsController::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == ui.txtRandomBots && event->type() == QEvent::FocusOut && !m_warning) {
+        // Focus lost to a message box or another window is no leaving.
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason)
+            randomBotsLeft();
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void BotsController::randomBotsLeft() {
+    if (leadingNumber(ui.txtRandomBots->text()) <= leadingNumber(ui.txtMaxPlayers->text()))
+        return;
+    m_warning = true;
+    m_app.platform.messages.tell(
+        QStringLiteral("Warning"),
+        QStringLiteral("This number exceeds the maximum number of players you have specified for "
+                       "the server (") +
+            ui.txtMaxPlayers->text() +
+            QStringLiteral(").\r\rIt is suggested that this number be less than the maximum "
+                           "players."),
+        MsgIcon::Information);
+    m_warning = false;
+    // After the box has finished losing the focus, which would clear the selection.
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            ui.txtRandomBots->setFocus(Qt::OtherFocusReason);
+            ui.txtRandomBots->selectAll();
+        },
+        Qt::QueuedConnection);
 }
 
 void BotsController::LoadBotList() {

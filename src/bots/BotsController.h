@@ -34,7 +34,13 @@ public:
 
     static const QString NoBotsTip;
 
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
+    // Leaving "Max. number of bots" with more bots than players allowed warns
+    // and brings the operator back to the box.
+    void randomBotsLeft();
     void showCurrentBot();
     void storeTeam(int index);
     void storeSkill(int index);
@@ -44,6 +50,7 @@ private:
     BotTables& m_tables;
     AppContext& m_app;
     TipSetter m_tip;
+    bool m_warning = false;
 };
 
 // The bot list as the scripts see it: names, selection, and team and skill
