@@ -18,12 +18,12 @@ using namespace halvane::test;
 
 namespace {
 
-void addBots(MainWindow& window, int count) {
-    for (int i = 0; i < count; ++i) {
-        auto* item = new QListWidgetItem(QStringLiteral("Bot%1").arg(i), window.form().BotList);
-        item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
-        item->setCheckState(Qt::Unchecked);
-    }
+// The bot list the start-up reads: botlist.txt beside the program.
+void addBots(TestPlatform& platform, int count) {
+    QByteArray names;
+    for (int i = 0; i < count; ++i)
+        names += QStringLiteral("Bot%1\r\n").arg(i).toLatin1();
+    platform.writeFile(platform.programFolder() + QStringLiteral("/botlist.txt"), names);
 }
 
 // The key order the store must see, written out independently of the table.
@@ -173,7 +173,7 @@ void SettingsTest::emptyStoreStartsOnFirstTabWithPanelOpen() {
     TestPlatform platform;
     platform.makeGameFolder();
     MainWindow window(*platform.app);
-    addBots(window, 3);
+    addBots(platform, 3);
     window.showMainWindow();
     QCOMPARE(window.form().SSTab1->currentIndex(), 0);
     QVERIFY(window.statusPanel().isOpen());
@@ -192,7 +192,7 @@ void SettingsTest::saveWritesEveryKeyInOrder() {
     TestPlatform platform;
     platform.makeGameFolder();
     MainWindow window(*platform.app);
-    addBots(window, 3);
+    addBots(platform, 3);
     window.showMainWindow();
     platform.store->writes.clear();
     QVERIFY(window.settings().SaveSettings());
@@ -210,7 +210,7 @@ void SettingsTest::roundTripReproducesEveryValue() {
     QMap<QString, QString> chosen;
     {
         MainWindow window(*platform.app);
-        addBots(window, 5);
+        addBots(platform, 5);
         window.showMainWindow();
         Ui::frmMain& ui = window.form();
         int i = 0;
@@ -250,7 +250,7 @@ void SettingsTest::roundTripReproducesEveryValue() {
     platform.messages.clear();
     platform.messages.answers = {MsgAnswer::Yes}; // the demo-recording question at load
     MainWindow window(*platform.app);
-    addBots(window, 5);
+    addBots(platform, 5);
     window.showMainWindow();
     platform.store->writes.clear();
     QVERIFY(window.settings().SaveSettings());
@@ -337,7 +337,7 @@ void SettingsTest::garbledValueReportsItsStep() {
     platform.ini->write("Advanced", "LogName", "srv.log");
     platform.ini->flush();
     MainWindow window(*platform.app);
-    addBots(window, 5);
+    addBots(platform, 5);
     window.showMainWindow();
 
     QCOMPARE(platform.messages.shown.size(), 1);
@@ -393,7 +393,7 @@ void SettingsTest::botsPastTheTablesNeitherFailSaveNorWriteSlots() {
     platform.ini->write("Bots", "Selected101", "True");
     platform.ini->write("Bots", "Team 99", "1");
     MainWindow window(*platform.app);
-    addBots(window, 102);
+    addBots(platform, 102);
     window.showMainWindow();
     // Positions 100 and 101: team and skill each fail once.
     QCOMPARE(platform.messages.shown.size(), 4);

@@ -1,5 +1,8 @@
 #include "ui/MainWindow.h"
 
+#include "bots/BotsController.h"
+#include "bots/RandomSource.h"
+#include "config/ConfigController.h"
 #include "launch/ParameterMemory.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapsController.h"
@@ -70,10 +73,13 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::fr
     // Not a child widget: the main window is disabled while the dialog is
     // open, and a child would be disabled with it.
     m_pathDialog = std::make_unique<PathDialog>(m_app, *this);
+    m_random = std::make_unique<TimeSeededRandom>();
     m_catalogue = std::make_unique<MapCatalogue>(m_app.platform.folder.path());
     m_maps = std::make_unique<MapsController>(*this, *ui, m_app, *m_catalogue);
     m_maps->closeMainWindow = [this] { close(); };
     m_interlocks->suggestMaps = [this](int gameType) { m_maps->suggestMaps(gameType); };
+    m_bots = std::make_unique<BotsController>(*ui, m_botTables, m_app);
+    m_config = std::make_unique<ConfigController>(*ui, m_botTables, *m_catalogue, m_app, *m_random);
 
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
     connect(ui->cmdSetPath, &QAbstractButton::clicked, this, &MainWindow::cmdSetPath);
@@ -164,8 +170,9 @@ void MainWindow::load() {
     // 7.
     step("GetMapsFromBaseDir");
     m_maps->GetMapsFromBaseDir();
-    // 8. LoadBotList.
+    // 8.
     step("LoadBotList");
+    m_bots->LoadBotList();
     // 9.
     step("LoadMaps");
     m_maps->LoadMaps();
@@ -179,8 +186,9 @@ void MainWindow::load() {
     // 12.
     step("lblVersion");
     ui->lblVersion->setText(AppInfo::versionCaption());
-    // 13. Countbots.
+    // 13.
     step("Countbots");
+    m_bots->Countbots();
     // 14.
     step("SetGameType");
     m_interlocks->SetGameType();

@@ -14,9 +14,12 @@ class frmMain;
 namespace halvane {
 
 struct AppContext;
+class BotsController;
+class ConfigController;
 class MapCatalogue;
 class MapsController;
 class OptionInterlocks;
+class RandomSource;
 class ParameterMemory;
 class SettingsController;
 class StatusPanel;
@@ -48,6 +51,9 @@ public:
     BotTables& botTables() { return m_botTables; }
     MapCatalogue& mapCatalogue() { return *m_catalogue; }
     MapsController& maps() { return *m_maps; }
+    BotsController& bots() { return *m_bots; }
+    ConfigController& config() { return *m_config; }
+    RandomSource& random() { return *m_random; }
     bool isLoaded() const { return m_loaded; }
     bool hasEnded() const { return m_ended; }
 
@@ -82,7 +88,10 @@ private:
     std::unique_ptr<ParameterMemory> m_parameters;
     std::unique_ptr<SettingsController> m_settings;
     std::unique_ptr<PathDialog> m_pathDialog;
+    std::unique_ptr<RandomSource> m_random;
     std::unique_ptr<MapCatalogue> m_catalogue;
+    std::unique_ptr<BotsController> m_bots;
+    std::unique_ptr<ConfigController> m_config;
     std::unique_ptr<MapsController> m_maps;
     bool m_loaded = false;
     bool m_unloaded = false;

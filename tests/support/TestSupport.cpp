@@ -11,6 +11,9 @@ TestPlatform::TestPlatform() {
     // An empty map catalogue, as if the program had run before: windows come
     // up without the missing-catalogue warning and with no maps listed.
     QFile(programFolder() + QStringLiteral("/maps.dat")).open(QIODevice::WriteOnly);
+    // The program folder holds the delivered bot list, as an installed one does.
+    QFile::copy(QStringLiteral(HALVANE_DATA_DIR "/delivered/botlist.txt"),
+                programFolder() + QStringLiteral("/botlist.txt"));
     folder = std::make_unique<ProgramFolder>(programFolder());
     ini = std::make_unique<QtSettingsStore>(iniPath());
     store = std::make_unique<RecordingStore>(*ini);

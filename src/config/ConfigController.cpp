@@ -1,0 +1,87 @@
+#include "config/ConfigController.h"
+
+#include "bots/BotsController.h"
+#include "ui/AppContext.h"
+#include "ui_frmMain.h"
+
+namespace halvane {
+
+namespace {
+bool checked(const QAbstractButton* box) {
+    return box->isChecked();
+}
+// The control's own enabled state, whatever its window's state is.
+bool enabled(const QWidget* widget) {
+    return widget->isEnabledTo(widget->window());
+}
+} // namespace
+
+ServerSettings readServerSettings(const Ui::frmMain& ui, const BotTables& tables,
+                                  const AppState& state) {
+    ServerSettings s;
+    s.versionCaption = ui.lblVersion->text();
+    s.takenAt = QDateTime::currentDateTime();
+    s.gameExeName = state.GameExeName;
+    s.logFile = checked(ui.chkLogFile);
+    s.dateLog = checked(ui.chkDateLog);
+    s.logFileName = ui.txtLogFile->text();
+    s.gameType = ui.cmbGameType->currentIndex();
+    s.maxPlayers = ui.txtMaxPlayers->text();
+    s.serverName = ui.txtServerName->text();
+    s.motd = ui.txtMOTD->text();
+    s.minPing = ui.txtMinPing->text();
+    s.maxPing = ui.txtMaxPing->text();
+    s.playerRespawn = ui.txtPlayerRespawn->text();
+    s.inactivity = ui.txtInactivity->text();
+    s.autoJoin = checked(ui.chkAutoJoin);
+    s.autoBalance = checked(ui.chkAutoBalance);
+    s.warmUp = checked(ui.chkWarmUp);
+    s.warmUpTime = ui.txtWarmUpTime->text();
+    s.consolePassword = ui.txtConsolePW->text();
+    s.pureServer = checked(ui.chkPAKCheat);
+    s.maxRate = ui.txtMaxRate->text();
+    s.mastersEnabled = enabled(ui.Frame1);
+    s.masters = {ui.txtMaster_0->text(), ui.txtMaster_1->text(), ui.txtMaster_2->text(),
+                 ui.txtMaster_3->text(), ui.txtMaster_4->text()};
+    s.noBotJump = checked(ui.chkNoBotJump);
+    s.rocketJump = checked(ui.chkRocketJump);
+    s.cheating = checked(ui.chkCheating);
+    for (int i = 0; i < ui.SelMap->count(); ++i)
+        s.selectedMaps.append(ui.SelMap->item(i)->text());
+    s.friendlyEnabled = enabled(ui.chkFriendly);
+    s.friendlyFire = checked(ui.chkFriendly);
+    s.weaponRespawn = ui.txtRespawn->text();
+    s.quad = ui.txtQuad->text();
+    s.vote = checked(ui.chkVote);
+    s.syncClients = checked(ui.chkDemoRecording);
+    s.botType = ui.cmbBotType->currentIndex();
+    s.disableBotChat = checked(ui.chkDisableBotChat);
+    s.autoSelectBots = checked(ui.chkAutoSelectBots);
+    s.autoBotSkill = ui.cmbAutoBotSkill->currentIndex();
+    s.minBots = ui.txtMinBots->text();
+    s.extraConfig = ui.txtCfg->currentText();
+    s.randomBotSkill = checked(ui.chkRandomBotSkill);
+    s.randomBots = ui.txtRandomBots->text();
+    s.bots = botEntries(*ui.BotList, tables);
+    return s;
+}
+
+ConfigController::ConfigController(Ui::frmMain& form, BotTables& tables, MapCatalogue& catalogue,
+                                   AppContext& app, RandomSource& random)
+    : ui(form), m_tables(tables), m_app(app), m_bots(app.state, app.platform.messages, random),
+      m_writer(app.state, app.platform.messages, catalogue, m_bots) {}
+
+ServerSettings ConfigController::snapshot() const {
+    return readServerSettings(ui, m_tables, m_app.state);
+}
+
+bool ConfigController::WriteConfig(const QString& path, bool withCommandLine,
+                                   const QString& commandLine) {
+    return m_writer.WriteConfig(snapshot(), path, withCommandLine, commandLine);
+}
+
+void ConfigController::MakeBotScript() {
+    m_bots.MakeBotScript(snapshot());
+}
+
+} // namespace halvane

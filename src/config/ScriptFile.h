@@ -1,0 +1,62 @@
+#pragma once
+
+#include <QFile>
+#include <QHash>
+#include <QString>
+#include <QStringList>
+
+namespace halvane {
+
+// A game script being written: one byte per character, each line ended by
+// CR LF. The file is created anew; a write that fails partway leaves the
+// lines written so far, so it is a plain file and not a save-and-rename.
+class ScriptFile {
+public:
+    explicit ScriptFile(const QString& path) : m_file(path) {}
+    ~ScriptFile() { close(); }
+
+    bool open() {
+        m_ok = m_file.open(QIODevice::WriteOnly | QIODevice::Truncate);
+        return m_ok;
+    }
+    // Writes text and the line end; after a failure nothing more is written.
+    bool line(const QString& text = QString()) {
+        if (!m_ok)
+            return false;
+        QByteArray bytes = text.toLatin1();
+        bytes.append("\r\n", 2);
+        m_ok = m_file.write(bytes) == bytes.size();
+        return m_ok;
+    }
+    bool ok() const { return m_ok; }
+    // Flushes and closes; true when every line reached the file.
+    bool close() {
+        if (!m_file.isOpen())
+            return m_ok;
+        if (!m_file.flush())
+            m_ok = false;
+        m_file.close();
+        if (m_file.error() != QFileDevice::NoError)
+            m_ok = false;
+        return m_ok;
+    }
+
+private:
+    QFile m_file;
+    bool m_ok = false;
+};
+
+// Finds the names of one folder without regard to letter case, listing the
+// folder once however many files are looked up.
+class FolderNames {
+public:
+    explicit FolderNames(QString folder);
+    // folder/name, spelled as the existing file is where one matches.
+    QString path(const QString& name) const;
+
+private:
+    QString m_folder;
+    QHash<QString, QString> m_entries; // lower-cased name -> name on disk
+};
+
+} // namespace halvane

@@ -1,0 +1,194 @@
+#include "RealServer.h"
+
+#include <QDeadlineTimer>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QHostAddress>
+#include <QThread>
+#include <QUdpSocket>
+
+namespace halvane::e2e {
+
+namespace {
+const QByteArray OutOfBand("\xff\xff\xff\xff", 4);
+} // namespace
+
+QString missingEngine(const EngineFiles& files) {
+    if (!QFileInfo(files.engine).isExecutable())
+        return QStringLiteral("no dedicated server engine at ") + files.engine;
+    if (QDir(files.dataFolder).entryList({QStringLiteral("*.pk3")}, QDir::Files).isEmpty())
+        return QStringLiteral("no OpenArena archives in ") + files.dataFolder;
+    if (!QFileInfo::exists(files.gameLibrary))
+        return QStringLiteral("no OpenArena game library at ") + files.gameLibrary;
+    return QString();
+}
+
+QString buildGameFolder(const QString& folder, const EngineFiles& files) {
+    const QDir root(folder);
+    for (const char* sub : {"baseoa", "baseq3", "home"}) {
+        if (!root.mkpath(QLatin1String(sub)))
+            return QStringLiteral("cannot make ") + root.filePath(QLatin1String(sub));
+    }
+    QStringList links;
+    const QDir data(files.dataFolder);
+    for (const QString& archive : data.entryList({QStringLiteral("*.pk3")}, QDir::Files))
+        links.append(data.filePath(archive));
+    links.append(files.gameLibrary);
+    for (const QString& target : links) {
+        const QString link =
+            root.filePath(QStringLiteral("baseoa/") + QFileInfo(target).fileName());
+        if (!QFile::exists(link) && !QFile::link(target, link))
+            return QStringLiteral("cannot link ") + link;
+    }
+
+    const QString absolute = QFileInfo(folder).absoluteFilePath();
+    const QString script =
+        QStringLiteral("#!/bin/sh\n"
+                       "exec %1 +set com_basegame baseoa +set fs_game baseq3 +set fs_basepath "
+                       "'%2' +set fs_homepath '%2/home' +set com_legacyprotocol 71 +set "
+                       "com_protocol 71 +set vm_game 0 \"$@\"\n")
+            .arg(files.engine, absolute);
+    QFile exe(root.filePath(QStringLiteral("quake3.exe")));
+    if (!exe.open(QIODevice::WriteOnly | QIODevice::Truncate) ||
+        exe.write(script.toUtf8()) != script.toUtf8().size())
+        return QStringLiteral("cannot write ") + exe.fileName();
+    exe.close();
+    exe.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner |
+                       QFileDevice::ReadGroup | QFileDevice::ExeGroup);
+    return QString();
+}
+
+quint16 freeUdpPort() {
+    QUdpSocket socket;
+    if (!socket.bind(QHostAddress::LocalHost, 0))
+        return 0;
+    return socket.localPort();
+}
+
+QStringList ServerStatus::playerNames() const {
+    QStringList names;
+    for (const Player& player : players)
+        names.append(player.name);
+    return names;
+}
+
+ServerStatus parseStatus(const QByteArray& reply) {
+    ServerStatus status;
+    QList<QByteArray> lines = reply.split('\n');
+    if (lines.size() < 2)
+        return status;
+    // Line 0 is "statusResponse"; line 1 is \key\value\key\value...
+    const QList<QByteArray> pairs = lines[1].split('\\');
+    for (qsizetype i = 1; i + 1 < pairs.size(); i += 2)
+        status.info.insert(QString::fromLatin1(pairs[i]), QString::fromLatin1(pairs[i + 1]));
+    // Then one line per player: score ping "name".
+    for (qsizetype i = 2; i < lines.size(); ++i) {
+        const QByteArray line = lines[i].trimmed();
+        const qsizetype quote = line.indexOf('"');
+        if (line.isEmpty() || quote < 0)
+            continue;
+        const QList<QByteArray> numbers = line.left(quote).simplified().split(' ');
+        ServerStatus::Player player;
+        player.score = numbers.value(0).toInt();
+        player.ping = numbers.value(1).toInt();
+        player.name = QString::fromLatin1(line.mid(quote + 1, line.lastIndexOf('"') - quote - 1));
+        status.players.append(player);
+    }
+    return status;
+}
+
+std::optional<QByteArray> query(quint16 port, const QByteArray& command,
+                                std::chrono::milliseconds timeout) {
+    QUdpSocket socket;
+    if (!socket.bind(QHostAddress::LocalHost, 0))
+        return std::nullopt;
+    const QByteArray packet = OutOfBand + command;
+    if (socket.writeDatagram(packet, QHostAddress::LocalHost, port) != packet.size())
+        return std::nullopt;
+    QDeadlineTimer deadline(timeout);
+    while (!deadline.hasExpired()) {
+        if (!socket.hasPendingDatagrams() &&
+            !socket.waitForReadyRead(int(qMax<qint64>(1, deadline.remainingTime()))))
+            continue;
+        while (socket.hasPendingDatagrams()) {
+            QByteArray reply(int(socket.pendingDatagramSize()), '\0');
+            const qint64 size = socket.readDatagram(reply.data(), reply.size());
+            if (size >= 4 && reply.startsWith(OutOfBand))
+                return reply.mid(4, size - 4);
+        }
+    }
+    return std::nullopt;
+}
+
+std::optional<ServerStatus> getStatus(quint16 port, std::chrono::milliseconds timeout) {
+    const auto reply = query(port, "getstatus", timeout);
+    if (!reply || !reply->startsWith("statusResponse"))
+        return std::nullopt;
+    return parseStatus(*reply);
+}
+
+std::optional<QString> rcon(quint16 port, const QString& password, const QString& command,
+                            std::chrono::milliseconds timeout) {
+    const auto reply =
+        query(port, QStringLiteral("rcon %1 %2").arg(password, command).toLatin1(), timeout);
+    if (!reply || !reply->startsWith("print"))
+        return std::nullopt;
+    return QString::fromLatin1(reply->mid(6));
+}
+
+RealServer::~RealServer() {
+    stop();
+}
+
+bool RealServer::start(const QString& gameFolder, const QStringList& arguments) {
+    m_process.setWorkingDirectory(gameFolder);
+    // Output goes to a file: a pipe nobody drains would stall the server.
+    m_console = QDir(gameFolder).filePath(QStringLiteral("home/console.txt"));
+    m_process.setProcessChannelMode(QProcess::MergedChannels);
+    m_process.setStandardOutputFile(m_console, QIODevice::Truncate);
+    m_process.setStandardInputFile(QProcess::nullDevice());
+    m_process.start(QDir(gameFolder).filePath(QStringLiteral("quake3.exe")), arguments);
+    return m_process.waitForStarted(5000);
+}
+
+void RealServer::stop() {
+    if (m_process.state() == QProcess::NotRunning)
+        return;
+    m_process.terminate();
+    if (!m_process.waitForFinished(5000)) {
+        m_process.kill();
+        m_process.waitForFinished(5000);
+    }
+}
+
+bool RealServer::running() {
+    // Without an event loop the process learns of its child's end here.
+    m_process.waitForFinished(0);
+    return m_process.state() == QProcess::Running;
+}
+
+QString RealServer::output() {
+    QFile console(m_console);
+    if (!console.open(QIODevice::ReadOnly))
+        return QString();
+    return QString::fromLatin1(console.readAll());
+}
+
+std::optional<ServerStatus>
+RealServer::waitForStatus(quint16 port, const std::function<bool(const ServerStatus&)>& ok,
+                          std::chrono::milliseconds timeout) {
+    std::optional<ServerStatus> last;
+    QDeadlineTimer deadline(timeout);
+    while (!deadline.hasExpired() && running()) {
+        if (auto status = getStatus(port, std::chrono::milliseconds(500))) {
+            last = status;
+            if (ok(*status))
+                return last;
+        }
+        QThread::msleep(200);
+    }
+    return last;
+}
+
+} // namespace halvane::e2e

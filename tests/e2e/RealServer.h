@@ -1,0 +1,86 @@
+#pragma once
+
+#include <QMap>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <chrono>
+#include <functional>
+#include <optional>
+
+// Helpers for tests that run the generated scripts in a real dedicated
+// server: a game folder laid out like the original game's but holding the
+// free OpenArena data, a stand-in quake3.exe that starts the engine, and the
+// server's UDP queries. Everything stays on the loopback interface.
+namespace halvane::e2e {
+
+// Where the engine and the game data are expected (Debian's packages
+// ioquake3-server and openarena-server).
+struct EngineFiles {
+    QString engine = QStringLiteral("/usr/lib/ioquake3/ioq3ded");
+    QString dataFolder = QStringLiteral("/usr/share/games/openarena/baseoa");
+    QString gameLibrary = QStringLiteral("/usr/lib/openarena-server/baseoa/qagamex86_64.so");
+};
+
+// Empty when the engine and the game data are installed; otherwise what is
+// missing, for the test's skip message.
+QString missingEngine(const EngineFiles& files = {});
+
+// Builds a game folder: baseoa/ with links to the OpenArena archives and the
+// game library, an empty baseq3/ (where our scripts go), home/ for the
+// engine's own files, and an executable quake3.exe that runs the engine with
+// baseq3 as the game folder. Returns an error text, empty on success.
+QString buildGameFolder(const QString& folder, const EngineFiles& files = {});
+
+// A UDP port on 127.0.0.1 that nothing listens on right now.
+quint16 freeUdpPort();
+
+// The server's answer to "getstatus": server info and the players.
+struct ServerStatus {
+    QMap<QString, QString> info; // cvar name -> value
+    struct Player {
+        int score = 0;
+        int ping = 0;
+        QString name;
+    };
+    QList<Player> players;
+    QStringList playerNames() const;
+};
+
+// Sends one out-of-band packet and returns the first answer, if any in time.
+std::optional<QByteArray> query(quint16 port, const QByteArray& command,
+                                std::chrono::milliseconds timeout);
+std::optional<ServerStatus> getStatus(quint16 port,
+                                      std::chrono::milliseconds timeout = std::chrono::seconds(1));
+ServerStatus parseStatus(const QByteArray& reply);
+// Runs a console command through rcon; returns the printed answer.
+std::optional<QString> rcon(quint16 port, const QString& password, const QString& command,
+                            std::chrono::milliseconds timeout = std::chrono::seconds(2));
+
+// A running dedicated server, started from a game folder's quake3.exe with
+// the given arguments (no shell between), stopped when destroyed.
+class RealServer {
+public:
+    RealServer() = default;
+    ~RealServer();
+    RealServer(const RealServer&) = delete;
+    RealServer& operator=(const RealServer&) = delete;
+
+    bool start(const QString& gameFolder, const QStringList& arguments);
+    void stop();
+    bool running();
+    // The server's console output so far.
+    QString output();
+
+    // Polls getstatus until the status satisfies the condition or the time
+    // runs out; returns the last status seen.
+    std::optional<ServerStatus> waitForStatus(quint16 port,
+                                              const std::function<bool(const ServerStatus&)>& ok,
+                                              std::chrono::milliseconds timeout);
+
+private:
+    QProcess m_process;
+    QString m_console;
+};
+
+} // namespace halvane::e2e
