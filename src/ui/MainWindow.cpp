@@ -1,9 +1,12 @@
 #include "ui/MainWindow.h"
 
+#include "config/ConfigFileCommands.h"
+#include "launch/LaunchController.h"
 #include "launch/ParameterMemory.h"
 #include "settings/OptionInterlocks.h"
 #include "settings/SettingsController.h"
 #include "settings/TextForms.h"
+#include "settings/Validation.h"
 #include "ui/AppContext.h"
 #include "ui/AppInfo.h"
 #include "ui/StatusPanel.h"
@@ -59,11 +62,22 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::fr
     // open, and a child would be disabled with it.
     m_pathDialog = std::make_unique<PathDialog>(m_app, *this);
 
+    m_validation = std::make_unique<Validation>(*ui, m_app,
+                                                [this] { return m_settings->SaveSettings(); });
+    m_validation->installGuards();
+    // The config writer's WriteConfig and the map catalogue's CommitShownMap
+    // and MakeBotScript are wired here once those subsystems are in.
+    m_configCommands = std::make_unique<ConfigFileCommands>(
+        *ui, m_app, [this] { return m_validation->ValidateAll(); }, WriteConfigFunction{});
+    LaunchHooks launchHooks;
+    launchHooks.saveParameterList = [this] { m_parameters->saveParameterList(); };
+    launchHooks.loadParameterList = [this] { m_parameters->loadParameterList(); };
+    launchHooks.ValidateAll = [this] { return m_validation->ValidateAll(); };
+    m_launch = std::make_unique<LaunchController>(*ui, m_app, *this, launchHooks);
+
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
     connect(ui->cmdSetPath, &QAbstractButton::clicked, this, &MainWindow::cmdSetPath);
     connect(ui->btnStatus, &QAbstractButton::clicked, m_statusPanel.get(), &StatusPanel::toggle);
-    connect(ui->txtCfg, &QComboBox::editTextChanged, this,
-            [this](const QString& text) { ui->cmdEditCfg->setEnabled(!text.isEmpty()); });
     connectMenus();
 }
 

@@ -13,10 +13,13 @@ class frmMain;
 namespace halvane {
 
 struct AppContext;
+class ConfigFileCommands;
+class LaunchController;
 class OptionInterlocks;
 class ParameterMemory;
 class SettingsController;
 class StatusPanel;
+class Validation;
 
 // The main window: owns the form and the per-subsystem controllers, and runs
 // the start-up and shut-down sequences.
@@ -38,6 +41,9 @@ public:
     OptionInterlocks& interlocks() { return *m_interlocks; }
     StatusPanel& statusPanel() { return *m_statusPanel; }
     BotTables& botTables() { return m_botTables; }
+    Validation& validation() { return *m_validation; }
+    ConfigFileCommands& configCommands() { return *m_configCommands; }
+    LaunchController& launch() { return *m_launch; }
     bool isLoaded() const { return m_loaded; }
     bool hasEnded() const { return m_ended; }
 
@@ -62,6 +68,9 @@ private:
     std::unique_ptr<ParameterMemory> m_parameters;
     std::unique_ptr<SettingsController> m_settings;
     std::unique_ptr<PathDialog> m_pathDialog;
+    std::unique_ptr<Validation> m_validation;
+    std::unique_ptr<ConfigFileCommands> m_configCommands;
+    std::unique_ptr<LaunchController> m_launch;
     bool m_loaded = false;
     bool m_unloaded = false;
     bool m_ended = false;
