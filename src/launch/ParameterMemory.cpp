@@ -17,7 +17,11 @@ QString parameterKey(int i) {
 
 ParameterMemory::ParameterMemory(QComboBox& parameters, QCheckBox& specifyCd, QLineEdit& cdDrive,
                                  AppContext& app)
-    : m_parameters(parameters), m_specifyCd(specifyCd), m_cdDrive(cdDrive), m_app(app) {}
+    : m_parameters(parameters), m_specifyCd(specifyCd), m_cdDrive(cdDrive), m_app(app) {
+    // The list holds the remembered lines only: Enter must not add the typed
+    // text to it, or the next save would shift a line that was never stored.
+    m_parameters.setInsertPolicy(QComboBox::NoInsert);
+}
 
 void ParameterMemory::loadParameterList() {
     const SettingsStore& store = m_app.platform.store;
@@ -53,12 +57,21 @@ void ParameterMemory::saveParameterList() {
 }
 
 void ParameterMemory::loadCdDrive() {
-    m_cdDrive.setEnabled(true);
-    m_cdDrive.clear();
-    const QString letter =
-        m_app.platform.store.read(Section, QStringLiteral("CDLetter"), QString());
-    if (!letter.isEmpty())
-        m_cdDrive.setText(letter);
+    try {
+        m_cdDrive.setEnabled(true);
+        m_cdDrive.clear();
+        const QString letter =
+            m_app.platform.store.read(Section, QStringLiteral("CDLetter"), QString());
+        if (!letter.isEmpty())
+            m_cdDrive.setText(letter);
+    } catch (...) {
+        m_cdDrive.setText(QStringLiteral("C:"));
+        m_app.platform.messages.tell(QStringLiteral("Warning!"),
+                                     QStringLiteral("Halvane was unable to locate a valid CD Rom "
+                                                    "drive.\r\rThe C: Drive has been selected by "
+                                                    "default."),
+                                     MsgIcon::Critical);
+    }
     m_cdDrive.setEnabled(m_specifyCd.isChecked());
 }
 

@@ -3,12 +3,15 @@
 #include "bots/BotsController.h"
 #include "bots/RandomSource.h"
 #include "config/ConfigController.h"
+#include "config/ConfigFileCommands.h"
+#include "launch/LaunchController.h"
 #include "launch/ParameterMemory.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapsController.h"
 #include "settings/OptionInterlocks.h"
 #include "settings/SettingsController.h"
 #include "settings/TextForms.h"
+#include "settings/Validation.h"
 #include "ui/Accessibility.h"
 #include "ui/AppContext.h"
 #include "ui/AppInfo.h"
@@ -81,11 +84,27 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::fr
     m_bots = std::make_unique<BotsController>(*ui, m_botTables, m_app);
     m_config = std::make_unique<ConfigController>(*ui, m_botTables, *m_catalogue, m_app, *m_random);
 
+    m_validation =
+        std::make_unique<Validation>(*ui, m_app, [this] { return m_settings->SaveSettings(); });
+    m_validation->installGuards();
+    const WriteConfigFunction writeConfig = [this](const QString& path, bool withCommandLine,
+                                                   const QString& commandLine) {
+        return m_config->WriteConfig(path, withCommandLine, commandLine);
+    };
+    m_configCommands = std::make_unique<ConfigFileCommands>(
+        *ui, m_app, [this] { return m_validation->ValidateAll(); }, writeConfig);
+    LaunchHooks launchHooks;
+    launchHooks.saveParameterList = [this] { m_parameters->saveParameterList(); };
+    launchHooks.loadParameterList = [this] { m_parameters->loadParameterList(); };
+    launchHooks.ValidateAll = [this] { return m_validation->ValidateAll(); };
+    launchHooks.CommitShownMap = [this] { m_maps->CommitShownMap(); };
+    launchHooks.MakeBotScript = [this] { m_config->MakeBotScript(); };
+    launchHooks.WriteConfig = writeConfig;
+    m_launch = std::make_unique<LaunchController>(*ui, m_app, *this, launchHooks);
+
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
     connect(ui->cmdSetPath, &QAbstractButton::clicked, this, &MainWindow::cmdSetPath);
     connect(ui->btnStatus, &QAbstractButton::clicked, m_statusPanel.get(), &StatusPanel::toggle);
-    connect(ui->txtCfg, &QComboBox::editTextChanged, this,
-            [this](const QString& text) { ui->cmdEditCfg->setEnabled(!text.isEmpty()); });
     connectMenus();
 }
 

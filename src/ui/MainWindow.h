@@ -18,6 +18,8 @@ class BotsController;
 class ConfigController;
 class MapCatalogue;
 class MapsController;
+class ConfigFileCommands;
+class LaunchController;
 class OptionInterlocks;
 class RandomSource;
 class ParameterMemory;
@@ -26,6 +28,7 @@ class StatusPanel;
 class TipLine;
 class TabFrames;
 class HelpMenu;
+class Validation;
 
 // The main window: owns the form and the per-subsystem controllers, and runs
 // the start-up and shut-down sequences.
@@ -54,6 +57,9 @@ public:
     BotsController& bots() { return *m_bots; }
     ConfigController& config() { return *m_config; }
     RandomSource& random() { return *m_random; }
+    Validation& validation() { return *m_validation; }
+    ConfigFileCommands& configCommands() { return *m_configCommands; }
+    LaunchController& launch() { return *m_launch; }
     bool isLoaded() const { return m_loaded; }
     bool hasEnded() const { return m_ended; }
 
@@ -93,6 +99,9 @@ private:
     std::unique_ptr<BotsController> m_bots;
     std::unique_ptr<ConfigController> m_config;
     std::unique_ptr<MapsController> m_maps;
+    std::unique_ptr<Validation> m_validation;
+    std::unique_ptr<ConfigFileCommands> m_configCommands;
+    std::unique_ptr<LaunchController> m_launch;
     bool m_loaded = false;
     bool m_unloaded = false;
     bool m_ended = false;

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QDateTime>
+#include <QString>
+#include <QStringList>
+
+namespace Ui {
+class frmMain;
+}
+
+namespace halvane {
+
+// What the game's command line is made of, read from the main window's
+// controls at the moment of a launch. Texts are as typed.
+struct LaunchOptions {
+    int serverType = 2; // 0 listen, 1 private, 2 dedicated
+    bool nop = false;   // N-0-P support: the start time for the server browser
+    QString hunkMegs;
+    int botType = 0; // 0 disabled, 1 user-defined, 2 automatic
+    bool requirePassword = false;
+    QString serverPassword;
+    QString netIp;
+    QString netPort;
+    QString parameters; // the extra parameter line
+    bool specifyCd = false;
+    QString cdDrive;
+    QString adminName;
+    QString adminEmail;
+    QString adminUrl;
+};
+
+LaunchOptions launchOptionsFrom(const Ui::frmMain& ui);
+
+// The text appended to the executable's name; every piece starts with a blank.
+QString buildCommandLine(const LaunchOptions& options, const QDateTime& now);
+
+// Splits a command line into arguments as a command processor would: blanks
+// separate, double quotes group words and are dropped ("" is an empty argument).
+QStringList splitCommandLine(const QString& commandLine);
+
+} // namespace halvane

@@ -1,0 +1,157 @@
+#include "launch/LaunchController.h"
+
+#include "launch/CommandLine.h"
+#include "settings/TextForms.h"
+#include "ui/AppContext.h"
+#include "ui_frmMain.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <cerrno>
+
+namespace halvane {
+
+namespace {
+constexpr int UserDefinedBots = 1;
+
+void run(const std::function<void()>& hook) {
+    if (hook)
+        hook();
+}
+
+// Where drives have letters the game folder must start on one that exists;
+// elsewhere there is no drive to change to. The code is the system's
+// "invalid drive" error.
+bool changeDrive(const QString& gameFolder, int& code) {
+#ifdef Q_OS_WIN
+    const QChar drive = gameFolder.isEmpty() ? QChar() : gameFolder[0];
+    if (!drive.isLetter() || !QDir(QString(drive) + QStringLiteral(":/")).exists()) {
+        code = 15; // ERROR_INVALID_DRIVE
+        return false;
+    }
+#else
+    Q_UNUSED(gameFolder);
+#endif
+    code = 0;
+    return true;
+}
+} // namespace
+
+LaunchController::LaunchController(Ui::frmMain& ui, AppContext& app, QWidget& window,
+                                   LaunchHooks hooks, QObject* parent)
+    : QObject(parent), ui(ui), m_app(app), m_window(window), m_hooks(std::move(hooks)) {
+    connect(ui.cmdStart, &QAbstractButton::clicked, this, &LaunchController::cmdStart);
+}
+
+bool LaunchController::ServerRunning() {
+    Desktop& desktop = m_app.platform.desktop;
+    desktop.setBusy(true);
+    const bool alive = ServerTaskID != 0 && m_app.platform.processes.activate(ServerTaskID);
+    desktop.setBusy(false);
+    return alive;
+}
+
+void LaunchController::cmdStart() {
+    // 1. Remember the parameter line, then offer the list as it now stands.
+    run(m_hooks.saveParameterList);
+    run(m_hooks.loadParameterList);
+
+    // 2.
+    run(m_hooks.CommitShownMap);
+
+    // 3.
+    if (ServerRunning()) {
+        if (!m_app.platform.messages.askYesNo(
+                QStringLiteral("Duplicate Server Confirmation"),
+                QStringLiteral("A server has already been launched, do you want to start another "
+                               "server?\r\rThis will require that you enter another Port Number "
+                               "on the advanced tab.\rIf no port is specified, the next available "
+                               "port will be used by default."),
+                MsgIcon::Information))
+            return;
+    }
+
+    // 4. Before validation: the fixed bot script is rewritten even when it fails.
+    if (ui.cmbBotType->currentIndex() == UserDefinedBots && !ui.chkAutoSelectBots->isChecked())
+        run(m_hooks.MakeBotScript);
+
+    // 5. The validator tells the operator why it refused.
+    if (!m_hooks.ValidateAll || !m_hooks.ValidateAll())
+        return;
+
+    // 6.
+    Desktop& desktop = m_app.platform.desktop;
+    desktop.setBusy(true);
+
+    // 7.
+    QString stepText;
+    const QDateTime now = m_hooks.now ? m_hooks.now() : QDateTime::currentDateTime();
+    const QString commandLine = buildCommandLine(launchOptionsFrom(ui), now);
+
+    // 8.
+    const QString config = m_app.state.gameFile(QStringLiteral("baseq3/halvane.cfg"));
+    if (!m_hooks.WriteConfig || !m_hooks.WriteConfig(config, true, commandLine)) {
+        fail(stepText, configWriteErrorCode());
+        return;
+    }
+
+    // 9.
+    const QString gameFolder = m_app.state.GameFolder;
+    stepText = QStringLiteral("Error changing drives");
+    int code = 0;
+    if (!changeDrive(gameFolder, code)) {
+        fail(stepText, code);
+        return;
+    }
+
+    // 10. The game runs in its folder; the program's own directory stays.
+    stepText = QStringLiteral("Error changing directories");
+    if (gameFolder.isEmpty() || !QFileInfo(gameFolder).isDir()) {
+        fail(stepText, ENOENT);
+        return;
+    }
+
+    // 11. Started without a shell: the command line becomes the arguments.
+    const QString exeName = m_app.state.GameExeName.trimmed();
+    stepText = m_app.state.GameExeName + commandLine;
+    const StartResult started =
+        m_app.platform.processes.start(QDir(gameFolder).filePath(exeName),
+                                       splitCommandLine(commandLine), gameFolder);
+    if (!started.started) {
+        fail(stepText, started.errorCode != 0 ? started.errorCode : EIO);
+        return;
+    }
+    ServerTaskID = started.taskId;
+
+    // 12.
+    if (ui.chkStartState->isChecked()) {
+        if (ui.optClose->isChecked())
+            m_window.close(); // the shut-down stores everything
+        else
+            m_window.showMinimized();
+    }
+
+    // 13.
+    desktop.setBusy(false);
+}
+
+// The writer answers only yes or no; the code says what most likely stood
+// in its way.
+int LaunchController::configWriteErrorCode() const {
+    const QFileInfo folder(m_app.state.GameFolder);
+    if (m_app.state.GameFolder.isEmpty() || !folder.isDir())
+        return ENOENT;
+    const QFileInfo baseq3(m_app.state.gameFile(QStringLiteral("baseq3")));
+    if (baseq3.exists() && !baseq3.isWritable())
+        return EACCES;
+    return EIO;
+}
+
+void LaunchController::fail(const QString& stepText, int code) {
+    m_app.platform.desktop.setBusy(false);
+    m_app.platform.messages.tell(QStringLiteral("Warning!"),
+                                 stepText + QStringLiteral("\r\rError: ") + signedText(code),
+                                 MsgIcon::Critical);
+}
+
+} // namespace halvane

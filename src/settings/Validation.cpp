@@ -1,0 +1,272 @@
+#include "settings/Validation.h"
+
+#include "settings/TextForms.h"
+#include "ui/AppContext.h"
+#include "ui_frmMain.h"
+
+#include <QFocusEvent>
+#include <QKeyEvent>
+#include <cmath>
+
+namespace halvane {
+
+namespace {
+constexpr int AdvancedTab = 4;
+constexpr int CaptureTheFlag = 3;
+constexpr int ListenServer = 0;
+constexpr int PrivateServer = 1;
+constexpr int DedicatedServer = 2;
+constexpr int AutomaticBots = 2;
+
+const QString Warning = QStringLiteral("Warning");
+
+double valueOf(const QLineEdit* box) {
+    return leadingNumber(box->text());
+}
+
+void fillWhenEmpty(QLineEdit* box, const QString& text) {
+    if (box->text().isEmpty())
+        box->setText(text);
+}
+
+// A box holding no number (or nothing) becomes "0"; "007" stays as typed.
+void zeroWhenNoNumber(QLineEdit* box) {
+    if (valueOf(box) == 0.0 && box->text() != QLatin1String("0"))
+        box->setText(QStringLiteral("0"));
+}
+
+bool isTypedDigit(const QKeyEvent* key) {
+    if (key->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier))
+        return false;
+    const QString text = key->text();
+    return text.size() == 1 && text[0] >= QLatin1Char('0') && text[0] <= QLatin1Char('9');
+}
+
+// Keys that move around or leave the box rather than type a character into
+// it. Control with a letter is a control character (copy, paste, undo...).
+bool typesNothing(const QKeyEvent* key) {
+    switch (key->key()) {
+    case Qt::Key_Tab:
+    case Qt::Key_Backtab:
+    case Qt::Key_Delete:
+        return true;
+    default:
+        break;
+    }
+    if (key->modifiers() & (Qt::ControlModifier | Qt::MetaModifier)) {
+        if (key->key() >= Qt::Key_A && key->key() <= Qt::Key_Z)
+            return false;
+    }
+    return key->text().isEmpty();
+}
+} // namespace
+
+Validation::Validation(Ui::frmMain& ui, AppContext& app, std::function<bool()> saveSettings,
+                       QObject* parent)
+    : QObject(parent), ui(ui), m_app(app), m_saveSettings(std::move(saveSettings)) {}
+
+const QStringList& Validation::numericBoxes() {
+    static const QStringList boxes{
+        QStringLiteral("txtHunkMegs"),        QStringLiteral("txtInactivity"),
+        QStringLiteral("txtMapCapturelimit"), QStringLiteral("txtMapFragLimit"),
+        QStringLiteral("txtMapGravity"),      QStringLiteral("txtMapKnockback"),
+        QStringLiteral("txtMapSpeed"),        QStringLiteral("txtMapTimeLimit"),
+        QStringLiteral("txtMaxPing"),         QStringLiteral("txtMaxPlayers"),
+        QStringLiteral("txtMinBots"),         QStringLiteral("txtMinPing"),
+        QStringLiteral("txtPlayerRespawn"),   QStringLiteral("txtQuad"),
+        QStringLiteral("txtRandomBots"),      QStringLiteral("txtRespawn"),
+        QStringLiteral("txtWarmUpTime")};
+    return boxes;
+}
+
+void Validation::installGuards() {
+    QWidget* window = ui.SSTab1->window();
+    for (const QString& name : numericBoxes()) {
+        if (auto* box = window->findChild<QLineEdit*>(name)) {
+            box->installEventFilter(this);
+            m_numeric.append(box);
+        }
+    }
+    ui.txtLogFile->installEventFilter(this);
+    ui.txtPrivateClients->installEventFilter(this);
+}
+
+bool Validation::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::KeyPress && m_numeric.contains(watched))
+        return refuseKey(watched, event);
+    if (event->type() == QEvent::FocusOut) {
+        // Another window taking over (a message box, a menu) is no leaving.
+        const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
+        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason) {
+            if (watched == ui.txtLogFile)
+                txtLogFileLostFocus();
+            else if (watched == ui.txtPrivateClients)
+                txtPrivateClientsLostFocus();
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+bool Validation::refuseKey(QObject*, QEvent* event) {
+    const auto* key = static_cast<QKeyEvent*>(event);
+    if (key->key() == Qt::Key_Backspace || isTypedDigit(key) || typesNothing(key))
+        return false;
+    m_app.platform.desktop.beep();
+    return true;
+}
+
+void Validation::txtLogFileLostFocus() {
+    static const QString forbidden = QStringLiteral("\\/:*?\"><|");
+    const QString text = ui.txtLogFile->text();
+    for (const QChar c : forbidden) {
+        if (text.contains(c)) {
+            m_app.platform.messages.tell(
+                QStringLiteral("Invalid filename"),
+                QStringLiteral("A filename cannot contain any of the following characters:\r\r"
+                               "\\ / : * ? \" > < |"),
+                MsgIcon::Critical);
+            ui.txtLogFile->selectAll();
+            ui.txtLogFile->setFocus();
+            return;
+        }
+    }
+}
+
+void Validation::txtPrivateClientsLostFocus() {
+    const double privateClients = valueOf(ui.txtPrivateClients);
+    const double maxPlayers = std::round(valueOf(ui.txtMaxPlayers));
+    if (privateClients > maxPlayers) {
+        m_app.platform.messages.tell(
+            Warning,
+            QStringLiteral("The number of private clients (") + ui.txtPrivateClients->text() +
+                QStringLiteral(") exceeds the maxiumum number of players specified (") +
+                ui.txtMaxPlayers->text() +
+                QStringLiteral("). \r\rThis number should be the same, or less than the "
+                               "maxiumum number of clients."),
+            MsgIcon::Information);
+    } else if (privateClients == 0.0) {
+        m_app.platform.messages.tell(
+            Warning,
+            QStringLiteral("Setting the number of private clients will remove the password "
+                           "required to connect to your server for all clients.\r\rIf you wish "
+                           "to disable the password, uncheck 'Require Password' instead."),
+            MsgIcon::Information);
+    }
+}
+
+void Validation::focusAdvancedBox(QLineEdit* box) {
+    ui.SSTab1->setCurrentIndex(AdvancedTab);
+    box->setSelection(0, box->text().size());
+    box->setFocus();
+}
+
+bool Validation::ValidateAll() {
+    QString failure;
+    bool passed = false;
+    try {
+        passed = checkAll(failure);
+    } catch (...) {
+        passed = false;
+    }
+    if (passed)
+        return true;
+    if (!failure.isEmpty())
+        m_app.platform.messages.tell(QStringLiteral("Warning!"), failure, MsgIcon::Critical);
+    return false;
+}
+
+// The checks in their fixed order. A check that has told or asked the
+// operator already fails with an empty message.
+bool Validation::checkAll(QString& failure) {
+    MessageBoxes& messages = m_app.platform.messages;
+
+    if (ui.chkLogFile->isChecked() && !ui.chkDateLog->isChecked() &&
+        ui.txtLogFile->text().trimmed().isEmpty()) {
+        messages.tell(
+            QStringLiteral("Error"),
+            QStringLiteral(
+                "You have chosen to specify a log filename, but no filename is specified"),
+            MsgIcon::None);
+        focusAdvancedBox(ui.txtLogFile);
+        return false;
+    }
+    if (ui.txtServerName->text().isEmpty()) {
+        failure = QStringLiteral("Server name is required");
+        return false;
+    }
+    if (ui.txtMaxPlayers->text().isEmpty()) {
+        failure = QStringLiteral("Maxiumum Player value is required");
+        return false;
+    }
+
+    fillWhenEmpty(ui.txtMapFragLimit, QStringLiteral("0"));
+    fillWhenEmpty(ui.txtMapTimeLimit, QStringLiteral("0"));
+    fillWhenEmpty(ui.txtQuad, QStringLiteral("3"));
+    fillWhenEmpty(ui.txtRespawn, QStringLiteral("5"));
+
+    if (valueOf(ui.txtHunkMegs) < 12)
+        ui.txtHunkMegs->setText(QStringLiteral("12"));
+
+    if (ui.cmbGameType->currentIndex() == CaptureTheFlag && valueOf(ui.txtHunkMegs) < 32) {
+        if (messages.askYesNo(Warning,
+                              QStringLiteral("The amount of allocated memory should be increased "
+                                             "to at least 26 for CTF games.\r\rWould you like to "
+                                             "set it to 32 beofre starting?"),
+                              MsgIcon::Question))
+            ui.txtHunkMegs->setText(QStringLiteral("32"));
+    }
+
+    const int serverType = ui.cmbServerType->currentIndex();
+    if (valueOf(ui.txtHunkMegs) > 64 &&
+        (serverType == PrivateServer || serverType == DedicatedServer)) {
+        if (messages.askYesNo(Warning,
+                              QStringLiteral("The amount of allocated memory (") +
+                                  ui.txtHunkMegs->text() +
+                                  QStringLiteral("MB) far exceeds the typical requirements, would "
+                                                 "you like to change this first?"),
+                              MsgIcon::None)) {
+            focusAdvancedBox(ui.txtHunkMegs);
+            return false;
+        }
+    }
+    if (valueOf(ui.txtHunkMegs) < 56 && serverType == ListenServer) {
+        if (messages.askYesNo(Warning,
+                              QStringLiteral("The amount of allocated memory (") +
+                                  ui.txtHunkMegs->text() +
+                                  QStringLiteral("MB) is lower than recommended for a listen "
+                                                 "server, would you like to change this first?"),
+                              MsgIcon::None)) {
+            focusAdvancedBox(ui.txtHunkMegs);
+            return false;
+        }
+    }
+
+    if (ui.cmbBotType->currentIndex() == AutomaticBots &&
+        (valueOf(ui.txtMinBots) < 1 || valueOf(ui.txtMinBots) > 32)) {
+        failure = QStringLiteral("You have selected autobots, but the number of bots is "
+                                 "invalid.\r\rAcceptable values are 1 through 32.  (2-4 is "
+                                 "recommended)");
+        return false;
+    }
+
+    zeroWhenNoNumber(ui.txtPlayerRespawn);
+    zeroWhenNoNumber(ui.txtInactivity);
+
+    const QString address = ui.txtNetIP->text();
+    if (!address.isEmpty() && address.size() < 8) {
+        failure = QStringLiteral("The specified network IP address does not appear to be valid");
+        return false;
+    }
+
+    if (ui.chkSpecifyCD->isChecked() && ui.txtCDROM->text().size() != 2) {
+        failure = QStringLiteral("The drive letter you have specified for your CD ROM is "
+                                 "invalid.\r\rEither uncheck the box next to it, or enter a valid "
+                                 "drive letter (example: D:)");
+        return false;
+    }
+
+    // A store that refuses the settings stops the launch without a message.
+    return m_saveSettings && m_saveSettings();
+}
+
+} // namespace halvane

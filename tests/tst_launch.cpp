@@ -1,0 +1,560 @@
+// "Launch the Server": the command line, its splitting into arguments, the
+// steps in order, the duplicate question, failures, and a real start of a
+// stand-in game executable that records how it was started.
+#include "TestSupport.h"
+
+#include "launch/CommandLine.h"
+#include "launch/LaunchController.h"
+#include "ui/AppInfo.h"
+#include "ui/MainWindow.h"
+#include "ui_frmMain.h"
+
+#include <QDir>
+#include <QFile>
+#include <QtTest>
+
+using namespace halvane;
+using namespace halvane::test;
+
+Q_DECLARE_METATYPE(LaunchOptions)
+
+namespace {
+
+const QDateTime Feb15{QDate(2000, 2, 15), QTime(5, 23, 40)};
+
+LaunchOptions workedExample() {
+    LaunchOptions o;
+    o.serverType = 2;
+    o.hunkMegs = "32";
+    o.botType = 1;
+    o.netPort = "27960";
+    return o;
+}
+
+// A game executable that writes its working folder and arguments, then ends.
+void makeStandInGame(TestPlatform& platform) {
+    const QString record = platform.root() + "/started.txt";
+    const QString script = platform.gameFolder() + "/quake3.exe";
+    platform.writeFile(script, ("#!/bin/sh\n"
+                                "{ pwd; for a in \"$@\"; do printf '[%s]\\n' \"$a\"; done; } > '" +
+                                record + ".tmp'\n"
+                                "mv '" +
+                                record + ".tmp' '" + record + "'\n")
+                                   .toUtf8());
+    QFile::setPermissions(script, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                      QFileDevice::ExeOwner);
+}
+
+struct Recorded {
+    QString folder;
+    QStringList arguments;
+};
+
+Recorded readRecord(const QString& path) {
+    Recorded recorded;
+    QStringList lines = QString::fromUtf8(readAll(path)).split('\n');
+    if (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast();
+    if (lines.isEmpty())
+        return recorded;
+    recorded.folder = lines.takeFirst();
+    for (const QString& line : lines)
+        recorded.arguments << line.mid(1, line.size() - 2);
+    return recorded;
+}
+
+} // namespace
+
+class LaunchTest : public QObject {
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+
+    void commandLine_data();
+    void commandLine();
+    void versionPieceFollowsTheBuild();
+    void split_data();
+    void split();
+
+    void stepsRunInOrder();
+    void fixedBotScript_data();
+    void fixedBotScript();
+    void refusedValidationEndsTheLaunch();
+    void duplicateServer_data();
+    void duplicateServer();
+    void noQuestionOnceTheServerHasEnded();
+    void afterTheStart_data();
+    void afterTheStart();
+
+    void realStartRecordsArgumentsAndFolder();
+    void failures_data();
+    void failures();
+
+private:
+    void makeWindow(Processes& processes);
+    void setLaunchReady();
+
+    std::unique_ptr<TestPlatform> platform;
+    std::unique_ptr<AppContext> app; // the test platform, but with a chosen process starter
+    std::unique_ptr<MainWindow> window;
+    Ui::frmMain* ui = nullptr;
+    QtProcesses realProcesses;
+    QStringList events;
+    QStringList writtenCommandLines;
+    std::function<void()> beforeWrite;
+    bool writerSucceeds = true;
+};
+
+void LaunchTest::init() {
+    platform = std::make_unique<TestPlatform>();
+    platform->makeGameFolder();
+    events.clear();
+    writtenCommandLines.clear();
+    beforeWrite = nullptr;
+    writerSucceeds = true;
+}
+
+void LaunchTest::cleanup() {
+    window.reset();
+    app.reset();
+    platform.reset();
+}
+
+void LaunchTest::makeWindow(Processes& processes) {
+    app.reset(new AppContext{{platform->messages, platform->dialogs, processes, platform->shell,
+                              platform->desktop, *platform->store, *platform->folder},
+                             platform->app->state});
+    window = std::make_unique<MainWindow>(*app);
+    window->showMainWindow();
+    ui = &window->form();
+    setLaunchReady();
+
+    LaunchHooks& hooks = window->launch().hooks();
+    const auto saveParameters = hooks.saveParameterList;
+    const auto loadParameters = hooks.loadParameterList;
+    const auto validate = hooks.ValidateAll;
+    hooks.saveParameterList = [this, saveParameters] {
+        events << "save parameters";
+        saveParameters();
+    };
+    hooks.loadParameterList = [this, loadParameters] {
+        events << "load parameters";
+        loadParameters();
+    };
+    hooks.CommitShownMap = [this] { events << "commit map"; };
+    hooks.MakeBotScript = [this] { events << "bot script"; };
+    hooks.ValidateAll = [this, validate] {
+        events << "validate";
+        return validate();
+    };
+    hooks.WriteConfig = [this](const QString& path, bool withCommandLine, const QString& line) {
+        events << "write " + path + (withCommandLine ? " with" : " without");
+        writtenCommandLines << line;
+        if (beforeWrite)
+            beforeWrite();
+        if (!writerSucceeds)
+            return false;
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly))
+            return false;
+        file.write("// " + app->state.GameExeName.toLatin1() + line.toLatin1() + "\r\n");
+        return true;
+    };
+    hooks.now = [] { return Feb15; };
+    platform->messages.onShow = [this](const ShownMessage& m) { events << "ask " + m.title; };
+    platform->messages.clear();
+    platform->store->writes.clear();
+}
+
+void LaunchTest::setLaunchReady() {
+    ui->cmbGameType->setCurrentIndex(0);
+    ui->cmbServerType->setCurrentIndex(2);
+    ui->cmbBotType->setCurrentIndex(1);
+    ui->chkAutoSelectBots->setChecked(false);
+    ui->chkNOP->setChecked(false);
+    ui->chkRequirePassword->setChecked(false);
+    ui->chkSpecifyCD->setChecked(false);
+    ui->chkLogFile->setChecked(false);
+    ui->chkStartState->setChecked(false);
+    ui->txtServerName->setText("Arena");
+    ui->txtMaxPlayers->setText("8");
+    ui->txtHunkMegs->setText("32");
+    ui->txtNetIP->clear();
+    ui->txtNetPort->setText("27960");
+    ui->txtCmdParameters->setEditText("");
+    ui->txtAdminName->clear();
+    ui->txtAdminEmail->clear();
+    ui->txtAdminURL->clear();
+}
+
+void LaunchTest::commandLine_data() {
+    QTest::addColumn<LaunchOptions>("options");
+    QTest::addColumn<QDateTime>("now");
+    QTest::addColumn<QString>("expected");
+
+    QTest::newRow("worked example")
+        << workedExample() << Feb15
+        << " +set dedicated 2 +sets configured_by Halvane_2.07 +set com_hunkmegs 32 +set "
+           "g_needpass 0 +set net_port 27960 +exec halvane.cfg";
+
+    LaunchOptions nop = workedExample();
+    nop.nop = true;
+    QTest::newRow("N-0-P start stamp")
+        << nop << Feb15
+        << " +set dedicated 2 +sets gamestartup \"02/15/2000 05:23\" +sets configured_by "
+           "Halvane_2.07 +set com_hunkmegs 32 +set g_needpass 0 +set net_port 27960 +exec "
+           "halvane.cfg";
+    QTest::newRow("N-0-P afternoon in 24 hours")
+        << nop << QDateTime(QDate(2026, 11, 3), QTime(17, 4))
+        << " +set dedicated 2 +sets gamestartup \"11/03/2026 17:04\" +sets configured_by "
+           "Halvane_2.07 +set com_hunkmegs 32 +set g_needpass 0 +set net_port 27960 +exec "
+           "halvane.cfg";
+
+    LaunchOptions listen;
+    listen.serverType = 0;
+    listen.hunkMegs = "64";
+    listen.botType = 0;
+    listen.netIp = "192.168.1.10";
+    listen.netPort = "27961";
+    QTest::newRow("listen server, bots disabled, address kept")
+        << listen << Feb15
+        << " +set dedicated 0 +sets configured_by Halvane_2.07 +set com_hunkmegs 64 +set "
+           "bot_enable 0 +set g_needpass 0 +set net_ip 192.168.1.10 +set net_port 27961 +exec "
+           "halvane.cfg";
+
+    LaunchOptions everything;
+    everything.serverType = 1;
+    everything.nop = true;
+    everything.hunkMegs = "48x";
+    everything.botType = 2;
+    everything.requirePassword = true;
+    everything.serverPassword = "open sesame";
+    everything.netIp = "10.0.0.1";
+    everything.parameters = "   +set fs_game osp +set sv_fps 30  ";
+    everything.specifyCd = true;
+    everything.cdDrive = "D:";
+    everything.adminName = "Ann Admin";
+    everything.adminEmail = "ann@example.org";
+    everything.adminUrl = "http://example.org";
+    QTest::newRow("every piece")
+        << everything << Feb15
+        << " +set dedicated 1 +sets gamestartup \"02/15/2000 05:23\" +sets configured_by "
+           "Halvane_2.07 +set com_hunkmegs 48x +set g_password open sesame +set g_needpass 1 +set "
+           "net_ip 10.0.0.1 +set fs_game osp +set sv_fps 30 +set fs_cdpath D:\\Quake3\\ +sets "
+           "admin_name Ann Admin +sets admin_email ann@example.org +sets admin_website "
+           "http://example.org +exec halvane.cfg";
+
+    LaunchOptions blanks = workedExample();
+    blanks.netPort.clear();
+    blanks.parameters = "    ";
+    blanks.specifyCd = false;
+    blanks.cdDrive = "E:";
+    blanks.adminEmail = "only@mail";
+    QTest::newRow("blank parameters, stored CD unused, mail without name")
+        << blanks << Feb15
+        << " +set dedicated 2 +sets configured_by Halvane_2.07 +set com_hunkmegs 32 +set "
+           "g_needpass 0 +sets admin_email only@mail +exec halvane.cfg";
+
+    LaunchOptions empty;
+    empty.serverType = -1;
+    empty.botType = -1;
+    empty.requirePassword = true;
+    QTest::newRow("nothing chosen, empty password")
+        << empty << Feb15
+        << " +sets configured_by Halvane_2.07 +set com_hunkmegs  +set g_password  +set g_needpass "
+           "1 +exec halvane.cfg";
+}
+
+void LaunchTest::commandLine() {
+    QFETCH(LaunchOptions, options);
+    QFETCH(QDateTime, now);
+    QFETCH(QString, expected);
+    QCOMPARE(buildCommandLine(options, now), expected);
+}
+
+void LaunchTest::versionPieceFollowsTheBuild() {
+    QVERIFY(buildCommandLine(workedExample(), Feb15)
+                .contains(" +sets configured_by Halvane_" + AppInfo::versionNumber() + " "));
+}
+
+void LaunchTest::split_data() {
+    QTest::addColumn<QString>("line");
+    QTest::addColumn<QStringList>("arguments");
+    QTest::newRow("empty") << "" << QStringList{};
+    QTest::newRow("blanks only") << "   \t " << QStringList{};
+    QTest::newRow("leading blank") << " +set dedicated 2" << QStringList{"+set", "dedicated", "2"};
+    QTest::newRow("runs of blanks and tabs")
+        << "a  b\t\tc " << QStringList{"a", "b", "c"};
+    QTest::newRow("quoted words")
+        << " +sets gamestartup \"02/15/2000 05:23\" +exec x"
+        << QStringList{"+sets", "gamestartup", "02/15/2000 05:23", "+exec", "x"};
+    QTest::newRow("quotes inside a word") << "a\"b c\"d e" << QStringList{"ab cd", "e"};
+    QTest::newRow("empty quotes") << "a \"\" b" << QStringList{"a", "", "b"};
+    QTest::newRow("unclosed quote runs to the end") << "a \"b  c" << QStringList{"a", "b  c"};
+    QTest::newRow("backslashes stay")
+        << "+set fs_cdpath D:\\Quake3\\ +x" << QStringList{"+set", "fs_cdpath", "D:\\Quake3\\", "+x"};
+}
+
+void LaunchTest::split() {
+    QFETCH(QString, line);
+    QFETCH(QStringList, arguments);
+    QCOMPARE(splitCommandLine(line), arguments);
+}
+
+void LaunchTest::stepsRunInOrder() {
+    makeWindow(platform->processes);
+    ui->txtCmdParameters->setEditText("+set sv_fps 30");
+    ui->cmdStart->click();
+
+    const QString config = platform->gameFolder() + "/baseq3/halvane.cfg";
+    QCOMPARE(events, (QStringList{"save parameters", "load parameters", "commit map", "bot script",
+                                  "validate", "write " + config + " with"}));
+    const QString line = buildCommandLine(launchOptionsFrom(*ui), Feb15);
+    QCOMPARE(line, QStringLiteral(" +set dedicated 2 +sets configured_by Halvane_2.07 +set "
+                                  "com_hunkmegs 32 +set g_needpass 0 +set net_port 27960 +set "
+                                  "sv_fps 30 +exec halvane.cfg"));
+    QCOMPARE(writtenCommandLines, QStringList{line});
+    QCOMPARE(readAll(config), ("// quake3.exe" + line + "\r\n").toLatin1());
+
+    QCOMPARE(platform->processes.started.size(), 1);
+    const StartedProcess& started = platform->processes.started[0];
+    QCOMPARE(started.program, platform->gameFolder() + "/quake3.exe");
+    QCOMPARE(started.arguments, splitCommandLine(line));
+    QCOMPARE(started.workingFolder, platform->gameFolder());
+    QCOMPARE(window->launch().ServerTaskID, qint64(1000));
+    QCOMPARE(platform->messages.shown.size(), 0);
+    QCOMPARE(platform->desktop.busyDepth, 0);
+    // The settings were stored by the validation, the line remembered.
+    QVERIFY(platform->store->writes.contains("General/Name=Arena"));
+    QCOMPARE(platform->store->read("Advanced", "Parameter0", ""), QStringLiteral("+set sv_fps 30"));
+    QCOMPARE(ui->txtCmdParameters->count(), 1);
+    QVERIFY(window->isVisible());
+    QVERIFY(!window->isMinimized());
+}
+
+void LaunchTest::fixedBotScript_data() {
+    QTest::addColumn<int>("botType");
+    QTest::addColumn<bool>("random");
+    QTest::addColumn<bool>("written");
+    QTest::newRow("user-defined") << 1 << false << true;
+    QTest::newRow("user-defined, randomized") << 1 << true << false;
+    QTest::newRow("disabled") << 0 << false << false;
+    QTest::newRow("automatic") << 2 << false << false;
+}
+
+void LaunchTest::fixedBotScript() {
+    QFETCH(int, botType);
+    QFETCH(bool, random);
+    QFETCH(bool, written);
+    makeWindow(platform->processes);
+    ui->cmbBotType->setCurrentIndex(botType);
+    ui->chkAutoSelectBots->setChecked(random);
+    ui->txtServerName->clear(); // validation refuses: the script is written all the same
+    ui->cmdStart->click();
+    QCOMPARE(events.contains("bot script"), written);
+    QCOMPARE(events.last(), QStringLiteral("ask Warning!"));
+    QCOMPARE(platform->processes.started.size(), 0);
+}
+
+void LaunchTest::refusedValidationEndsTheLaunch() {
+    makeWindow(platform->processes);
+    ui->txtNetIP->setText("1.2.3.4");
+    ui->cmdStart->click();
+    QCOMPARE(events, (QStringList{"save parameters", "load parameters", "commit map", "bot script",
+                                  "validate", "ask Warning!"}));
+    QCOMPARE(writtenCommandLines.size(), 0);
+    QVERIFY(!QFile::exists(platform->gameFolder() + "/baseq3/halvane.cfg"));
+    QCOMPARE(platform->processes.started.size(), 0);
+    QCOMPARE(platform->desktop.busyDepth, 0);
+    QCOMPARE(window->launch().ServerTaskID, qint64(0));
+}
+
+void LaunchTest::duplicateServer_data() {
+    QTest::addColumn<MsgAnswer>("answer");
+    QTest::newRow("no") << MsgAnswer::No;
+    QTest::newRow("yes") << MsgAnswer::Yes;
+}
+
+void LaunchTest::duplicateServer() {
+    QFETCH(MsgAnswer, answer);
+    makeWindow(platform->processes);
+    // No server yet: nothing to ask about, nothing activated.
+    ui->cmdStart->click();
+    QCOMPARE(platform->processes.activated, QList<qint64>{});
+    QCOMPARE(platform->messages.shown.size(), 0);
+    QCOMPARE(window->launch().ServerTaskID, qint64(1000));
+
+    events.clear();
+    QFile::remove(platform->gameFolder() + "/baseq3/halvane.cfg");
+    platform->messages.answers = {answer};
+    ui->cmdStart->click();
+
+    QCOMPARE(platform->processes.activated, QList<qint64>{1000});
+    QCOMPARE(platform->messages.shown.size(), 1);
+    const ShownMessage& asked = platform->messages.shown[0];
+    QCOMPARE(asked.title, QStringLiteral("Duplicate Server Confirmation"));
+    QCOMPARE(asked.text,
+             QStringLiteral("A server has already been launched, do you want to start another "
+                            "server?\r\rThis will require that you enter another Port Number on "
+                            "the advanced tab.\rIf no port is specified, the next available port "
+                            "will be used by default."));
+    QCOMPARE(asked.buttons, MsgButtons::YesNo);
+    QCOMPARE(asked.icon, MsgIcon::Information);
+    QCOMPARE(platform->desktop.busyDepth, 0);
+    QVERIFY(platform->desktop.busyCalls >= 4); // the pointer was busy while asking the system
+
+    if (answer == MsgAnswer::No) {
+        QCOMPARE(events, (QStringList{"save parameters", "load parameters", "commit map",
+                                      "ask Duplicate Server Confirmation"}));
+        QVERIFY(!QFile::exists(platform->gameFolder() + "/baseq3/halvane.cfg"));
+        QCOMPARE(platform->processes.started.size(), 1);
+        QCOMPARE(window->launch().ServerTaskID, qint64(1000));
+    } else {
+        QCOMPARE(events.mid(4, 2), (QStringList{"bot script", "validate"}));
+        QVERIFY(QFile::exists(platform->gameFolder() + "/baseq3/halvane.cfg"));
+        QCOMPARE(platform->processes.started.size(), 2);
+        QCOMPARE(window->launch().ServerTaskID, qint64(1001));
+    }
+}
+
+void LaunchTest::noQuestionOnceTheServerHasEnded() {
+    makeWindow(platform->processes);
+    ui->cmdStart->click();
+    platform->processes.alive.clear();
+    ui->cmdStart->click();
+    QCOMPARE(platform->processes.activated, QList<qint64>{1000});
+    QCOMPARE(platform->messages.shown.size(), 0);
+    QCOMPARE(platform->processes.started.size(), 2);
+}
+
+void LaunchTest::afterTheStart_data() {
+    QTest::addColumn<bool>("startState");
+    QTest::addColumn<QString>("choice");
+    QTest::addColumn<QString>("expected");
+    QTest::newRow("stay") << false << "optClose" << "visible";
+    QTest::newRow("minimise") << true << "optMinimize" << "minimized";
+    QTest::newRow("close") << true << "optClose" << "closed";
+    QTest::newRow("neither option chosen minimises") << true << "" << "minimized";
+}
+
+void LaunchTest::afterTheStart() {
+    QFETCH(bool, startState);
+    QFETCH(QString, choice);
+    QFETCH(QString, expected);
+    makeWindow(platform->processes);
+    ui->chkStartState->setChecked(startState);
+    ui->optClose->setChecked(false);
+    ui->optMinimize->setChecked(false);
+    if (!choice.isEmpty())
+        window->findChild<QRadioButton*>(choice)->setChecked(true);
+    ui->txtCmdParameters->setEditText("+set typed 1");
+    ui->cmdStart->click();
+
+    QCOMPARE(platform->processes.started.size(), 1);
+    QCOMPARE(platform->desktop.busyDepth, 0);
+    QCOMPARE(platform->messages.shown.size(), 0);
+    if (expected == "visible") {
+        QVERIFY(window->isVisible() && !window->isMinimized());
+    } else if (expected == "minimized") {
+        QVERIFY(window->isMinimized());
+        QVERIFY(!window->hasEnded());
+    } else {
+        // The shut-down ran: everything stored, the program ended.
+        QVERIFY(!window->isVisible());
+        QVERIFY(window->hasEnded());
+        QVERIFY(platform->store->writes.contains("Options/StartClose=True"));
+    }
+}
+
+void LaunchTest::realStartRecordsArgumentsAndFolder() {
+    makeStandInGame(*platform);
+    makeWindow(realProcesses);
+    ui->chkNOP->setChecked(true);
+    ui->txtCmdParameters->setEditText("  +set sv_hostname \"My  Server\" +set fs_game osp ");
+    ui->txtAdminName->setText("Ann Admin");
+    ui->cmdStart->click();
+
+    QCOMPARE(platform->messages.shown.size(), 0);
+    const QString record = platform->root() + "/started.txt";
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(record), 10000);
+    const Recorded recorded = readRecord(record);
+    QCOMPARE(recorded.folder, QFileInfo(platform->gameFolder()).canonicalFilePath());
+    const QStringList expected{"+set",          "dedicated",        "2",
+                               "+sets",         "gamestartup",      "02/15/2000 05:23",
+                               "+sets",         "configured_by",    "Halvane_2.07",
+                               "+set",          "com_hunkmegs",     "32",
+                               "+set",          "g_needpass",       "0",
+                               "+set",          "net_port",         "27960",
+                               "+set",          "sv_hostname",      "My  Server",
+                               "+set",          "fs_game",          "osp",
+                               "+sets",         "admin_name",       "Ann",
+                               "Admin",         "+exec",            "halvane.cfg"};
+    QCOMPARE(recorded.arguments, expected);
+    QCOMPARE(recorded.arguments, splitCommandLine(writtenCommandLines.value(0)));
+    QVERIFY(window->launch().ServerTaskID > 0);
+    QCOMPARE(platform->desktop.busyDepth, 0);
+    // The program's own directory did not move.
+    QVERIFY(QDir::currentPath() != QFileInfo(platform->gameFolder()).canonicalFilePath());
+}
+
+void LaunchTest::failures_data() {
+    QTest::addColumn<QString>("fault");
+    QTest::addColumn<QString>("stepText"); // "<exe>" stands for the whole command
+    QTest::addColumn<int>("code");
+    QTest::newRow("folder vanishes after the write") << "vanish after write"
+                                                     << "Error changing directories" << 2;
+    QTest::newRow("folder vanishes before the write") << "vanish before write" << "" << 2;
+    QTest::newRow("writer fails") << "writer fails" << "" << 5;
+    QTest::newRow("executable not executable") << "not executable" << "<exe>" << 13;
+    QTest::newRow("executable missing") << "missing" << "<exe>" << 2;
+}
+
+void LaunchTest::failures() {
+    QFETCH(QString, fault);
+    QFETCH(QString, stepText);
+    QFETCH(int, code);
+    makeStandInGame(*platform);
+    makeWindow(realProcesses);
+    const QString exe = platform->gameFolder() + "/quake3.exe";
+    if (fault == "vanish after write") {
+        beforeWrite = [this] { QDir(platform->gameFolder()).removeRecursively(); };
+        writerSucceeds = true;
+    } else if (fault == "vanish before write") {
+        beforeWrite = [this] { QDir(platform->gameFolder()).removeRecursively(); };
+    } else if (fault == "writer fails") {
+        writerSucceeds = false;
+    } else if (fault == "not executable") {
+        QFile::setPermissions(exe, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    } else if (fault == "missing") {
+        QFile::remove(exe);
+    }
+    // A writer that succeeds without its folder: only the start can notice.
+    if (fault == "vanish after write") {
+        window->launch().hooks().WriteConfig = [this](const QString&, bool, const QString& line) {
+            writtenCommandLines << line;
+            QDir(platform->gameFolder()).removeRecursively();
+            return true;
+        };
+    }
+
+    ui->cmdStart->click();
+
+    if (stepText == "<exe>")
+        stepText = "quake3.exe" + writtenCommandLines.value(0);
+    QCOMPARE(platform->messages.shown.size(), 1);
+    const ShownMessage& told = platform->messages.shown[0];
+    QCOMPARE(told.title, QStringLiteral("Warning!"));
+    QCOMPARE(told.text, stepText + "\r\rError: " + QStringLiteral(" %1").arg(code));
+    QCOMPARE(told.buttons, MsgButtons::Ok);
+    QCOMPARE(told.icon, MsgIcon::Critical);
+    QCOMPARE(platform->desktop.busyDepth, 0);
+    QCOMPARE(window->launch().ServerTaskID, qint64(0));
+    // Nothing was started: the stand-in would have left its record.
+    QTest::qWait(300);
+    QVERIFY(!QFile::exists(platform->root() + "/started.txt"));
+    QVERIFY(window->isVisible());
+}
+
+QTEST_MAIN(LaunchTest)
+#include "tst_launch.moc"
