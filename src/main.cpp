@@ -23,7 +23,8 @@ int prepareFirstRunOnly(int argc, char* argv[]) {
     QCoreApplication application(argc, argv);
     nameApplication();
     QtSettingsStore store;
-    const FirstRunResult result = prepareFirstRun(store, defaultFreeGameFolder());
+    const FirstRunResult result =
+        prepareFirstRun(store, defaultFreeGameFolder(), {}, QCoreApplication::applicationDirPath());
     std::fprintf(stderr, "halvane: %s\n", qPrintable(result.message));
     return result.outcome == FirstRunResult::Failed ? 1 : 0;
 }

@@ -25,6 +25,8 @@ private slots:
     void firstRunWithoutTheFreeGameStoresNothing_data();
     void firstRunWithoutTheFreeGameStoresNothing();
     void scriptQuotesAFolderWithBlanks();
+    void firstRunOffersTheFreeGamesMaps();
+    void firstRunKeepsTheOperatorsMapFiles();
 
 private:
     struct Sources {
@@ -176,6 +178,48 @@ void DesktopTest::scriptQuotesAFolderWithBlanks() {
     const QByteArray script = freeGameScript("/home/o'neil/my game", "/usr/lib/ioquake3/ioq3ded");
     QVERIFY(script.contains("+set fs_basepath '/home/o'\\''neil/my game' "));
     QVERIFY(script.endsWith("+set vm_game 0 \"$@\"\n"));
+}
+
+void DesktopTest::firstRunOffersTheFreeGamesMaps() {
+    Sources sources;
+    QVERIFY(makeArchive(sources.paths.dataFolder + "/pak0.pk3",
+                        {"maps/oa_dm10.bsp", "levelshots/oa_dm10.jpg", "maps/oa_dm2.bsp"}));
+    QVERIFY(makeArchive(
+        sources.paths.dataFolder + "/pak1-maps.pk3",
+        {"maps/oa_ctf4ish.bsp", "maps/oa_dm1.bsp", "maps/oa_dm2.bsp", "maps/oa_dm3.BSP"}));
+    TestPlatform platform;
+    QCOMPARE(prepareFirstRun(*platform.store, platform.root() + "/openarena", sources.paths,
+                             platform.programFolder())
+                 .outcome,
+             FirstRunResult::Prepared);
+    QCOMPARE(readAll(platform.programFolder() + "/maplist.txt"),
+             QByteArray("oa_dm10\r\noa_dm2\r\noa_ctf4ish\r\noa_dm1\r\n"));
+    QCOMPARE(readAll(platform.programFolder() + "/mapsel.txt"),
+             QByteArray("oa_dm1\r\noa_dm2\r\noa_dm10\r\n"));
+
+    // The first start imports the list and opens with the rotation chosen.
+    platform.reopenStore();
+    MainWindow window(*platform.app);
+    window.start();
+    QVERIFY(window.isLoaded());
+    QVERIFY(!QFileInfo::exists(platform.programFolder() + "/maplist.txt"));
+    const auto& ui = window.form();
+    QCOMPARE(ui.SelMap->count(), 3);
+    QCOMPARE(ui.SelMap->item(2)->text(), QStringLiteral("oa_dm10"));
+    QVERIFY(!ui.MapList->findItems("oa_ctf4ish", Qt::MatchExactly).isEmpty());
+}
+
+void DesktopTest::firstRunKeepsTheOperatorsMapFiles() {
+    Sources sources;
+    QVERIFY(makeArchive(sources.paths.dataFolder + "/pak1-maps.pk3", {"maps/oa_dm1.bsp"}));
+    TestPlatform platform;
+    Sources::write(platform.programFolder() + "/mapsel.txt", "q3dm17\r\n");
+    QCOMPARE(prepareFirstRun(*platform.store, platform.root() + "/openarena", sources.paths,
+                             platform.programFolder())
+                 .outcome,
+             FirstRunResult::Prepared);
+    QCOMPARE(readAll(platform.programFolder() + "/mapsel.txt"), QByteArray("q3dm17\r\n"));
+    QCOMPARE(readAll(platform.programFolder() + "/maplist.txt"), QByteArray("oa_dm1\r\n"));
 }
 
 QTEST_MAIN(DesktopTest)

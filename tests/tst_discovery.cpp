@@ -7,32 +7,11 @@
 #include "maps/MapDiscovery.h"
 
 #include <QtTest>
-#include <zip.h>
 
 using namespace halvane;
 using namespace halvane::test;
 
 namespace {
-// Builds a real zip archive holding these members, in this order.
-bool makeArchive(const QString& path, const QStringList& members) {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    int error = 0;
-    zip_t* archive =
-        zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &error);
-    if (!archive)
-        return false;
-    for (const QString& member : members) {
-        static const char content[] = "IBSP";
-        zip_source_t* source = zip_source_buffer(archive, content, 4, 0);
-        if (!source || zip_file_add(archive, member.toLatin1().constData(), source, 0) < 0) {
-            zip_source_free(source);
-            zip_discard(archive);
-            return false;
-        }
-    }
-    return zip_close(archive) == 0;
-}
-
 struct Fixture {
     TestPlatform platform;
     MapCatalogue catalogue{platform.programFolder()};

@@ -1,12 +1,16 @@
 #include "ui/FirstRun.h"
 
+#include "maps/ArchiveListing.h"
+#include "maps/MapSelectionFile.h"
 #include "platform/SettingsStore.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QRegularExpression>
 #include <QSaveFile>
 #include <QStandardPaths>
+#include <algorithm>
 
 namespace halvane {
 
@@ -30,7 +34,40 @@ bool linkInto(const QString& source, const QString& folder) {
 FirstRunResult failed(const QString& message) {
     return {FirstRunResult::Failed, message};
 }
+
 } // namespace
+
+QStringList offerFreeGameMaps(const QStringList& archives, const QString& programFolder) {
+    QStringList maps;
+    for (const QString& archive : archives) {
+        // An unreadable archive only means fewer maps on offer.
+        listArchive(archive, [&maps](const QByteArray& member) {
+            const auto file = bspMemberName(member);
+            if (!file)
+                return;
+            const QString map = file->chopped(4); // without ".bsp"
+            if (!map.isEmpty() && !maps.contains(map))
+                maps.append(map);
+        });
+    }
+    if (maps.isEmpty())
+        return maps;
+    // Both files share one format: a name per line.
+    const QString maplist = programFolder + QStringLiteral("/maplist.txt");
+    if (!QFileInfo::exists(maplist))
+        writeMapSelection(maplist, maps);
+
+    const QString mapsel = programFolder + QStringLiteral("/mapsel.txt");
+    if (!QFileInfo::exists(mapsel)) {
+        QStringList deathmatch = maps.filter(QRegularExpression(QStringLiteral("^oa_dm\\d+$")));
+        std::sort(deathmatch.begin(), deathmatch.end(), [](const QString& a, const QString& b) {
+            return a.mid(5).toInt() < b.mid(5).toInt();
+        });
+        const QStringList rotation = deathmatch.isEmpty() ? maps : deathmatch;
+        writeMapSelection(mapsel, rotation.mid(0, 3));
+    }
+    return maps;
+}
 
 QString defaultFreeGameFolder() {
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) +
@@ -51,7 +88,7 @@ QByteArray freeGameScript(const QString& folder, const QString& engine) {
 }
 
 FirstRunResult prepareFirstRun(SettingsStore& store, const QString& folder,
-                               const FreeGameSources& sources) {
+                               const FreeGameSources& sources, const QString& programFolder) {
     const QString stored =
         store.read(QStringLiteral("Settings"), QStringLiteral("Path"), QString());
     if (!stored.isEmpty())
@@ -90,6 +127,12 @@ FirstRunResult prepareFirstRun(SettingsStore& store, const QString& folder,
     if (!store.write(QStringLiteral("Settings"), QStringLiteral("Path"), folder) ||
         !store.write(QStringLiteral("Settings"), QStringLiteral("Exe"), ExeName) || !store.flush())
         return failed(QStringLiteral("Cannot store the game location"));
+    if (!programFolder.isEmpty()) {
+        QStringList paths;
+        for (const QString& archive : archives)
+            paths.append(baseoa + QLatin1Char('/') + archive);
+        offerFreeGameMaps(paths, programFolder);
+    }
     return {FirstRunResult::Prepared, QStringLiteral("Prepared the free game in ") + folder};
 }
 

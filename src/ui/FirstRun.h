@@ -31,8 +31,17 @@ QByteArray freeGameScript(const QString& folder, const QString& engine);
 // When no game location is stored yet, makes folder a game folder over the
 // free game (baseoa/ with links to its archives and game code, an empty
 // baseq3/, the executable quake3.exe) and stores it as the game location.
-// A stored location is never touched.
+// A stored location is never touched. With a program folder, the free game's
+// maps are offered there too (see offerFreeGameMaps).
 FirstRunResult prepareFirstRun(SettingsStore& store, const QString& folder,
-                               const FreeGameSources& sources = {});
+                               const FreeGameSources& sources = {},
+                               const QString& programFolder = {});
+
+// The free game keeps its maps in baseoa, where the map search does not look.
+// So that a first launch plays at once, names every map of the archives in
+// the import list maplist.txt and picks the first three deathmatch maps as
+// the rotation in mapsel.txt, each written only when that file is missing.
+// Returns the map names found.
+QStringList offerFreeGameMaps(const QStringList& archives, const QString& programFolder);
 
 } // namespace halvane

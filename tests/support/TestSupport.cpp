@@ -1,5 +1,7 @@
 #include "TestSupport.h"
 
+#include <zip.h>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -77,6 +79,25 @@ QString firstDifference(const QByteArray& actual, const QByteArray& expected) {
         }
     }
     return QStringLiteral("files differ");
+}
+
+bool makeArchive(const QString& path, const QStringList& members) {
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    int error = 0;
+    zip_t* archive =
+        zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &error);
+    if (!archive)
+        return false;
+    for (const QString& member : members) {
+        static const char content[] = "IBSP";
+        zip_source_t* source = zip_source_buffer(archive, content, 4, 0);
+        if (!source || zip_file_add(archive, member.toLatin1().constData(), source, 0) < 0) {
+            zip_source_free(source);
+            zip_discard(archive);
+            return false;
+        }
+    }
+    return zip_close(archive) == 0;
 }
 
 } // namespace halvane::test

@@ -70,4 +70,8 @@ QByteArray readAll(const QString& path);
 // Compares two byte strings line by line and says where they first differ.
 QString firstDifference(const QByteArray& actual, const QByteArray& expected);
 
+// Builds a real zip archive holding these members, in this order, each with
+// a few bytes of content. False when libzip refused.
+bool makeArchive(const QString& path, const QStringList& members);
+
 } // namespace halvane::test
