@@ -17,13 +17,8 @@ namespace halvane {
 namespace {
 // Maps named in the import list get these rules, whatever the defaults are.
 MapRules importedRules() {
-    MapRules rules;
-    rules.fragLimit = QStringLiteral("20");
-    rules.timeLimit = QStringLiteral("20");
+    MapRules rules = MapRules::builtIn();
     rules.captureLimit = QStringLiteral("0");
-    rules.gravity = QStringLiteral("800");
-    rules.speed = QStringLiteral("320");
-    rules.knockBack = QStringLiteral("1000");
     return rules;
 }
 
