@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
@@ -146,9 +147,20 @@ bool QtProcesses::activate(qint64 taskId) {
         AllowSetForegroundWindow(DWORD(taskId));
     return alive;
 #else
-    // A detached server is not our child, so it never lingers as a zombie:
-    // signal 0 tells whether it still lives.
-    return ::kill(pid_t(taskId), 0) == 0 || errno == EPERM;
+    // A detached server is not our child, so it never lingers as our zombie:
+    // signal 0 tells whether it still lives. Where the system's reaper is
+    // slow (a container's first process), an ended server can stay a zombie
+    // for a while; /proc tells that apart from a live one.
+    if (!(::kill(pid_t(taskId), 0) == 0 || errno == EPERM))
+        return false;
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(taskId));
+    if (stat.open(QIODevice::ReadOnly)) {
+        const QByteArray line = stat.readAll();
+        const qsizetype close = line.lastIndexOf(')'); // the name may hold blanks
+        if (close >= 0 && close + 2 < line.size() && line.at(close + 2) == 'Z')
+            return false;
+    }
+    return true;
 #endif
 }
 
