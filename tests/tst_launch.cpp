@@ -2,6 +2,7 @@
 // steps in order, the duplicate question, failures, and a real start of a
 // stand-in game executable that records how it was started.
 #include "TestSupport.h"
+#include <csignal>
 
 #include "launch/CommandLine.h"
 #include "launch/LaunchController.h"
@@ -111,6 +112,8 @@ private slots:
     void afterTheStart();
 
     void realStartRecordsArgumentsAndFolder();
+    void realWriteConfigRepeatsTheCommandLine();
+    void serverRunningFollowsTheRealProcess();
     void failures_data();
     void failures();
 
@@ -126,6 +129,7 @@ private:
     QStringList events;
     QStringList writtenCommandLines;
     std::function<void()> beforeWrite;
+    LaunchHooks wired; // the hooks as the main window wired them
     bool writerSucceeds = true;
 };
 
@@ -154,6 +158,7 @@ void LaunchTest::makeWindow(Processes& processes) {
     setLaunchReady();
 
     LaunchHooks& hooks = window->launch().hooks();
+    wired = hooks;
     const auto saveParameters = hooks.saveParameterList;
     const auto loadParameters = hooks.loadParameterList;
     const auto validate = hooks.ValidateAll;
@@ -522,6 +527,59 @@ void LaunchTest::realStartRecordsArgumentsAndFolder() {
     QCOMPARE(platform->desktop.busyDepth, 0);
     // The program's own directory did not move.
     QVERIFY(QDir::currentPath() != QFileInfo(platform->gameFolder()).canonicalFilePath());
+}
+
+void LaunchTest::realWriteConfigRepeatsTheCommandLine() {
+    makeStandInGame(*platform);
+    makeWindow(realProcesses);
+    window->launch().hooks().WriteConfig = wired.WriteConfig;
+    window->launch().hooks().MakeBotScript = wired.MakeBotScript;
+    ui->txtCmdParameters->setEditText("+set g_motd \"hello  there\"");
+    ui->cmdStart->click();
+
+    QCOMPARE(platform->messages.shown.size(), 0);
+    const QString record = platform->root() + "/started.txt";
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(record), 10000);
+    QStringList lines =
+        QString::fromLatin1(readAll(platform->gameFolder() + "/baseq3/halvane.cfg")).split("\r\n");
+    if (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast();
+    QVERIFY(!lines.isEmpty());
+    const QString prefix = QStringLiteral("// Command Line:  \"quake3.exe");
+    const QString comment = lines.last();
+    QVERIFY2(comment.startsWith(prefix) && comment.endsWith('"'), qPrintable(comment));
+    const QString commandLine = comment.mid(prefix.size(), comment.size() - prefix.size() - 1);
+    QCOMPARE(commandLine, QStringLiteral(" +set dedicated 2 +sets configured_by Halvane_2.07"
+                                         " +set com_hunkmegs 32 +set g_needpass 0"
+                                         " +set net_port 27960 +set g_motd \"hello  there\""
+                                         " +exec halvane.cfg"));
+    // What the game received is that very line, split as a command line is.
+    QCOMPARE(readRecord(record).arguments, splitCommandLine(commandLine));
+    QCOMPARE(readRecord(record).arguments.at(17), QStringLiteral("hello  there"));
+}
+
+void LaunchTest::serverRunningFollowsTheRealProcess() {
+    // A stand-in server that keeps running until it is stopped.
+    const QString script = platform->gameFolder() + "/quake3.exe";
+    platform->writeFile(script, "#!/bin/sh\nexec sleep 60\n");
+    QFile::setPermissions(script,
+                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    makeWindow(realProcesses);
+    QVERIFY(!window->launch().ServerRunning());
+    ui->cmdStart->click();
+    QCOMPARE(platform->messages.shown.size(), 0);
+    const qint64 task = window->launch().ServerTaskID;
+    QVERIFY(task > 0);
+    QVERIFY(window->launch().ServerRunning());
+
+    platform->messages.answers = {MsgAnswer::No};
+    ui->cmdStart->click();
+    QCOMPARE(platform->messages.shown.size(), 1);
+    QCOMPARE(platform->messages.shown[0].title, QStringLiteral("Duplicate Server Confirmation"));
+    QCOMPARE(window->launch().ServerTaskID, task);
+
+    ::kill(pid_t(task), SIGTERM);
+    QTRY_VERIFY_WITH_TIMEOUT(!window->launch().ServerRunning(), 10000);
 }
 
 void LaunchTest::failures_data() {
