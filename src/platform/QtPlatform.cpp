@@ -12,14 +12,37 @@
 #include <QStandardPaths>
 #include <QUrl>
 
+#include <cerrno>
+
 #ifdef Q_OS_WIN
 #include <windows.h>
 #else
-#include <cerrno>
 #include <csignal>
 #endif
 
 namespace halvane {
+
+#ifdef Q_OS_WIN
+namespace {
+struct WindowSearch {
+    DWORD process = 0;
+    HWND found = nullptr;
+};
+
+// The first visible top-level window of the process, the one to bring forward.
+BOOL CALLBACK findTopWindow(HWND window, LPARAM param) {
+    auto* search = reinterpret_cast<WindowSearch*>(param);
+    DWORD owner = 0;
+    GetWindowThreadProcessId(window, &owner);
+    if (owner == search->process && IsWindowVisible(window) &&
+        GetWindow(window, GW_OWNER) == nullptr) {
+        search->found = window;
+        return FALSE;
+    }
+    return TRUE;
+}
+} // namespace
+#endif
 
 MsgAnswer QtMessageBoxes::show(const QString& title, const QString& text, MsgButtons buttons,
                                MsgIcon icon) {
@@ -143,8 +166,16 @@ bool QtProcesses::activate(qint64 taskId) {
     DWORD code = 0;
     const bool alive = GetExitCodeProcess(process, &code) && code == STILL_ACTIVE;
     CloseHandle(process);
-    if (alive)
-        AllowSetForegroundWindow(DWORD(taskId));
+    if (alive) {
+        WindowSearch search;
+        search.process = DWORD(taskId);
+        EnumWindows(findTopWindow, reinterpret_cast<LPARAM>(&search));
+        if (search.found) {
+            if (IsIconic(search.found))
+                ShowWindow(search.found, SW_RESTORE);
+            SetForegroundWindow(search.found);
+        }
+    }
     return alive;
 #else
     // A detached server is not our child, so it never lingers as our zombie:
