@@ -114,6 +114,7 @@ private slots:
     void realStartRecordsArgumentsAndFolder();
     void realWriteConfigRepeatsTheCommandLine();
     void serverRunningFollowsTheRealProcess();
+    void typedTextRunsNoCommand();
     void failures_data();
     void failures();
 
@@ -580,6 +581,30 @@ void LaunchTest::serverRunningFollowsTheRealProcess() {
 
     ::kill(pid_t(task), SIGTERM);
     QTRY_VERIFY_WITH_TIMEOUT(!window->launch().ServerRunning(), 10000);
+}
+
+void LaunchTest::typedTextRunsNoCommand() {
+    makeStandInGame(*platform);
+    makeWindow(realProcesses);
+    const QString typed =
+        "+set a `touch made1` ; touch made2 && echo $(touch made3) | tee made4 > made5";
+    ui->txtCmdParameters->setEditText(typed);
+    ui->txtServerPW->setText("x;touch made6");
+    ui->chkRequirePassword->setChecked(true);
+    ui->cmdStart->click();
+
+    QCOMPARE(platform->messages.shown.size(), 0);
+    const QString record = platform->root() + "/started.txt";
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(record), 10000);
+    const QStringList arguments = readRecord(record).arguments;
+    // Every word arrives as it was typed, shell characters included.
+    const QStringList words = typed.split(' ');
+    QCOMPARE(arguments.mid(arguments.indexOf("a") - 1, words.size()), words);
+    QVERIFY(arguments.contains("x;touch"));
+    for (const QString& folder : {platform->root(), platform->gameFolder()}) {
+        const QStringList made = QDir(folder).entryList({"made*"});
+        QVERIFY2(made.isEmpty(), qPrintable(made.join(' ')));
+    }
 }
 
 void LaunchTest::failures_data() {
