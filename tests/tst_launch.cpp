@@ -2,6 +2,7 @@
 // steps in order, the duplicate question, failures, and a real start of a
 // stand-in game executable that records how it was started.
 #include "TestSupport.h"
+#include <csignal>
 
 #include "launch/CommandLine.h"
 #include "launch/LaunchController.h"
@@ -37,12 +38,35 @@ void makeStandInGame(TestPlatform& platform) {
     const QString script = platform.gameFolder() + "/quake3.exe";
     platform.writeFile(script, ("#!/bin/sh\n"
                                 "{ pwd; for a in \"$@\"; do printf '[%s]\\n' \"$a\"; done; } > '" +
-                                record + ".tmp'\n"
+                                record +
+                                ".tmp'\n"
                                 "mv '" +
                                 record + ".tmp' '" + record + "'\n")
                                    .toUtf8());
-    QFile::setPermissions(script, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                      QFileDevice::ExeOwner);
+    QFile::setPermissions(script,
+                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+}
+
+// Processes whose parent is this test, living or zombie: a failed start
+// must leave none behind.
+QStringList childProcesses() {
+    QStringList children;
+    const QString self = QString::number(QCoreApplication::applicationPid());
+    const QStringList entries = QDir("/proc").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    for (const QString& entry : entries) {
+        bool isPid = false;
+        entry.toLongLong(&isPid);
+        if (!isPid)
+            continue;
+        const QByteArray stat = readAll("/proc/" + entry + "/stat");
+        const qsizetype close = stat.lastIndexOf(')');
+        if (close < 0)
+            continue;
+        const QList<QByteArray> fields = stat.mid(close + 2).split(' ');
+        if (fields.size() > 1 && QString::fromLatin1(fields[1]) == self)
+            children << entry + " " + QString::fromLatin1(stat.left(close + 3));
+    }
+    return children;
 }
 
 struct Recorded {
@@ -88,6 +112,9 @@ private slots:
     void afterTheStart();
 
     void realStartRecordsArgumentsAndFolder();
+    void realWriteConfigRepeatsTheCommandLine();
+    void serverRunningFollowsTheRealProcess();
+    void typedTextRunsNoCommand();
     void failures_data();
     void failures();
 
@@ -103,6 +130,7 @@ private:
     QStringList events;
     QStringList writtenCommandLines;
     std::function<void()> beforeWrite;
+    LaunchHooks wired; // the hooks as the main window wired them
     bool writerSucceeds = true;
 };
 
@@ -131,6 +159,7 @@ void LaunchTest::makeWindow(Processes& processes) {
     setLaunchReady();
 
     LaunchHooks& hooks = window->launch().hooks();
+    wired = hooks;
     const auto saveParameters = hooks.saveParameterList;
     const auto loadParameters = hooks.loadParameterList;
     const auto validate = hooks.ValidateAll;
@@ -284,16 +313,15 @@ void LaunchTest::split_data() {
     QTest::newRow("empty") << "" << QStringList{};
     QTest::newRow("blanks only") << "   \t " << QStringList{};
     QTest::newRow("leading blank") << " +set dedicated 2" << QStringList{"+set", "dedicated", "2"};
-    QTest::newRow("runs of blanks and tabs")
-        << "a  b\t\tc " << QStringList{"a", "b", "c"};
-    QTest::newRow("quoted words")
-        << " +sets gamestartup \"02/15/2000 05:23\" +exec x"
-        << QStringList{"+sets", "gamestartup", "02/15/2000 05:23", "+exec", "x"};
+    QTest::newRow("runs of blanks and tabs") << "a  b\t\tc " << QStringList{"a", "b", "c"};
+    QTest::newRow("quoted words") << " +sets gamestartup \"02/15/2000 05:23\" +exec x"
+                                  << QStringList{"+sets", "gamestartup", "02/15/2000 05:23",
+                                                 "+exec", "x"};
     QTest::newRow("quotes inside a word") << "a\"b c\"d e" << QStringList{"ab cd", "e"};
     QTest::newRow("empty quotes") << "a \"\" b" << QStringList{"a", "", "b"};
     QTest::newRow("unclosed quote runs to the end") << "a \"b  c" << QStringList{"a", "b  c"};
-    QTest::newRow("backslashes stay")
-        << "+set fs_cdpath D:\\Quake3\\ +x" << QStringList{"+set", "fs_cdpath", "D:\\Quake3\\", "+x"};
+    QTest::newRow("backslashes stay") << "+set fs_cdpath D:\\Quake3\\ +x"
+                                      << QStringList{"+set", "fs_cdpath", "D:\\Quake3\\", "+x"};
 }
 
 void LaunchTest::split() {
@@ -432,10 +460,14 @@ void LaunchTest::afterTheStart_data() {
     QTest::addColumn<bool>("startState");
     QTest::addColumn<QString>("choice");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("stay") << false << "optClose" << "visible";
-    QTest::newRow("minimise") << true << "optMinimize" << "minimized";
-    QTest::newRow("close") << true << "optClose" << "closed";
-    QTest::newRow("neither option chosen minimises") << true << "" << "minimized";
+    QTest::newRow("stay") << false << "optClose"
+                          << "visible";
+    QTest::newRow("minimise") << true << "optMinimize"
+                              << "minimized";
+    QTest::newRow("close") << true << "optClose"
+                           << "closed";
+    QTest::newRow("neither option chosen minimises") << true << ""
+                                                     << "minimized";
 }
 
 void LaunchTest::afterTheStart() {
@@ -480,16 +512,16 @@ void LaunchTest::realStartRecordsArgumentsAndFolder() {
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(record), 10000);
     const Recorded recorded = readRecord(record);
     QCOMPARE(recorded.folder, QFileInfo(platform->gameFolder()).canonicalFilePath());
-    const QStringList expected{"+set",          "dedicated",        "2",
-                               "+sets",         "gamestartup",      "02/15/2000 05:23",
-                               "+sets",         "configured_by",    "Halvane_2.07",
-                               "+set",          "com_hunkmegs",     "32",
-                               "+set",          "g_needpass",       "0",
-                               "+set",          "net_port",         "27960",
-                               "+set",          "sv_hostname",      "My  Server",
-                               "+set",          "fs_game",          "osp",
-                               "+sets",         "admin_name",       "Ann",
-                               "Admin",         "+exec",            "halvane.cfg"};
+    const QStringList expected{"+set",  "dedicated",     "2",
+                               "+sets", "gamestartup",   "02/15/2000 05:23",
+                               "+sets", "configured_by", "Halvane_2.07",
+                               "+set",  "com_hunkmegs",  "32",
+                               "+set",  "g_needpass",    "0",
+                               "+set",  "net_port",      "27960",
+                               "+set",  "sv_hostname",   "My  Server",
+                               "+set",  "fs_game",       "osp",
+                               "+sets", "admin_name",    "Ann",
+                               "Admin", "+exec",         "halvane.cfg"};
     QCOMPARE(recorded.arguments, expected);
     QCOMPARE(recorded.arguments, splitCommandLine(writtenCommandLines.value(0)));
     QVERIFY(window->launch().ServerTaskID > 0);
@@ -498,16 +530,100 @@ void LaunchTest::realStartRecordsArgumentsAndFolder() {
     QVERIFY(QDir::currentPath() != QFileInfo(platform->gameFolder()).canonicalFilePath());
 }
 
+void LaunchTest::realWriteConfigRepeatsTheCommandLine() {
+    makeStandInGame(*platform);
+    makeWindow(realProcesses);
+    window->launch().hooks().WriteConfig = wired.WriteConfig;
+    window->launch().hooks().MakeBotScript = wired.MakeBotScript;
+    ui->txtCmdParameters->setEditText("+set g_motd \"hello  there\"");
+    ui->cmdStart->click();
+
+    QCOMPARE(platform->messages.shown.size(), 0);
+    const QString record = platform->root() + "/started.txt";
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(record), 10000);
+    QStringList lines =
+        QString::fromLatin1(readAll(platform->gameFolder() + "/baseq3/halvane.cfg")).split("\r\n");
+    if (!lines.isEmpty() && lines.last().isEmpty())
+        lines.removeLast();
+    QVERIFY(!lines.isEmpty());
+    const QString prefix = QStringLiteral("// Command Line:  \"quake3.exe");
+    const QString comment = lines.last();
+    QVERIFY2(comment.startsWith(prefix) && comment.endsWith('"'), qPrintable(comment));
+    const QString commandLine = comment.mid(prefix.size(), comment.size() - prefix.size() - 1);
+    QCOMPARE(commandLine, QStringLiteral(" +set dedicated 2 +sets configured_by Halvane_2.07"
+                                         " +set com_hunkmegs 32 +set g_needpass 0"
+                                         " +set net_port 27960 +set g_motd \"hello  there\""
+                                         " +exec halvane.cfg"));
+    // What the game received is that very line, split as a command line is.
+    QCOMPARE(readRecord(record).arguments, splitCommandLine(commandLine));
+    QCOMPARE(readRecord(record).arguments.at(17), QStringLiteral("hello  there"));
+}
+
+void LaunchTest::serverRunningFollowsTheRealProcess() {
+    // A stand-in server that keeps running until it is stopped.
+    const QString script = platform->gameFolder() + "/quake3.exe";
+    platform->writeFile(script, "#!/bin/sh\nexec sleep 60\n");
+    QFile::setPermissions(script,
+                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    makeWindow(realProcesses);
+    QVERIFY(!window->launch().ServerRunning());
+    ui->cmdStart->click();
+    QCOMPARE(platform->messages.shown.size(), 0);
+    const qint64 task = window->launch().ServerTaskID;
+    QVERIFY(task > 0);
+    QVERIFY(window->launch().ServerRunning());
+
+    platform->messages.answers = {MsgAnswer::No};
+    ui->cmdStart->click();
+    QCOMPARE(platform->messages.shown.size(), 1);
+    QCOMPARE(platform->messages.shown[0].title, QStringLiteral("Duplicate Server Confirmation"));
+    QCOMPARE(window->launch().ServerTaskID, task);
+
+    ::kill(pid_t(task), SIGTERM);
+    QTRY_VERIFY_WITH_TIMEOUT(!window->launch().ServerRunning(), 10000);
+}
+
+void LaunchTest::typedTextRunsNoCommand() {
+    makeStandInGame(*platform);
+    makeWindow(realProcesses);
+    const QString typed =
+        "+set a `touch made1` ; touch made2 && echo $(touch made3) | tee made4 > made5";
+    ui->txtCmdParameters->setEditText(typed);
+    ui->txtServerPW->setText("x;touch made6");
+    ui->chkRequirePassword->setChecked(true);
+    ui->cmdStart->click();
+
+    QCOMPARE(platform->messages.shown.size(), 0);
+    const QString record = platform->root() + "/started.txt";
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(record), 10000);
+    const QStringList arguments = readRecord(record).arguments;
+    // Every word arrives as it was typed, shell characters included.
+    const QStringList words = typed.split(' ');
+    QCOMPARE(arguments.mid(arguments.indexOf("a") - 1, words.size()), words);
+    QVERIFY(arguments.contains("x;touch"));
+    for (const QString& folder : {platform->root(), platform->gameFolder()}) {
+        const QStringList made = QDir(folder).entryList({"made*"});
+        QVERIFY2(made.isEmpty(), qPrintable(made.join(' ')));
+    }
+}
+
 void LaunchTest::failures_data() {
     QTest::addColumn<QString>("fault");
     QTest::addColumn<QString>("stepText"); // "<exe>" stands for the whole command
     QTest::addColumn<int>("code");
     QTest::newRow("folder vanishes after the write") << "vanish after write"
                                                      << "Error changing directories" << 2;
-    QTest::newRow("folder vanishes before the write") << "vanish before write" << "" << 2;
-    QTest::newRow("writer fails") << "writer fails" << "" << 5;
-    QTest::newRow("executable not executable") << "not executable" << "<exe>" << 13;
-    QTest::newRow("executable missing") << "missing" << "<exe>" << 2;
+    QTest::newRow("folder vanishes before the write") << "vanish before write"
+                                                      << "" << 2;
+    QTest::newRow("writer fails") << "writer fails"
+                                  << "" << 5;
+    QTest::newRow("executable not executable") << "not executable"
+                                               << "<exe>" << 13;
+    QTest::newRow("executable missing") << "missing"
+                                        << "<exe>" << 2;
+    // Executable by its mode but no program the system can run.
+    QTest::newRow("executable cannot run") << "cannot run"
+                                           << "<exe>" << 5;
 }
 
 void LaunchTest::failures() {
@@ -528,6 +644,10 @@ void LaunchTest::failures() {
         QFile::setPermissions(exe, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
     } else if (fault == "missing") {
         QFile::remove(exe);
+    } else if (fault == "cannot run") {
+        platform->writeFile(exe, QByteArray("\x01\x02 not a program\r\n"));
+        QFile::setPermissions(exe, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
+                                       QFileDevice::ExeOwner);
     }
     // A writer that succeeds without its folder: only the start can notice.
     if (fault == "vanish after write") {
@@ -554,6 +674,7 @@ void LaunchTest::failures() {
     QTest::qWait(300);
     QVERIFY(!QFile::exists(platform->root() + "/started.txt"));
     QVERIFY(window->isVisible());
+    QCOMPARE(childProcesses(), QStringList{});
 }
 
 QTEST_MAIN(LaunchTest)

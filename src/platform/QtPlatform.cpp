@@ -4,6 +4,7 @@
 #include <QCoreApplication>
 #include <QDesktopServices>
 #include <QDir>
+#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
@@ -11,14 +12,37 @@
 #include <QStandardPaths>
 #include <QUrl>
 
+#include <cerrno>
+
 #ifdef Q_OS_WIN
 #include <windows.h>
 #else
-#include <cerrno>
 #include <csignal>
 #endif
 
 namespace halvane {
+
+#ifdef Q_OS_WIN
+namespace {
+struct WindowSearch {
+    DWORD process = 0;
+    HWND found = nullptr;
+};
+
+// The first visible top-level window of the process, the one to bring forward.
+BOOL CALLBACK findTopWindow(HWND window, LPARAM param) {
+    auto* search = reinterpret_cast<WindowSearch*>(param);
+    DWORD owner = 0;
+    GetWindowThreadProcessId(window, &owner);
+    if (owner == search->process && IsWindowVisible(window) &&
+        GetWindow(window, GW_OWNER) == nullptr) {
+        search->found = window;
+        return FALSE;
+    }
+    return TRUE;
+}
+} // namespace
+#endif
 
 MsgAnswer QtMessageBoxes::show(const QString& title, const QString& text, MsgButtons buttons,
                                MsgIcon icon) {
@@ -142,13 +166,32 @@ bool QtProcesses::activate(qint64 taskId) {
     DWORD code = 0;
     const bool alive = GetExitCodeProcess(process, &code) && code == STILL_ACTIVE;
     CloseHandle(process);
-    if (alive)
-        AllowSetForegroundWindow(DWORD(taskId));
+    if (alive) {
+        WindowSearch search;
+        search.process = DWORD(taskId);
+        EnumWindows(findTopWindow, reinterpret_cast<LPARAM>(&search));
+        if (search.found) {
+            if (IsIconic(search.found))
+                ShowWindow(search.found, SW_RESTORE);
+            SetForegroundWindow(search.found);
+        }
+    }
     return alive;
 #else
-    // A detached server is not our child, so it never lingers as a zombie:
-    // signal 0 tells whether it still lives.
-    return ::kill(pid_t(taskId), 0) == 0 || errno == EPERM;
+    // A detached server is not our child, so it never lingers as our zombie:
+    // signal 0 tells whether it still lives. Where the system's reaper is
+    // slow (a container's first process), an ended server can stay a zombie
+    // for a while; /proc tells that apart from a live one.
+    if (!(::kill(pid_t(taskId), 0) == 0 || errno == EPERM))
+        return false;
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(taskId));
+    if (stat.open(QIODevice::ReadOnly)) {
+        const QByteArray line = stat.readAll();
+        const qsizetype close = line.lastIndexOf(')'); // the name may hold blanks
+        if (close >= 0 && close + 2 < line.size() && line.at(close + 2) == 'Z')
+            return false;
+    }
+    return true;
 #endif
 }
 

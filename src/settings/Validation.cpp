@@ -97,11 +97,17 @@ bool Validation::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() == QEvent::FocusOut) {
         // Another window taking over (a message box, a menu) is no leaving.
         const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
-        if (reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason) {
+        const bool leaving =
+            reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason;
+        if (leaving && (watched == ui.txtLogFile || watched == ui.txtPrivateClients)) {
+            // Let the box finish leaving first (it drops its selection then),
+            // so that the check's own selection and focus are what remain.
+            watched->event(event);
             if (watched == ui.txtLogFile)
                 txtLogFileLostFocus();
-            else if (watched == ui.txtPrivateClients)
+            else
                 txtPrivateClientsLostFocus();
+            return true;
         }
     }
     return QObject::eventFilter(watched, event);
