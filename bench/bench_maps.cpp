@@ -1,5 +1,8 @@
-// Timings of the map catalogue on its largest size and of the archive search.
-//   halvane_bench [maps]                 every map timing below
+// Timings of the map catalogue on its largest size, of the archive search and
+// of writing a large configuration (bench_config.cpp).
+//   halvane_bench                        every timed section
+//   halvane_bench maps                   the map timings below
+//   halvane_bench config                 WriteConfig against cp -r
 //   halvane_bench make-archives <dir> [count]   writes <count> test archives
 //   halvane_bench list-archives <dir>    prints "archive<TAB>member" lines
 #include "maps/ArchiveListing.h"
@@ -20,6 +23,8 @@
 #include <zip.h>
 
 using namespace halvane;
+
+int benchConfig(); // bench_config.cpp
 
 namespace {
 
@@ -179,15 +184,23 @@ int main(int argc, char* argv[]) {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication application(argc, argv);
-    const QString command = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QStringLiteral("maps");
+    const QString command = argc > 1 ? QString::fromLocal8Bit(argv[1]) : QString();
+    if (command.isEmpty()) {
+        const int maps = benchMaps();
+        const int config = benchConfig();
+        return maps != 0 ? maps : config;
+    }
     if (command == QLatin1String("maps"))
         return benchMaps();
+    if (command == QLatin1String("config"))
+        return benchConfig();
     if (command == QLatin1String("make-archives") && argc > 2)
         return makeArchives(QString::fromLocal8Bit(argv[2]), argc > 3 ? atoi(argv[3]) : 500) ? 0
                                                                                              : 1;
     if (command == QLatin1String("list-archives") && argc > 2)
         return listArchives(QString::fromLocal8Bit(argv[2]));
-    std::fprintf(stderr, "usage: %s [maps | make-archives <dir> [count] | list-archives <dir>]\n",
+    std::fprintf(stderr,
+                 "usage: %s [maps | config | make-archives <dir> [count] | list-archives <dir>]\n",
                  argv[0]);
     return 2;
 }

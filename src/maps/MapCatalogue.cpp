@@ -146,7 +146,22 @@ MapSnapshot MapCatalogue::snapshot() const {
 }
 
 qint16 MapCatalogue::FindMap(const QString& name) const {
-    return snapshot().find(name);
+    // One look-up: scan the records in file order and stop at the first
+    // match, rather than indexing the whole file as a snapshot does. The
+    // answer is the same as MapSnapshot::find's.
+    ensureExists();
+    QFile file(dataPath());
+    if (!file.open(QIODevice::ReadOnly))
+        return -1;
+    const QByteArray bytes = file.readAll();
+    const qint64 count = qMin<qint64>(bytes.size() / MapRecord::Size, MaxRecords);
+    const QString wanted = key(name);
+    for (qint64 i = 0; i < count; ++i) {
+        const MapRecord record = MapRecord::fromBytes(bytes.constData() + i * MapRecord::Size);
+        if (key(record.get(MapField::FileName)) == wanted)
+            return qint16(i + 1);
+    }
+    return -1;
 }
 
 bool MapCatalogue::readRecord(int number) {

@@ -76,9 +76,20 @@ void MapPreview::showPreview(const QString& entry) {
 }
 
 void MapPreview::showJpeg(const QString& path) {
-    QImageReader reader(path);
-    reader.setDecideFormatFromContent(true);
-    ui.imgMap1->setPixmap(QPixmap::fromImage(reader.read()));
+    // Naming the format loads only the JPEG plugin; guessing from the content
+    // would load every image plugin, which costs start-up time. A picture that
+    // is not a JPEG after all is still read by its content.
+    QImage picture;
+    {
+        QImageReader reader(path, "jpeg");
+        picture = reader.read();
+    }
+    if (picture.isNull()) {
+        QImageReader reader(path);
+        reader.setDecideFormatFromContent(true);
+        picture = reader.read();
+    }
+    ui.imgMap1->setPixmap(QPixmap::fromImage(picture));
     ui.stkMapPicture->setCurrentWidget(ui.imgMap1);
 }
 

@@ -13,8 +13,13 @@ namespace halvane {
 
 namespace {
 QString spoken(QString caption) {
-    caption.remove(QRegularExpression(QStringLiteral("&(?!&)")));
-    caption.replace(QStringLiteral("&&"), QStringLiteral("&"));
+    // Called for every label and control of the main window at start-up:
+    // the pattern is compiled once, and captions without '&' skip it.
+    if (caption.contains(QLatin1Char('&'))) {
+        static const QRegularExpression accessKey(QStringLiteral("&(?!&)"));
+        caption.remove(accessKey);
+        caption.replace(QStringLiteral("&&"), QStringLiteral("&"));
+    }
     caption = caption.simplified();
     while (caption.endsWith(QLatin1Char(':')) || caption.endsWith(QLatin1Char('-')))
         caption.chop(1);

@@ -1,6 +1,7 @@
 // Writing a large configuration: 1,000 selected maps with random bots from a
 // full 32,766-record catalogue, against copying the files it produces with
-// cp -r. Prints milliseconds; never run by the tests.
+// cp -r. A section of halvane_bench (bench_maps.cpp owns main); never run by
+// the tests.
 #include "bots/BotScripts.h"
 #include "bots/RandomSource.h"
 #include "config/ConfigWriter.h"
@@ -8,7 +9,6 @@
 #include "platform/FakePlatform.h"
 #include "ui/AppContext.h"
 
-#include <QCoreApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QProcess>
@@ -28,8 +28,7 @@ double median(std::vector<double> values) {
 
 } // namespace
 
-int main(int argc, char** argv) {
-    QCoreApplication app(argc, argv);
+int benchConfig() {
     constexpr int Records = MapCatalogue::MaxRecords;
     constexpr int Selected = 1000;
     constexpr int Runs = 7;
