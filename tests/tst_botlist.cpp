@@ -47,7 +47,6 @@ class TestBotList : public QObject {
 private slots:
     void fileRules_data();
     void fileRules();
-    void deliveredListHoldsTheGamesBots();
     void countCaptionAndTip();
     void teamAndSkillByPosition();
     void refreshAndEditList();
@@ -80,20 +79,6 @@ void TestBotList::fileRules() {
     QCOMPARE(w.names(), expected);
     QCOMPARE(onlyMessage(w.platform.messages), error ? ReadError : "0 messages");
     QVERIFY(w.window->isLoaded() && !w.window->hasEnded());
-}
-
-void TestBotList::deliveredListHoldsTheGamesBots() {
-    const QByteArray bytes = readAll(QStringLiteral(HALVANE_BIN_DIR "/botlist.txt"));
-    QCOMPARE(bytes.count('\n'), bytes.count("\r\n"));
-    // The bots of the original game, whose names its addbot command knows.
-    QStringList bots = parseBotList(bytes);
-    bots.sort();
-    QCOMPARE(bots,
-             QStringList({"Anarki", "Angel", "Biker", "Bitterman", "Bones",   "Cadavre", "Crash",
-                          "Daemia", "Doom",  "Gorre", "Grunt",     "Hossman", "Hunter",  "Keel",
-                          "Klesk",  "Lucy",  "Major", "Mynx",      "Orbb",    "Patriot", "Phobos",
-                          "Ranger", "Razor", "Sarge", "Slash",     "Sorlag",  "Stripe",  "Tankjr",
-                          "Uriel",  "Visor", "Wrack", "Xaero"}));
 }
 
 void TestBotList::countCaptionAndTip() {

@@ -62,7 +62,6 @@ void DiscoveryTest::memberRule_data() {
     QTest::newRow("deeper folder") << QByteArray("a/b/c.bsp") << "c.bsp";
     QTest::newRow("capital extension") << QByteArray("maps/big.BSP") << "";
     QTest::newRow("no dot") << QByteArray("maps/nodotbsp") << "nodotbsp";
-    QTest::newRow("folder entry") << QByteArray("maps/") << "";
     QTest::newRow("cut at 50 characters")
         << QByteArray("maps/" + QByteArray(45, 'x') + ".bsp") << "";
     QTest::newRow("exactly 50 characters")

@@ -24,7 +24,6 @@ private slots:
     void garbageFileIsReadWithoutHarm();
     void missingCatalogue();
     void wipedFirstRecordIsRepaired();
-    void deliveredCatalogue();
 };
 
 void MapDataTest::recordLayoutByteForByte() {
@@ -45,8 +44,6 @@ void MapDataTest::fieldsAreCutAtTheirWidth_data() {
                                << "abcdefghijklmnopqrst";
     QTest::newRow("frag limit") << int(MapField::FragLimit) << "1234"
                                 << "123";
-    QTest::newRow("speed padded") << int(MapField::Speed) << "32"
-                                  << "32  ";
 }
 
 void MapDataTest::fieldsAreCutAtTheirWidth() {
@@ -178,17 +175,6 @@ void MapDataTest::wipedFirstRecordIsRepaired() {
                      "\r\rThis has been corrected.\r\rHowever, any custom maps that you had "
                      "specified will need to be re-entered.",
                      MsgButtons::Ok, MsgIcon::Information));
-}
-
-void MapDataTest::deliveredCatalogue() {
-    const QByteArray installed = readAll(QStringLiteral(HALVANE_BIN_DIR "/instmaps.dat"));
-    QCOMPARE(installed.size(), 30 * 71);
-    TestPlatform platform;
-    platform.writeFile(platform.programFolder() + "/maps.dat", installed);
-    const MapSnapshot snapshot = MapCatalogue(platform.programFolder()).snapshot();
-    QCOMPARE(snapshot.record(snapshot.find("q3dm17")).get(MapField::DisplayName),
-             QStringLiteral("The Longest Yard"));
-    QCOMPARE(snapshot.find(""), qint16(-1)); // no deleted slots
 }
 
 QTEST_MAIN(MapDataTest)

@@ -49,9 +49,6 @@ void MapPreviewTest::pictureChoice_data() {
     QTest::newRow("thumbnail jpeg first")
         << QStringList{"p:Maps/q3dm1.tga", "p:Maps/q3dm1.jpg", "g:baseq3/levelshots/q3dm1.jpg"}
         << int(PreviewSource::Jpeg) << "p:Maps/q3dm1.jpg";
-    QTest::newRow("thumbnail targa beats level shot")
-        << QStringList{"p:Maps/q3dm1.tga", "g:baseq3/levelshots/q3dm1.jpg"}
-        << int(PreviewSource::Targa) << "p:Maps/q3dm1.tga";
     QTest::newRow("level shot in other letter case")
         << QStringList{"g:baseq3/LevelShots/Q3DM1.TGA", "p:Maps/DEFAULT.jpg"}
         << int(PreviewSource::Targa) << "g:baseq3/LevelShots/Q3DM1.TGA";

@@ -57,7 +57,6 @@ private slots:
     void upAndDown();
     void randomize();
     void choosingAnotherMapCommitsTheShownOne();
-    void vanishedMapEndsTheProgram();
     void useSettingsAsDefault();
     void unwritableFiles();
     void editorChecks_data();
@@ -151,17 +150,6 @@ void MapSelectionTest::choosingAnotherMapCommitsTheShownOne() {
     w.ui->txtMapFragLimit->setText("7");
     w.ui->MapList->setCurrentRow(0);
     QCOMPARE(readAll(w.dataPath()), before);
-}
-
-void MapSelectionTest::vanishedMapEndsTheProgram() {
-    Window w({"a", "b"});
-    w.platform.writeFile(w.dataPath(), catalogueOf({"a", ""})); // deleted behind our back
-    w.ui->MapList->setCurrentRow(1);
-    QCOMPARE(onlyMessage(w.platform.messages),
-             message("Note", "Exiting before going the map data becomes corrupted!", MsgButtons::Ok,
-                     MsgIcon::Information));
-    QVERIFY(w.window->hasEnded());
-    QCOMPARE(readAll(w.dataPath()), catalogueOf({"a", ""})); // closing wrote nothing back
 }
 
 void MapSelectionTest::useSettingsAsDefault() {
@@ -285,12 +273,6 @@ void MapSelectionTest::gameTypeSuggestion() {
     QCOMPARE(onlyMessage(w.platform.messages),
              message("Tourney Suggestion",
                      "Would you like to automatically select all tourney maps only?",
-                     MsgButtons::YesNo, MsgIcon::Question));
-    QCOMPARE(entries(w.ui->SelMap), QStringList({"q3tourney1", "q3tourney2"}));
-    w.platform.messages.clear(); // No changes nothing
-    w.ui->cmbGameType->setCurrentIndex(3);
-    QCOMPARE(onlyMessage(w.platform.messages),
-             message("CTF Suggestion", "Would you like to automatically select all CTF maps only?",
                      MsgButtons::YesNo, MsgIcon::Question));
     QCOMPARE(entries(w.ui->SelMap), QStringList({"q3tourney1", "q3tourney2"}));
 }
