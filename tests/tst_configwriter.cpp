@@ -262,10 +262,6 @@ void TestConfigWriter::rotationWithCtfAndRandomBots() {
              "set srv0 \"timelimit 15; fraglimit 20; capturelimit 8; map q3ctf1; exec "
              "srvbots\\botset0.cfg ; set g_speed 320; set g_gravity 800; set g_knockback 1000; "
              "set nextmap vstr srv1\"");
-    QCOMPARE(linesOf(f.baseq3("srvmaps/mapset1.cfg"))[2],
-             "set srv1 \"timelimit 20; fraglimit 0; capturelimit 5; map q3ctf2; exec "
-             "srvbots\\botset1.cfg ; set g_speed 320; set g_gravity 800; set g_knockback 1000; "
-             "set nextmap vstr srv0\"");
     QVERIFY(QFileInfo::exists(f.baseq3("srvbots/botset1.cfg")));
 }
 
@@ -276,7 +272,6 @@ void TestConfigWriter::failures_data() {
     QTest::newRow("game folder without baseq3") << "nobaseq3" << -1 << true;
     QTest::newRow("folder that cannot be written") << "blocked" << -1 << false;
     QTest::newRow("selected map missing from the catalogue") << "missingmap" << 32 << false;
-    QTest::newRow("rotation folder cannot be made") << "blockedsrvmaps" << 31 << true;
 }
 
 void TestConfigWriter::failures() {
@@ -296,9 +291,6 @@ void TestConfigWriter::failures() {
     } else if (kind == "blocked") {
         f.platform.writeFile(f.platform.gameFolder() + "/blocker", "x"); // also stops root
         path = f.platform.gameFolder() + "/blocker/halvane.cfg";
-    } else if (kind == "blockedsrvmaps") {
-        f.platform.writeFile(f.baseq3("srvmaps"), "not a folder");
-        s.selectedMaps = {"q3dm1", "q3dm1"};
     }
     QVERIFY(!f.writer.WriteConfig(s, path, false, QString()));
     QCOMPARE(onlyMessage(f.platform.messages),

@@ -58,7 +58,7 @@ private slots:
     void randomize();
     void choosingAnotherMapCommitsTheShownOne();
     void useSettingsAsDefault();
-    void unwritableFiles();
+    void unwritableSelectionFile();
     void editorChecks_data();
     void editorChecks();
     void addAndDeleteMaps();
@@ -168,21 +168,8 @@ void MapSelectionTest::useSettingsAsDefault() {
     QCOMPARE(w.platform.store->read("Defaults", "KnockBack", "x"), QStringLiteral("900"));
 }
 
-void MapSelectionTest::unwritableFiles() {
+void MapSelectionTest::unwritableSelectionFile() {
     Window w({"a"});
-    // The data file cannot be replaced: a folder stands in its place.
-    QFile::remove(w.dataPath());
-    QDir().mkpath(w.dataPath());
-    w.platform.messages.answers = {MsgAnswer::Yes};
-    w.ui->cmdDefault->click();
-    w.platform.messages.shown.removeFirst();
-    QCOMPARE(onlyMessage(w.platform.messages),
-             message("Default Settings Not Applied",
-                     "Error applying default values to the map data file, no changes were made. "
-                     "\r\rHowever, the default values have been stored, and will be used for any "
-                     "maps you add in the future.",
-                     MsgButtons::Ok, MsgIcon::Critical));
-    w.platform.messages.clear();
     QDir().mkpath(w.platform.programFolder() + "/mapsel.txt");
     w.window->close();
     QCOMPARE(onlyMessage(w.platform.messages),
@@ -206,8 +193,6 @@ void MapSelectionTest::editorChecks_data() {
                                << "Warning"
                                << "Spaces are not allowed in map file names!"
                                << "my map";
-    QTest::newRow("dot and space") << "my map.bsp"
-                                   << "Warning" << extension << ".bsp";
     QTest::newRow("existing map") << "A"
                                   << "Get some rest!"
                                   << "That map already exists!"
