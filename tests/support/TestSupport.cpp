@@ -1,5 +1,7 @@
 #include "TestSupport.h"
 
+#include "maps/MapCatalogue.h"
+
 #include <zip.h>
 
 #include <QDir>
@@ -98,6 +100,30 @@ bool makeArchive(const QString& path, const QStringList& members) {
         }
     }
     return zip_close(archive) == 0;
+}
+
+QString message(const QString& title, const QString& text, MsgButtons buttons, MsgIcon icon) {
+    return QStringLiteral("%1|%2|%3|%4").arg(title, text).arg(int(buttons)).arg(int(icon));
+}
+
+QString onlyMessage(const FakeMessageBoxes& messages) {
+    if (messages.shown.size() != 1)
+        return QStringLiteral("%1 messages").arg(messages.shown.size());
+    const ShownMessage& m = messages.shown.first();
+    return message(m.title, m.text, m.buttons, m.icon);
+}
+
+QString golden(const QString& name) {
+    return QStringLiteral(HALVANE_TEST_DIR "/golden/") + name;
+}
+
+QByteArray catalogueOf(const QStringList& files) {
+    QByteArray bytes;
+    for (const QString& file : files) {
+        const QString display = file.isEmpty() ? QString() : QStringLiteral("Name of ") + file;
+        bytes.append(makeMapRecord(display, file, MapRules::builtIn()).bytes(), MapRecord::Size);
+    }
+    return bytes;
 }
 
 } // namespace halvane::test

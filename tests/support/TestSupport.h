@@ -4,6 +4,7 @@
 #include "platform/QtPlatform.h"
 #include "ui/AppContext.h"
 
+#include <QByteArray>
 #include <QStringList>
 #include <QTemporaryDir>
 #include <functional>
@@ -73,5 +74,15 @@ QString firstDifference(const QByteArray& actual, const QByteArray& expected);
 // Builds a real zip archive holding these members, in this order, each with
 // a few bytes of content. False when libzip refused.
 bool makeArchive(const QString& path, const QStringList& members);
+
+// A message as "title|text|buttons|icon", so one QCOMPARE checks all four.
+QString message(const QString& title, const QString& text, MsgButtons buttons, MsgIcon icon);
+// The only message shown, described as above; says how many when not one.
+QString onlyMessage(const FakeMessageBoxes& messages);
+// The path of a golden file in tests/golden.
+QString golden(const QString& name);
+// A map catalogue file of records with these file names ("" for a deleted
+// slot), display names "Name of <file>" and the built-in rules.
+QByteArray catalogueOf(const QStringList& files);
 
 } // namespace halvane::test
