@@ -1,4 +1,5 @@
 #include "config/ConfigWriter.h"
+#include "settings/Positions.h"
 
 #include "bots/BotScripts.h"
 #include "config/ScriptFile.h"
@@ -168,9 +169,9 @@ bool ConfigWriter::WriteConfig(const ServerSettings& s, const QString& path, boo
     out.line(QStringLiteral("seta g_allowvote ") + state(s.vote));
     out.line(QStringLiteral("seta g_quadfactor ") + s.quad);
     out.line(QStringLiteral("seta g_syncronousClients ") + state(s.syncClients));
-    if (s.botType > 0)
+    if (s.botType != positions::NoBots)
         out.line(QStringLiteral("seta bot_nochat ") + state(s.disableBotChat));
-    if (s.botType == 2) {
+    if (s.botType == positions::AutomaticBots) {
         out.line();
         out.line(QStringLiteral("seta g_spskill ") + QString::number(s.autoBotSkill + 1));
         out.line(QStringLiteral("seta bot_minplayers ") + s.minBots);
@@ -180,7 +181,7 @@ bool ConfigWriter::WriteConfig(const ServerSettings& s, const QString& path, boo
     out.line();
     out.line(QStringLiteral("// Execute scripts..."));
     out.line();
-    if (s.botType == 1 && !s.autoSelectBots)
+    if (s.botType == positions::UserDefinedBots && !s.autoSelectBots)
         out.line(QStringLiteral("exec srvbots.cfg"));
     if (!s.extraConfig.isEmpty())
         out.line(QStringLiteral("exec ") + s.extraConfig);

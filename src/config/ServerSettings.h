@@ -1,5 +1,7 @@
 #pragma once
 
+#include "settings/Positions.h"
+
 #include <QDateTime>
 #include <QString>
 #include <QStringList>
@@ -53,7 +55,7 @@ struct ServerSettings {
     QString randomBots;                                  // txtRandomBots
     std::vector<BotEntry> bots;                          // BotList with the team and skill tables
 
-    bool randomBotSets() const { return botType == 1 && autoSelectBots; }
+    bool randomBotSets() const { return botType == positions::UserDefinedBots && autoSelectBots; }
 };
 
 } // namespace halvane

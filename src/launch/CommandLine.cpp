@@ -1,4 +1,5 @@
 #include "launch/CommandLine.h"
+#include "settings/Positions.h"
 
 #include "ui/AppInfo.h"
 #include "ui_frmMain.h"
@@ -26,7 +27,8 @@ LaunchOptions launchOptionsFrom(const Ui::frmMain& ui) {
 
 QString buildCommandLine(const LaunchOptions& options, const QDateTime& now) {
     QString line;
-    if (options.serverType >= 0 && options.serverType <= 2)
+    if (options.serverType >= positions::ListenServer &&
+        options.serverType <= positions::DedicatedServer)
         line += QStringLiteral(" +set dedicated ") + QString::number(options.serverType);
     if (options.nop) {
         line += QStringLiteral(" +sets gamestartup \"") +
@@ -34,7 +36,7 @@ QString buildCommandLine(const LaunchOptions& options, const QDateTime& now) {
     }
     line += QStringLiteral(" +sets configured_by Halvane_") + AppInfo::versionNumber();
     line += QStringLiteral(" +set com_hunkmegs ") + options.hunkMegs;
-    if (options.botType == 0)
+    if (options.botType == positions::NoBots)
         line += QStringLiteral(" +set bot_enable 0");
     if (options.requirePassword) {
         line += QStringLiteral(" +set g_password ") + options.serverPassword +

@@ -1,4 +1,5 @@
 #include "launch/LaunchController.h"
+#include "settings/Positions.h"
 
 #include "launch/CommandLine.h"
 #include "settings/TextForms.h"
@@ -12,7 +13,7 @@
 namespace halvane {
 
 namespace {
-constexpr int UserDefinedBots = 1;
+using positions::UserDefinedBots;
 
 void run(const std::function<void()>& hook) {
     if (hook)
@@ -114,9 +115,8 @@ void LaunchController::cmdStart() {
     // 11. Started without a shell: the command line becomes the arguments.
     const QString exeName = m_app.state.GameExeName.trimmed();
     stepText = m_app.state.GameExeName + commandLine;
-    const StartResult started =
-        m_app.platform.processes.start(QDir(gameFolder).filePath(exeName),
-                                       splitCommandLine(commandLine), gameFolder);
+    const StartResult started = m_app.platform.processes.start(
+        QDir(gameFolder).filePath(exeName), splitCommandLine(commandLine), gameFolder);
     if (!started.started) {
         fail(stepText, started.errorCode != 0 ? started.errorCode : EIO);
         return;

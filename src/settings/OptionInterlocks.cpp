@@ -1,4 +1,5 @@
 #include "settings/OptionInterlocks.h"
+#include "settings/Positions.h"
 
 #include "ui/AppContext.h"
 #include "ui_frmMain.h"
@@ -6,11 +7,7 @@
 namespace halvane {
 
 namespace {
-constexpr int BotsDisabled = 0;
-constexpr int BotsUserDefined = 1;
-constexpr int BotsAutomatic = 2;
-constexpr int ServerListen = 0;
-constexpr int ServerDedicated = 2;
+using namespace positions;
 
 void enable(std::initializer_list<QWidget*> widgets, bool enabled) {
     for (QWidget* widget : widgets)
@@ -59,7 +56,7 @@ void OptionInterlocks::SetGameType() {
     const int game = ui.cmbGameType->currentIndex();
     const bool team = game == 2 || game == 3;
     enable({ui.chkFriendly, ui.chkAutoJoin, ui.chkAutoBalance}, team);
-    ui.Frame1->setEnabled(ui.cmbServerType->currentIndex() == ServerDedicated);
+    ui.Frame1->setEnabled(ui.cmbServerType->currentIndex() == DedicatedServer);
 }
 
 void OptionInterlocks::gameTypeClicked() {
@@ -76,8 +73,8 @@ void OptionInterlocks::gameTypeClicked() {
 void OptionInterlocks::UpdateServerTypeControls() {
     const int server = ui.cmbServerType->currentIndex();
     enable({ui.txtNetIP, ui.txtNetPort, ui.Label13, ui.Label14, ui.Label12},
-           server != ServerListen);
-    ui.Frame1->setEnabled(server == ServerDedicated);
+           server != ListenServer);
+    ui.Frame1->setEnabled(server == DedicatedServer);
 }
 
 void OptionInterlocks::UpdateWarmUpControls() {
@@ -111,7 +108,7 @@ void OptionInterlocks::UpdateBotSkillControls() {
 }
 
 void OptionInterlocks::UpdateRandomBotControls() {
-    if (ui.cmbBotType->currentIndex() == BotsUserDefined) {
+    if (ui.cmbBotType->currentIndex() == UserDefinedBots) {
         ui.chkAutoSelectBots->setEnabled(true);
         const bool random = ui.chkAutoSelectBots->isChecked();
         enable({ui.txtRandomBots, ui.Label31}, random);
@@ -124,20 +121,20 @@ void OptionInterlocks::UpdateRandomBotControls() {
 
 void OptionInterlocks::UpdateBotTypeControls() {
     switch (ui.cmbBotType->currentIndex()) {
-    case BotsDisabled:
+    case NoBots:
         enable({ui.BotList, ui.cmbBotSkill, ui.cmbBotTeam, ui.Label16, ui.Label24, ui.lblBotCount,
                 ui.picManualBots, ui.picAutoBots, ui.Label33, ui.Label34, ui.cmbAutoBotSkill,
                 ui.txtMinBots, ui.chkDisableBotChat, ui.chkAutoSelectBots, ui.Label31,
                 ui.txtRandomBots},
                false);
         break;
-    case BotsUserDefined:
+    case UserDefinedBots:
         ui.stkBotPanels->setCurrentWidget(ui.picManualBots);
         enable({ui.picManualBots, ui.BotList, ui.cmbBotSkill, ui.cmbBotTeam, ui.Label16, ui.Label24,
                 ui.lblBotCount, ui.chkDisableBotChat},
                true);
         break;
-    case BotsAutomatic:
+    case AutomaticBots:
         ui.stkBotPanels->setCurrentWidget(ui.picAutoBots);
         enable({ui.picAutoBots, ui.Label33, ui.Label34, ui.cmbAutoBotSkill, ui.txtMinBots,
                 ui.chkDisableBotChat},

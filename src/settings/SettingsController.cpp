@@ -1,4 +1,5 @@
 #include "settings/SettingsController.h"
+#include "settings/Positions.h"
 
 #include "bots/BotTables.h"
 #include "settings/HolderAccess.h"
@@ -23,7 +24,7 @@ QString teamKey(int n) {
 QString strengthKey(int n) {
     return QStringLiteral("Strength ") + QString::number(n);
 }
-constexpr int TabCount = 6;
+using positions::TabCount;
 } // namespace
 
 SettingsController::SettingsController(QObject& window, QTabWidget& tabs, QListWidget& botList,

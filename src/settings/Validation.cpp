@@ -1,4 +1,5 @@
 #include "settings/Validation.h"
+#include "settings/Positions.h"
 
 #include "settings/TextForms.h"
 #include "ui/AppContext.h"
@@ -11,12 +12,7 @@
 namespace halvane {
 
 namespace {
-constexpr int AdvancedTab = 4;
-constexpr int CaptureTheFlag = 3;
-constexpr int ListenServer = 0;
-constexpr int PrivateServer = 1;
-constexpr int DedicatedServer = 2;
-constexpr int AutomaticBots = 2;
+using namespace positions;
 
 const QString Warning = QStringLiteral("Warning");
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "settings/Positions.h"
+
 #include <QList>
 #include <QObject>
 #include <array>
@@ -16,7 +18,7 @@ namespace halvane {
 class TabFrames : public QObject {
     Q_OBJECT
 public:
-    static constexpr int TabCount = 6;
+    static constexpr int TabCount = positions::TabCount;
 
     TabFrames(QTabWidget& tabs, QWidget& window, QObject* parent = nullptr);
 
