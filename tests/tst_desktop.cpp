@@ -120,6 +120,7 @@ void DesktopTest::firstRunPreparesTheFreeGame() {
     platform.reopenStore();
     QCOMPARE(platform.store->read("Settings", "Path", ""), folder);
     QCOMPARE(platform.store->read("Settings", "Exe", ""), QStringLiteral("quake3.exe"));
+    QCOMPARE(platform.store->read("Network", "HunkMegs", ""), QStringLiteral("64"));
 }
 
 void DesktopTest::firstRunLetsTheMainWindowOpenDirectly() {

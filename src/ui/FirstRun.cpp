@@ -127,6 +127,12 @@ FirstRunResult prepareFirstRun(SettingsStore& store, const QString& folder,
     if (!store.write(QStringLiteral("Settings"), QStringLiteral("Path"), folder) ||
         !store.write(QStringLiteral("Settings"), QStringLiteral("Exe"), ExeName) || !store.flush())
         return failed(QStringLiteral("Cannot store the game location"));
+    // The free game's maps do not load in the 16 MB the original game's server
+    // got by with; 64 MB is the most a dedicated server gets without a warning.
+    const QString network = QStringLiteral("Network"), hunk = QStringLiteral("HunkMegs");
+    if (store.read(network, hunk, QString()).isEmpty() &&
+        (!store.write(network, hunk, QStringLiteral("64")) || !store.flush()))
+        return failed(QStringLiteral("Cannot store the game's memory size"));
     if (!programFolder.isEmpty()) {
         QStringList paths;
         for (const QString& archive : archives)

@@ -178,9 +178,16 @@ QString RealServer::output() {
 std::optional<ServerStatus>
 RealServer::waitForStatus(quint16 port, const std::function<bool(const ServerStatus&)>& ok,
                           std::chrono::milliseconds timeout) {
+    return e2e::waitForStatus(port, ok, timeout, [this] { return running(); });
+}
+
+std::optional<ServerStatus> waitForStatus(quint16 port,
+                                          const std::function<bool(const ServerStatus&)>& ok,
+                                          std::chrono::milliseconds timeout,
+                                          const std::function<bool()>& serverLives) {
     std::optional<ServerStatus> last;
     QDeadlineTimer deadline(timeout);
-    while (!deadline.hasExpired() && running()) {
+    while (!deadline.hasExpired() && serverLives()) {
         if (auto status = getStatus(port, std::chrono::milliseconds(500))) {
             last = status;
             if (ok(*status))

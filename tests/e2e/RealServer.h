@@ -57,6 +57,13 @@ ServerStatus parseStatus(const QByteArray& reply);
 std::optional<QString> rcon(quint16 port, const QString& password, const QString& command,
                             std::chrono::milliseconds timeout = std::chrono::seconds(2));
 
+// Polls getstatus until the status satisfies the condition, the time runs
+// out or the server has ended; returns the last status seen.
+std::optional<ServerStatus> waitForStatus(quint16 port,
+                                          const std::function<bool(const ServerStatus&)>& ok,
+                                          std::chrono::milliseconds timeout,
+                                          const std::function<bool()>& serverLives);
+
 // A running dedicated server, started from a game folder's quake3.exe with
 // the given arguments (no shell between), stopped when destroyed.
 class RealServer {
@@ -72,8 +79,6 @@ public:
     // The server's console output so far.
     QString output();
 
-    // Polls getstatus until the status satisfies the condition or the time
-    // runs out; returns the last status seen.
     std::optional<ServerStatus> waitForStatus(quint16 port,
                                               const std::function<bool(const ServerStatus&)>& ok,
                                               std::chrono::milliseconds timeout);
