@@ -26,18 +26,10 @@ class ConfigCommandsTest : public QObject {
 private slots:
     void init();
     void cleanup();
-    void makeCfgWritesAfterValidation_data();
-    void makeCfgWritesAfterValidation();
-    void makeCfgStopsWhenValidationFails();
-    void makeCfgReportsAFailedWrite();
-    void saveAsAsksForATarget();
-    void saveAsCancelledDoesNothing();
-    void saveAsWritesWithoutValidatingOrStoring_data();
-    void saveAsWritesWithoutValidatingOrStoring();
-    void saveAsReportsAFailedWrite();
+    void commands_data();
+    void commands();
     void editButtonFollowsTheScriptText();
     void editOpensTheScriptBelowBaseq3();
-    void shortcuts();
 
 private:
     std::unique_ptr<TestPlatform> platform;
@@ -79,131 +71,85 @@ void ConfigCommandsTest::cleanup() {
     platform.reset();
 }
 
-void ConfigCommandsTest::makeCfgWritesAfterValidation_data() {
-    QTest::addColumn<MsgAnswer>("answer");
-    QTest::newRow("view it") << MsgAnswer::Yes;
-    QTest::newRow("don't view it") << MsgAnswer::No;
+void ConfigCommandsTest::commands_data() {
+    QTest::addColumn<bool>("saveAs");      // "Save config file As" or "Create halvane.cfg"
+    QTest::addColumn<QString>("fault");    // "", "invalid", "write fails", "cancel"
+    QTest::addColumn<MsgAnswer>("answer"); // to the success question
+    QTest::addColumn<QString>("told");     // the message, "<target>" for the file written
+    QTest::addColumn<bool>("stored");      // settings stored (validation passed)
+    const QString created = message("Success!",
+                                    "halvane.cfg has been created in your baseq3 folder, would "
+                                    "you like to view it now?",
+                                    MsgButtons::YesNo, MsgIcon::Question);
+    const QString savedAs =
+        message("Success!", "<target> was created successfully!\r\rwould you like to view it now?",
+                MsgButtons::YesNo, MsgIcon::Question);
+    QTest::newRow("create, view it") << false << "" << MsgAnswer::Yes << created << true;
+    QTest::newRow("create, don't view") << false << "" << MsgAnswer::No << created << true;
+    QTest::newRow("create, validation refuses")
+        << false << "invalid" << MsgAnswer::No
+        << message("Warning!", "Server name is required", MsgButtons::Ok, MsgIcon::Critical)
+        << false;
+    QTest::newRow("create, write fails")
+        << false << "write fails" << MsgAnswer::No
+        << message("Warning!", "An error occured while creating the config file.", MsgButtons::Ok,
+                   MsgIcon::Critical)
+        << true;
+    // Saving elsewhere neither validates nor stores: refused values stay.
+    QTest::newRow("save as, view it") << true << "invalid" << MsgAnswer::Yes << savedAs << false;
+    QTest::newRow("save as, don't view") << true << "" << MsgAnswer::No << savedAs << false;
+    QTest::newRow("save as, write fails")
+        << true << "write fails" << MsgAnswer::No
+        << message("Warning!", "An error occured while creating <target>", MsgButtons::Ok,
+                   MsgIcon::Critical)
+        << false;
+    QTest::newRow("save as, cancelled")
+        << true << "cancel" << MsgAnswer::No << "0 messages" << false;
 }
 
-void ConfigCommandsTest::makeCfgWritesAfterValidation() {
+void ConfigCommandsTest::commands() {
+    QFETCH(bool, saveAs);
+    QFETCH(QString, fault);
     QFETCH(MsgAnswer, answer);
-    platform->messages.answers = {answer};
-    ui->mnuFileMakeCfg->trigger();
-
-    const QString target = platform->gameFolder() + "/baseq3/halvane.cfg";
-    QCOMPARE(writes.size(), 1);
-    QCOMPARE(writes[0].path, target);
-    QCOMPARE(writes[0].withCommandLine, false);
-    QCOMPARE(writes[0].commandLine, QString());
-    QCOMPARE(readAll(target), QByteArray("// test config for Arena\r\n"));
-    // Validation passed, so the settings were stored before the write.
-    QVERIFY(platform->store->writes.contains("General/Name=Arena"));
-
-    QCOMPARE(platform->messages.shown.size(), 1);
-    const ShownMessage& asked = platform->messages.shown[0];
-    QCOMPARE(asked.title, QStringLiteral("Success!"));
-    QCOMPARE(asked.text, QStringLiteral("halvane.cfg has been created in your baseq3 folder, "
-                                        "would you like to view it now?"));
-    QCOMPARE(asked.buttons, MsgButtons::YesNo);
-    QCOMPARE(asked.icon, MsgIcon::Question);
-    QCOMPARE(platform->shell.edited,
-             answer == MsgAnswer::Yes ? QStringList{target} : QStringList{});
-}
-
-void ConfigCommandsTest::makeCfgStopsWhenValidationFails() {
-    ui->txtServerName->clear();
-    ui->mnuFileMakeCfg->trigger();
-    QCOMPARE(writes.size(), 0);
-    QVERIFY(!QFile::exists(platform->gameFolder() + "/baseq3/halvane.cfg"));
-    QCOMPARE(platform->messages.shown.size(), 1);
-    QCOMPARE(platform->messages.shown[0].text, QStringLiteral("Server name is required"));
-    QCOMPARE(platform->store->writes, QStringList{});
-}
-
-void ConfigCommandsTest::makeCfgReportsAFailedWrite() {
-    writerSucceeds = false;
-    ui->mnuFileMakeCfg->trigger();
-    QCOMPARE(writes.size(), 1);
-    QCOMPARE(platform->messages.shown.size(), 1);
-    const ShownMessage& told = platform->messages.shown[0];
-    QCOMPARE(told.title, QStringLiteral("Warning!"));
-    QCOMPARE(told.text, QStringLiteral("An error occured while creating the config file."));
-    QCOMPARE(told.buttons, MsgButtons::Ok);
-    QCOMPARE(told.icon, MsgIcon::Critical);
-    QCOMPARE(platform->shell.edited, QStringList{});
-}
-
-void ConfigCommandsTest::saveAsAsksForATarget() {
-    ui->mnuFileSaveAs->trigger();
-    QCOMPARE(platform->dialogs.calls.size(), 1);
-    const FileDialogCall& call = platform->dialogs.calls[0];
-    QVERIFY(call.save);
-    QCOMPARE(call.title, QStringLiteral("Save config file as"));
-    QCOMPARE(call.filter, QStringLiteral("Config files|*.cfg;*.config"));
-    QCOMPARE(call.defaultSuffix, QStringLiteral("*.cfg"));
-    QCOMPARE(call.initialFolder, platform->gameFolder() + "/baseq3");
-}
-
-void ConfigCommandsTest::saveAsCancelledDoesNothing() {
-    ui->mnuFileSaveAs->trigger();
-    QCOMPARE(writes.size(), 0);
-    QCOMPARE(platform->messages.shown.size(), 0);
-    QCOMPARE(platform->store->writes, QStringList{});
-}
-
-void ConfigCommandsTest::saveAsWritesWithoutValidatingOrStoring_data() {
-    QTest::addColumn<MsgAnswer>("answer");
-    QTest::newRow("view it") << MsgAnswer::Yes;
-    QTest::newRow("don't view it") << MsgAnswer::No;
-}
-
-void ConfigCommandsTest::saveAsWritesWithoutValidatingOrStoring() {
-    QFETCH(MsgAnswer, answer);
-    // Settings validation would refuse, and a target outside baseq3.
-    ui->txtMaxPlayers->clear();
-    ui->txtHunkMegs->setText("8");
-    const QString target = platform->root() + "/elsewhere/my server.cfg";
+    QFETCH(QString, told);
+    QFETCH(bool, stored);
+    const QString target = saveAs ? platform->root() + "/elsewhere/my server.cfg"
+                                  : platform->gameFolder() + "/baseq3/halvane.cfg";
     QDir().mkpath(platform->root() + "/elsewhere");
-    platform->dialogs.choices = {FileChoice{true, target, "my server.cfg"}};
+    if (saveAs && fault != "cancel")
+        platform->dialogs.choices = {FileChoice{true, target, "my server.cfg"}};
+    if (fault == "invalid")
+        ui->txtServerName->clear();
+    writerSucceeds = fault != "write fails";
     platform->messages.answers = {answer};
 
-    ui->mnuFileSaveAs->trigger();
+    (saveAs ? ui->mnuFileSaveAs : ui->mnuFileMakeCfg)->trigger();
 
-    QCOMPARE(writes.size(), 1);
-    QCOMPARE(writes[0].path, target);
-    QCOMPARE(writes[0].withCommandLine, false);
-    QCOMPARE(readAll(target), QByteArray("// test config for Arena\r\n"));
-    QCOMPARE(ui->txtHunkMegs->text(), QStringLiteral("8")); // no silent fills either
-    QCOMPARE(platform->store->writes, QStringList{});
-    QCOMPARE(platform->messages.shown.size(), 1);
-    const ShownMessage& asked = platform->messages.shown[0];
-    QCOMPARE(asked.title, QStringLiteral("Success!"));
-    QCOMPARE(asked.text, target + " was created successfully!\r\rwould you like to view it now?");
-    QCOMPARE(asked.buttons, MsgButtons::YesNo);
-    QCOMPARE(asked.icon, MsgIcon::Question);
+    QCOMPARE(onlyMessage(platform->messages), QString(told).replace("<target>", target));
+    const bool written = told.startsWith("Success!");
+    QCOMPARE(QFile::exists(target), written);
+    if (written)
+        QCOMPARE(readAll(target),
+                 "// test config for " + ui->txtServerName->text().toLatin1() + "\r\n");
+    for (const WriteCall& call : writes) {
+        QCOMPARE(call.path, target);
+        QVERIFY(!call.withCommandLine && call.commandLine.isEmpty());
+    }
+    QCOMPARE(platform->store->writes.contains("General/Name=Arena"), stored);
     QCOMPARE(platform->shell.edited,
-             answer == MsgAnswer::Yes ? QStringList{target} : QStringList{});
-}
-
-void ConfigCommandsTest::saveAsReportsAFailedWrite() {
-    writerSucceeds = false;
-    const QString target = platform->gameFolder() + "/baseq3/other.cfg";
-    platform->dialogs.choices = {FileChoice{true, target, "other.cfg"}};
-    ui->mnuFileSaveAs->trigger();
-    QCOMPARE(platform->messages.shown.size(), 1);
-    const ShownMessage& told = platform->messages.shown[0];
-    QCOMPARE(told.title, QStringLiteral("Warning!"));
-    QCOMPARE(told.text, "An error occured while creating " + target);
-    QCOMPARE(told.buttons, MsgButtons::Ok);
-    QCOMPARE(told.icon, MsgIcon::Critical);
+             written && answer == MsgAnswer::Yes ? QStringList{target} : QStringList{});
+    if (saveAs) {
+        QCOMPARE(platform->dialogs.calls.size(), 1);
+        const FileDialogCall& call = platform->dialogs.calls[0];
+        QVERIFY(call.save);
+        QCOMPARE(call.title + "|" + call.filter + "|" + call.defaultSuffix,
+                 QStringLiteral("Save config file as|Config files|*.cfg;*.config|*.cfg"));
+        QCOMPARE(call.initialFolder, platform->gameFolder() + "/baseq3");
+    }
 }
 
 void ConfigCommandsTest::editButtonFollowsTheScriptText() {
     ui->txtCfg->addItem("server.cfg");
-    ui->txtCfg->setEditText("");
-    QVERIFY(!ui->cmdEditCfg->isEnabled());
-    ui->txtCfg->setEditText("s");
-    QVERIFY(ui->cmdEditCfg->isEnabled());
     ui->txtCfg->setEditText("");
     QVERIFY(!ui->cmdEditCfg->isEnabled());
     ui->txtCfg->setCurrentIndex(ui->txtCfg->findText("server.cfg"));
@@ -229,11 +175,6 @@ void ConfigCommandsTest::editOpensTheScriptBelowBaseq3() {
     window->configCommands().cmdEditCfg();
     QCOMPARE(platform->shell.edited.size(), 2);
     QCOMPARE(platform->messages.shown.size(), 0);
-}
-
-void ConfigCommandsTest::shortcuts() {
-    QCOMPARE(ui->mnuFileMakeCfg->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_S));
-    QCOMPARE(ui->mnuFileSaveAs->shortcut(), QKeySequence(Qt::CTRL | Qt::Key_A));
 }
 
 QTEST_MAIN(ConfigCommandsTest)
