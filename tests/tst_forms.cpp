@@ -66,20 +66,12 @@ private slots:
 
     void tabCaptions_data();
     void tabCaptions();
-    void selectorsStartEmpty_data();
-    void selectorsStartEmpty();
-    void ruleBoxLimits_data();
-    void ruleBoxLimits();
     void everyInputHasAnAccessibleName_data();
     void everyInputHasAnAccessibleName();
 
     void menuActions_data();
     void menuActions();
-    void menuOrder_data();
-    void menuOrder();
-    void mapListPopupIsNotOnTheMenuBar();
 
-    void windowStartsOpenWithoutQtStatusBar();
     void tabFitsClosedWindow_data();
     void tabFitsClosedWindow();
     void tabControlsDoNotOverlap_data();
@@ -176,49 +168,6 @@ void TestForms::tabCaptions() {
     QVERIFY(m_mainUi.SSTab1->widget(index)->isAncestorOf(w));
 }
 
-// The code fills every list at start-up; the form must not bring entries of its own.
-void TestForms::selectorsStartEmpty_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<bool>("editable");
-
-    for (const char* name : {"cmbGameType", "cmbServerType", "cmbBotType", "cmbBotTeam",
-                             "cmbBotSkill", "cmbAutoBotSkill"})
-        QTest::newRow(name) << QString::fromLatin1(name) << false;
-    for (const char* name : {"txtCfg", "txtCmdParameters"})
-        QTest::newRow(name) << QString::fromLatin1(name) << true;
-}
-
-void TestForms::selectorsStartEmpty() {
-    QFETCH(QString, name);
-    QFETCH(bool, editable);
-
-    auto* selector = m_main->findChild<QComboBox*>(name);
-    QVERIFY(selector);
-    QCOMPARE(selector->count(), 0);
-    QCOMPARE(selector->isEditable(), editable);
-}
-
-void TestForms::ruleBoxLimits_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("maxLength");
-
-    QTest::newRow("txtMapTimeLimit") << "txtMapTimeLimit" << 3;
-    QTest::newRow("txtMapFragLimit") << "txtMapFragLimit" << 3;
-    QTest::newRow("txtMapCapturelimit") << "txtMapCapturelimit" << 3;
-    QTest::newRow("txtMapSpeed") << "txtMapSpeed" << 4;
-    QTest::newRow("txtMapGravity") << "txtMapGravity" << 4;
-    QTest::newRow("txtMapKnockback") << "txtMapKnockback" << 4;
-}
-
-void TestForms::ruleBoxLimits() {
-    QFETCH(QString, name);
-    QFETCH(int, maxLength);
-
-    auto* box = m_main->findChild<QLineEdit*>(name);
-    QVERIFY(box);
-    QCOMPARE(box->maxLength(), maxLength);
-}
-
 // A screen reader names every box by its label (buddy) or by an accessible name.
 void TestForms::everyInputHasAnAccessibleName_data() {
     QTest::addColumn<QString>("formName");
@@ -313,66 +262,7 @@ void TestForms::menuActions() {
     QCOMPARE(action->isChecked(), checked);
 }
 
-// The items of each menu in order; "-" is a separator.
-void TestForms::menuOrder_data() {
-    QTest::addColumn<QString>("menu");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QStringList>("items");
-
-    QTest::newRow("mnuFile") << "mnuFile"
-                             << "&File"
-                             << QStringList{"mnuFileMakeCfg", "mnuFileSaveAs", "-", "mnuFileClose"};
-    QTest::newRow("mnuSettings") << "mnuSettings"
-                                 << "&Settings"
-                                 << QStringList{"mnuSettingsQ3Path",   "-",
-                                                "mnuSettingsMapCheck", "-",
-                                                "mnuSettingsGeneral",  "mnuSettingsBots",
-                                                "mnuSettingsMaps",     "mnuSettingsOptions",
-                                                "mnuSettingsAdvanced"};
-    QTest::newRow("mnuView") << "mnuView"
-                             << "&View" << QStringList{"mnuViewStatusBar", "-", "mnuViewNews"};
-    QTest::newRow("mnuHelp") << "mnuHelp"
-                             << "&Help"
-                             << QStringList{
-                                    "mnuHelpHalvane", "-", "mnuHelpContext", "-", "mnuHelpOnline",
-                                    "mnuHelpFAQ",     "-", "mnuHelpAbout"};
-    QTest::newRow("mnuMapList") << "mnuMapList"
-                                << "Maps"
-                                << QStringList{"mnuMapSelect", "-", "mnuMapNew",       "mnuMapEdit",
-                                               "mnuMapDelete", "-", "mnuMapsSelectAll"};
-}
-
-void TestForms::menuOrder() {
-    QFETCH(QString, menu);
-    QFETCH(QString, title);
-    QFETCH(QStringList, items);
-
-    auto* owner = m_main->findChild<QMenu*>(menu);
-    QVERIFY(owner);
-    QCOMPARE(owner->title(), title);
-    QStringList actual;
-    for (QAction* action : owner->actions())
-        actual << (action->isSeparator() ? QStringLiteral("-") : action->objectName());
-    QCOMPARE(actual, items);
-}
-
-void TestForms::mapListPopupIsNotOnTheMenuBar() {
-    QStringList bar;
-    for (QAction* action : m_main->menuBar()->actions())
-        bar << (action->menu() ? action->menu()->objectName() : action->objectName());
-    QCOMPARE(bar, (QStringList{"mnuFile", "mnuSettings", "mnuView", "mnuHelp"}));
-    // The popup is a window of its own, yet it belongs to the main window's object tree.
-    QCOMPARE(m_main->findChild<QMenu*>(QStringLiteral("mnuMapList")), m_mainUi.mnuMapList);
-    QVERIFY(m_mainUi.mnuMapList->isWindow());
-}
-
 // ------------------------------------------------------------------ sizes
-
-void TestForms::windowStartsOpenWithoutQtStatusBar() {
-    QCOMPARE(m_main->height(), OpenHeight);
-    QVERIFY(m_main->width() >= 640 && m_main->width() <= 720);
-    QVERIFY(!m_main->findChild<QStatusBar*>());
-}
 
 void TestForms::tabFitsClosedWindow_data() {
     QTest::addColumn<int>("index");
