@@ -137,50 +137,6 @@ std::optional<QString> rcon(quint16 port, const QString& password, const QString
     return QString::fromLatin1(reply->mid(6));
 }
 
-RealServer::~RealServer() {
-    stop();
-}
-
-bool RealServer::start(const QString& gameFolder, const QStringList& arguments) {
-    m_process.setWorkingDirectory(gameFolder);
-    // Output goes to a file: a pipe nobody drains would stall the server.
-    m_console = QDir(gameFolder).filePath(QStringLiteral("home/console.txt"));
-    m_process.setProcessChannelMode(QProcess::MergedChannels);
-    m_process.setStandardOutputFile(m_console, QIODevice::Truncate);
-    m_process.setStandardInputFile(QProcess::nullDevice());
-    m_process.start(QDir(gameFolder).filePath(QStringLiteral("quake3.exe")), arguments);
-    return m_process.waitForStarted(5000);
-}
-
-void RealServer::stop() {
-    if (m_process.state() == QProcess::NotRunning)
-        return;
-    m_process.terminate();
-    if (!m_process.waitForFinished(5000)) {
-        m_process.kill();
-        m_process.waitForFinished(5000);
-    }
-}
-
-bool RealServer::running() {
-    // Without an event loop the process learns of its child's end here.
-    m_process.waitForFinished(0);
-    return m_process.state() == QProcess::Running;
-}
-
-QString RealServer::output() {
-    QFile console(m_console);
-    if (!console.open(QIODevice::ReadOnly))
-        return QString();
-    return QString::fromLatin1(console.readAll());
-}
-
-std::optional<ServerStatus>
-RealServer::waitForStatus(quint16 port, const std::function<bool(const ServerStatus&)>& ok,
-                          std::chrono::milliseconds timeout) {
-    return e2e::waitForStatus(port, ok, timeout, [this] { return running(); });
-}
-
 std::optional<ServerStatus> waitForStatus(quint16 port,
                                           const std::function<bool(const ServerStatus&)>& ok,
                                           std::chrono::milliseconds timeout,

@@ -1,17 +1,16 @@
 #pragma once
 
 #include <QMap>
-#include <QProcess>
 #include <QString>
 #include <QStringList>
 #include <chrono>
 #include <functional>
 #include <optional>
 
-// Helpers for tests that run the generated scripts in a real dedicated
-// server: a game folder laid out like the original game's but holding the
-// free OpenArena data, a stand-in quake3.exe that starts the engine, and the
-// server's UDP queries. Everything stays on the loopback interface.
+// Helpers for tests that run our scripts in a real dedicated server: a game
+// folder laid out like the original game's but holding the free OpenArena
+// data, a stand-in quake3.exe that starts the engine, and the server's UDP
+// queries. Everything stays on the loopback interface.
 namespace halvane::e2e {
 
 // Where the engine and the game data are expected (Debian's packages
@@ -63,29 +62,5 @@ std::optional<ServerStatus> waitForStatus(quint16 port,
                                           const std::function<bool(const ServerStatus&)>& ok,
                                           std::chrono::milliseconds timeout,
                                           const std::function<bool()>& serverLives);
-
-// A running dedicated server, started from a game folder's quake3.exe with
-// the given arguments (no shell between), stopped when destroyed.
-class RealServer {
-public:
-    RealServer() = default;
-    ~RealServer();
-    RealServer(const RealServer&) = delete;
-    RealServer& operator=(const RealServer&) = delete;
-
-    bool start(const QString& gameFolder, const QStringList& arguments);
-    void stop();
-    bool running();
-    // The server's console output so far.
-    QString output();
-
-    std::optional<ServerStatus> waitForStatus(quint16 port,
-                                              const std::function<bool(const ServerStatus&)>& ok,
-                                              std::chrono::milliseconds timeout);
-
-private:
-    QProcess m_process;
-    QString m_console;
-};
 
 } // namespace halvane::e2e

@@ -1,7 +1,8 @@
 // The operator's way to a real server: the main window driven offscreen,
-// the game location chosen in the path dialog, options, bots and maps set in
-// the window, "Launch the Server" pressed, and the server that answers on
-// the loopback interface checked over UDP.
+// the game location chosen in the path dialog, options, random bots and a
+// two-map rotation set in the window, "Launch the Server" pressed, and the
+// server that answers on the loopback interface checked over UDP, through
+// the rotation to the second map and its bot set.
 #include "RealServer.h"
 #include "TestSupport.h"
 
@@ -42,6 +43,16 @@ QSet<QString> asSet(const QStringList& names) {
     return QSet<QString>(names.begin(), names.end());
 }
 
+// The bots a bot set script adds.
+QSet<QString> addedBots(const QString& path) {
+    QStringList names;
+    for (const QString& line : QString::fromLatin1(test::readAll(path)).split("\r\n")) {
+        if (line.startsWith("addbot "))
+            names.append(line.section(' ', 1, 1));
+    }
+    return asSet(names);
+}
+
 void chooseMap(Ui::frmMain& ui, const QString& name, const QString& time, const QString& frag) {
     const QList<QListWidgetItem*> found = ui.SelMap->findItems(name, Qt::MatchExactly);
     QVERIFY2(found.size() == 1, qPrintable(name));
@@ -71,7 +82,7 @@ void TestLaunchWindow::operatorLaunchesTwoServers() {
     // the free game's bots, as the operator would edit it.
     platform.writeFile(platform.programFolder() + "/maplist.txt", "oa_dm1\r\noa_dm2\r\n");
     platform.writeFile(platform.programFolder() + "/botlist.txt",
-                       "Sarge\r\nMajor\r\nGrism\r\nKyonshi\r\n");
+                       "Sarge\r\nMajor\r\nGrism\r\nKyonshi\r\nGargoyle\r\n");
     platform.dialogs.choices = {{true, game + "/quake3.exe", "quake3.exe"}};
 
     QtProcesses processes; // the game really starts
@@ -98,12 +109,8 @@ void TestLaunchWindow::operatorLaunchesTwoServers() {
          {ui.txtMaster_0, ui.txtMaster_1, ui.txtMaster_2, ui.txtMaster_3, ui.txtMaster_4})
         master->clear(); // announce to nobody
     ui.cmbBotType->setCurrentIndex(1);
-    ui.chkAutoSelectBots->setChecked(false);
-    for (const char* bot : {"Sarge", "Grism"}) {
-        const QList<QListWidgetItem*> found = ui.BotList->findItems(bot, Qt::MatchExactly);
-        QVERIFY2(found.size() == 1, bot);
-        found.first()->setCheckState(Qt::Checked);
-    }
+    ui.chkAutoSelectBots->setChecked(true); // a random set of bots per map
+    ui.txtRandomBots->setText("3");
 
     ui.MapList->clearSelection();
     for (const char* map : {"oa_dm1", "oa_dm2"}) {
@@ -124,21 +131,38 @@ void TestLaunchWindow::operatorLaunchesTwoServers() {
     QVERIFY(window.launch().ServerRunning());
     started.tasks << window.launch().ServerTaskID;
 
+    const QString srvbots = game + "/baseq3/srvbots/botset%1.cfg";
+    const QSet<QString> firstBots = addedBots(srvbots.arg(0));
+    const QSet<QString> secondBots = addedBots(srvbots.arg(1));
+    QVERIFY(firstBots.size() >= 2 && secondBots.size() >= 2);
     const auto lives = [&] { return window.launch().ServerRunning(); };
     auto status = waitForStatus(
-        port,
-        [](const ServerStatus& st) {
-            return asSet(st.playerNames()) == QSet<QString>{"Sarge", "Grism"};
-        },
-        60s, lives);
-    QVERIFY2(status, "the launched server does not answer with its bots");
+        port, [&](const ServerStatus& st) { return asSet(st.playerNames()) == firstBots; }, 60s,
+        lives);
+    QVERIFY2(status, "the launched server does not answer");
+    QCOMPARE(asSet(status->playerNames()), firstBots);
     QCOMPARE(status->info.value("sv_hostname"), QStringLiteral("Halvane window e2e"));
     QCOMPARE(status->info.value("g_gametype"), QStringLiteral("3"));
     QCOMPARE(status->info.value("sv_maxclients"), QStringLiteral("12"));
     QCOMPARE(status->info.value("mapname"), QStringLiteral("oa_dm1"));
     QCOMPARE(status->info.value("timelimit"), QStringLiteral("25"));
     QCOMPARE(status->info.value("fraglimit"), QStringLiteral("60"));
-    QVERIFY(rcon(port, "e2e-window", "status"));
+
+    // The rotation: the next map's line kicks the first set and adds its own.
+    QVERIFY(rcon(port, "e2e-window", "vstr nextmap"));
+    status = waitForStatus(
+        port,
+        [&](const ServerStatus& st) {
+            return st.info.value("mapname") == "oa_dm2" && asSet(st.playerNames()) == secondBots;
+        },
+        60s, lives);
+    QVERIFY2(status, "no answer after the rotation");
+    QCOMPARE(status->info.value("mapname"), QStringLiteral("oa_dm2"));
+    QCOMPARE(status->info.value("timelimit"), QStringLiteral("30"));
+    QCOMPARE(status->info.value("fraglimit"), QStringLiteral("70"));
+    QCOMPARE(asSet(status->playerNames()), secondBots);
+    const auto refused = rcon(port, "wrong", "vstr nextmap");
+    QVERIFY(refused && refused->contains("Bad rconpassword"));
 
     // A second server while the first runs: the question, then another port.
     const quint16 second = freeUdpPort();
