@@ -22,10 +22,8 @@ private slots:
     void secondCopyEndsWithoutStoring();
     void resizePlacesTheStatusPanel_data();
     void resizePlacesTheStatusPanel();
-    void buttonsStayAboveTheClosedPanel();
     void toggleAtThreshold_data();
     void toggleAtThreshold();
-    void barAndMenuOpenAndClose();
     void animationLetsEventsRunAndIgnoresReentry();
     void closingMidAnimationSavesTheAskedState();
     void tipLineAppearsAbove6000();
@@ -120,12 +118,9 @@ void ShellTest::secondCopyEndsWithoutStoring() {
     QStringList steps;
     f.window->stepRecorder = [&](const QString& step) { steps << step; };
     f.window->showMainWindow();
-    QCOMPARE(f.platform.messages.shown.size(), 1);
-    const ShownMessage& shown = f.platform.messages.shown.first();
-    QCOMPARE(shown.title, QStringLiteral("What have you been smoking?"));
-    QCOMPARE(shown.text, QStringLiteral("Halvane is already running"));
-    QCOMPARE(shown.buttons, MsgButtons::Ok);
-    QCOMPARE(shown.icon, MsgIcon::Information);
+    QCOMPARE(onlyMessage(f.platform.messages),
+             message("What have you been smoking?", "Halvane is already running", MsgButtons::Ok,
+                     MsgIcon::Information));
     QVERIFY(f.window->hasEnded());
     QVERIFY(!f.window->isVisible());
     QVERIFY(f.platform.store->writes.isEmpty());
@@ -141,7 +136,6 @@ void ShellTest::resizePlacesTheStatusPanel_data() {
     QTest::newRow("tip appears") << 6006;
     QTest::newRow("threshold") << 6250;
     QTest::newRow("open") << 6450;
-    QTest::newRow("taller than open") << 7200;
 }
 
 void ShellTest::resizePlacesTheStatusPanel() {
@@ -176,24 +170,6 @@ void ShellTest::resizePlacesTheStatusPanel() {
         QVERIFY(qAbs(f.ui().scrTip->y() - tipTop) <= 1); // rounding of two conversions
 }
 
-void ShellTest::buttonsStayAboveTheClosedPanel() {
-    Fixture f;
-    f.window->showMainWindow();
-    f.panel().setHeightTwips(StatusPanel::ClosedTwips);
-    QCOMPARE(f.window->height(), twipsToPixels(5790, *f.window));
-    const QRect close = f.ui().cmdClose->geometry();
-    const QRect bar = f.ui().btnStatus->geometry();
-    QVERIFY2(close.bottom() < bar.top(),
-             qPrintable(QStringLiteral("buttons end at %1, the bar starts at %2")
-                            .arg(close.bottom())
-                            .arg(bar.top())));
-    QVERIFY(bar.bottom() < f.ui().centralwidget->height());
-    // Open, the tip line shows two lines of text below the buttons.
-    f.panel().setHeightTwips(6450);
-    QVERIFY(f.ui().scrTip->y() > close.bottom());
-    QVERIFY(f.ui().scrTip->height() >= 2 * f.ui().txtTip->fontMetrics().lineSpacing());
-}
-
 void ShellTest::toggleAtThreshold_data() {
     QTest::addColumn<int>("from");
     QTest::addColumn<int>("to");
@@ -220,24 +196,6 @@ void ShellTest::toggleAtThreshold() {
     QCOMPARE(f.panel().isOpen(), checked);
     if (checked)
         QVERIFY(f.ui().txtTip->isVisible());
-}
-
-void ShellTest::barAndMenuOpenAndClose() {
-    Fixture f;
-    f.window->showMainWindow();
-    f.panel().setHeightTwips(6450);
-    f.ui().mnuViewStatusBar->trigger();
-    QCOMPARE(f.panel().heightTwips(), 5790);
-    QVERIFY(!f.ui().mnuViewStatusBar->isChecked());
-    f.ui().mnuViewStatusBar->trigger();
-    QCOMPARE(f.panel().heightTwips(), 6450);
-    QVERIFY(f.ui().mnuViewStatusBar->isChecked());
-    f.ui().btnStatus->click();
-    QCOMPARE(f.panel().heightTwips(), 5790);
-    QVERIFY(!f.ui().mnuViewStatusBar->isChecked());
-    f.ui().btnStatus->click();
-    QCOMPARE(f.panel().heightTwips(), 6450);
-    QVERIFY(f.ui().mnuViewStatusBar->isChecked());
 }
 
 void ShellTest::animationLetsEventsRunAndIgnoresReentry() {
