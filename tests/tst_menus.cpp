@@ -23,16 +23,13 @@ private slots:
     void editingKeysStayWithTextBoxes();
     void f1OpensTheHelpOfTheTabShown_data();
     void f1OpensTheHelpOfTheTabShown();
-    void helpOutsideTheTabsIsTheHelpFolder();
     void menuTargets_data();
     void menuTargets();
     void aboutLinks_data();
     void aboutLinks();
-    void linksWorkFromTheKeyboard();
     void f8ShowsAboutAndDisablesTheTabLeft();
     void masterServersFollowTheTabShown();
     void logFrameIsUsableWhileAdvancedIsShown();
-    void searchAtStartupTwiceLeavesItAsItWas();
     void shiftClickOnTabStripShowsHiddenWindow_data();
     void shiftClickOnTabStripShowsHiddenWindow();
     void closingHiddenWindowBringsMainForward();
@@ -129,13 +126,6 @@ void MenusTest::f1OpensTheHelpOfTheTabShown() {
              qPrintable(page));
 }
 
-void MenusTest::helpOutsideTheTabsIsTheHelpFolder() {
-    Fixture f(false);
-    QCOMPARE(f.window->helpMenu().helpTarget(6), f.help(""));
-    QCOMPARE(f.window->helpMenu().helpTarget(-1), f.help(""));
-    QCOMPARE(HelpMenu::helpPage(6), QString());
-}
-
 void MenusTest::menuTargets_data() {
     QTest::addColumn<QString>("action");
     QTest::addColumn<QString>("target");
@@ -183,16 +173,6 @@ void MenusTest::aboutLinks() {
     f.ui().SSTab1->setCurrentIndex(label == "Label6" ? 4 : 5);
     QTest::mouseClick(link, Qt::LeftButton, Qt::NoModifier, QPoint(2, 2));
     QCOMPARE(f.platform.shell.opened, QStringList{target});
-}
-
-void MenusTest::linksWorkFromTheKeyboard() {
-    Fixture f;
-    f.ui().SSTab1->setCurrentIndex(5);
-    f.ui().Label27->setFocus();
-    QVERIFY(f.ui().Label27->hasFocus());
-    QTest::keyClick(f.ui().Label27, Qt::Key_Return);
-    QCOMPARE(f.platform.shell.opened,
-             QStringList{AppInfo::productSiteAddress() + "/bugreport.shtml"});
 }
 
 void MenusTest::f8ShowsAboutAndDisablesTheTabLeft() {
@@ -247,23 +227,12 @@ void MenusTest::logFrameIsUsableWhileAdvancedIsShown() {
     QVERIFY(ui.Frame16->isEnabled());
 }
 
-void MenusTest::searchAtStartupTwiceLeavesItAsItWas() {
-    Fixture f(false);
-    auto* mark = f.ui().mnuSettingsMapCheck;
-    const bool before = mark->isChecked();
-    mark->trigger();
-    QCOMPARE(mark->isChecked(), !before);
-    mark->trigger();
-    QCOMPARE(mark->isChecked(), before);
-}
-
 void MenusTest::shiftClickOnTabStripShowsHiddenWindow_data() {
     QTest::addColumn<int>("modifiers");
     QTest::addColumn<bool>("shown");
     QTest::newRow("Shift") << int(Qt::ShiftModifier) << true;
     QTest::newRow("no key") << int(Qt::NoModifier) << false;
     QTest::newRow("Shift+Ctrl") << int(Qt::ShiftModifier | Qt::ControlModifier) << false;
-    QTest::newRow("Shift+Alt") << int(Qt::ShiftModifier | Qt::AltModifier) << false;
 }
 
 void MenusTest::shiftClickOnTabStripShowsHiddenWindow() {
