@@ -19,93 +19,76 @@ private slots:
 };
 
 void InterlocksTest::rules_data() {
-    // Steps: "control=value" in order, a position for a selector, 1/0 for a
-    // box; "startup" as the start-up leaves the first game type change.
-    // Expected: "control" usable, "!control" unusable, either with "=1"/"=0"
-    // for its check state; "@panel" the bot panel in front.
-    QTest::addColumn<QString>("steps");
-    QTest::addColumn<QString>("expected");
-    const auto row = [](const char* name, const char* steps, const char* expected) {
-        QTest::newRow(name) << QString(steps) << QString(expected);
-    };
-    row("team play", "cmbGameType=0 cmbGameType=2", "chkFriendly chkAutoJoin chkAutoBalance");
-    row("ctf", "cmbGameType=3", "chkFriendly chkAutoBalance");
-    row("start-up change does nothing else", "cmbGameType=0 startup cmbGameType=2", "!chkFriendly");
-    row("start-up ends at one change", "cmbGameType=0 startup cmbGameType=2 cmbGameType=3",
-        "chkFriendly");
-    row("tournament", "cmbGameType=2 cmbGameType=1", "!chkFriendly !chkAutoJoin !chkAutoBalance");
-    row("team boxes keep values", "cmbGameType=2 chkFriendly=1 chkAutoJoin=0 cmbGameType=1",
-        "!chkFriendly=1 !chkAutoJoin=0");
-    row("listen", "cmbServerType=0", "!txtNetIP !txtNetPort !Label13 !Label14 !Label12 !Frame1");
-    row("private", "cmbServerType=0 cmbServerType=1", "txtNetIP txtNetPort Label12 !Frame1");
-    row("dedicated", "cmbServerType=0 cmbServerType=2", "txtNetIP Frame1 txtMaster_2");
-    row("warm-up on", "chkWarmUp=1", "txtWarmUpTime");
-    row("warm-up off", "chkWarmUp=1 chkWarmUp=0", "!txtWarmUpTime");
-    row("no log file", "chkLogFile=1 chkLogFile=0", "!Frame11 !txtLogFile !chkDateLog");
-    row("log, date coded", "chkLogFile=1 chkDateLog=1", "chkDateLog !txtLogFile");
-    row("log, named", "chkDateLog=1 chkLogFile=1 chkDateLog=0", "txtLogFile");
-    row("start state on", "chkStartState=1", "optMinimize optClose");
-    row("start state off", "chkStartState=1 chkStartState=0", "!optMinimize !optClose");
-    row("minimize clears close", "chkStartState=1 optClose=1 optMinimize=1",
-        "optMinimize=1 optClose=0");
-    row("close clears minimize", "chkStartState=1 optMinimize=1 optClose=1",
-        "optMinimize=0 optClose=1");
-    row("both may be clear", "chkStartState=1 optMinimize=1 optMinimize=0",
-        "optMinimize=0 optClose=0");
-    row("password on", "chkRequirePassword=1", "txtServerPW txtPrivateClients lblPrivateClients");
-    row("password off", "chkRequirePassword=1 chkRequirePassword=0",
-        "!txtServerPW !txtPrivateClients !lblPrivateClients");
-    row("cd on", "chkSpecifyCD=1", "txtCDROM");
-    row("cd off", "chkSpecifyCD=1 chkSpecifyCD=0", "!txtCDROM");
-    row("automatic bots", "cmbBotType=2",
-        "@picAutoBots picAutoBots cmbAutoBotSkill txtMinBots !chkAutoSelectBots !txtRandomBots "
-        "chkDisableBotChat chkNoBotJump chkRocketJump");
-    row("user bots, random", "cmbBotType=1 chkAutoSelectBots=1",
-        "@picManualBots !BotList txtRandomBots Label31 chkAutoSelectBots");
-    row("user bots, chosen", "cmbBotType=1 chkAutoSelectBots=1 chkAutoSelectBots=0",
-        "BotList !txtRandomBots !Label31 cmbBotTeam lblBotCount");
-    row("bots disabled", "cmbBotType=1 chkAutoSelectBots=1 cmbBotType=0",
-        "@picManualBots !BotList !cmbBotSkill !txtRandomBots !chkDisableBotChat !txtMinBots "
-        "chkNoBotJump chkRocketJump");
-    row("automatic then disabled", "cmbBotType=2 cmbBotType=0", "@picAutoBots !picAutoBots");
-    row("random skill", "cmbBotType=1 chkRandomBotSkill=1", "!cmbBotSkill !Label16");
-    row("random skill off", "cmbBotType=1 chkRandomBotSkill=1 chkRandomBotSkill=0",
-        "cmbBotSkill Label16");
-    row("random skill, bot type changed", "chkRandomBotSkill=1 cmbBotType=2 cmbBotType=1",
-        "!cmbBotSkill");
+    // In order: "control=value" sets a selector's position or a box (1/0);
+    // "startup" leaves the flag the start-up sets for the first game type
+    // change; "?control" must be usable, "?!control" not, either with "=1"/"=0"
+    // for its check state; "?@panel" is the bot panel in front.
+    QTest::addColumn<QString>("script");
+    QTest::newRow("team play") << "cmbGameType=2 ?chkFriendly ?chkAutoJoin ?chkAutoBalance";
+    QTest::newRow("ctf") << "cmbGameType=3 ?chkFriendly ?chkAutoBalance";
+    QTest::newRow("tournament") << "cmbGameType=2 cmbGameType=1 ?!chkFriendly ?!chkAutoJoin";
+    QTest::newRow("team boxes keep values") << "cmbGameType=2 chkFriendly=1 chkAutoJoin=0 "
+                                               "cmbGameType=1 ?!chkFriendly=1 ?!chkAutoJoin=0";
+    QTest::newRow("start-up change does nothing else")
+        << "cmbGameType=0 startup cmbGameType=2 ?!chkFriendly cmbGameType=3 ?chkFriendly";
+    QTest::newRow("listen")
+        << "cmbServerType=0 ?!txtNetIP ?!txtNetPort ?!Label13 ?!Label12 ?!Frame1";
+    QTest::newRow("private") << "cmbServerType=0 cmbServerType=1 ?txtNetIP ?Label12 ?!Frame1";
+    QTest::newRow("dedicated")
+        << "cmbServerType=0 cmbServerType=2 ?txtNetPort ?Frame1 ?txtMaster_2";
+    QTest::newRow("warm-up") << "chkWarmUp=1 ?txtWarmUpTime chkWarmUp=0 ?!txtWarmUpTime";
+    QTest::newRow("no log file") << "chkLogFile=1 chkLogFile=0 ?!Frame11 ?!txtLogFile ?!chkDateLog";
+    QTest::newRow("log file") << "chkLogFile=1 chkDateLog=1 ?chkDateLog ?!txtLogFile chkDateLog=0 "
+                                 "?txtLogFile";
+    QTest::newRow("minimize or close")
+        << "chkStartState=1 optClose=1 optMinimize=1 ?optMinimize=1 ?optClose=0 optClose=1 "
+           "?optMinimize=0 optClose=0 ?optMinimize=0 ?optClose=0 chkStartState=0 ?!optMinimize";
+    QTest::newRow("password") << "chkRequirePassword=1 ?txtServerPW ?txtPrivateClients "
+                                 "?lblPrivateClients chkRequirePassword=0 ?!txtServerPW "
+                                 "?!txtPrivateClients ?!lblPrivateClients";
+    QTest::newRow("cd") << "chkSpecifyCD=1 ?txtCDROM chkSpecifyCD=0 ?!txtCDROM";
+    QTest::newRow("automatic bots")
+        << "cmbBotType=2 ?@picAutoBots ?picAutoBots ?cmbAutoBotSkill ?txtMinBots "
+           "?!chkAutoSelectBots ?!txtRandomBots ?chkDisableBotChat ?chkNoBotJump ?chkRocketJump "
+           "cmbBotType=0 ?@picAutoBots ?!picAutoBots";
+    QTest::newRow("user bots") << "cmbBotType=1 chkAutoSelectBots=1 ?@picManualBots ?!BotList "
+                                  "?txtRandomBots ?Label31 chkAutoSelectBots=0 ?BotList "
+                                  "?!txtRandomBots ?!Label31 ?cmbBotTeam ?lblBotCount";
+    QTest::newRow("bots disabled")
+        << "cmbBotType=1 chkAutoSelectBots=1 cmbBotType=0 ?@picManualBots ?!BotList ?!cmbBotSkill "
+           "?!txtRandomBots ?!chkDisableBotChat ?!txtMinBots ?chkNoBotJump ?chkRocketJump";
+    QTest::newRow("random skill") << "cmbBotType=1 chkRandomBotSkill=1 ?!cmbBotSkill ?!Label16 "
+                                     "chkRandomBotSkill=0 ?cmbBotSkill ?Label16";
+    QTest::newRow("random skill, bot type changed")
+        << "chkRandomBotSkill=1 cmbBotType=2 cmbBotType=1 ?!cmbBotSkill";
 }
 
 void InterlocksTest::rules() {
-    QFETCH(QString, steps);
-    QFETCH(QString, expected);
+    QFETCH(QString, script);
     TestPlatform platform;
     platform.makeGameFolder();
     MainWindow window(*platform.app);
     window.showMainWindow();
-    for (const QString& step : steps.split(' ')) {
-        if (step == "startup") {
+    for (const QString& token : script.split(' ')) {
+        QString name = token.section('=', 0, 0);
+        name.remove('?').remove('!').remove('@');
+        QObject* object = token == "startup" ? &window : window.findChild<QObject*>(name);
+        QVERIFY2(object, qPrintable(token));
+        auto* button = qobject_cast<QAbstractButton*>(object);
+        if (token == "startup") {
             platform.app->state.StartupInProgress = true;
-            continue;
-        }
-        QObject* control = window.findChild<QObject*>(step.section('=', 0, 0));
-        QVERIFY2(control, qPrintable(step));
-        if (auto* combo = qobject_cast<QComboBox*>(control))
-            combo->setCurrentIndex(step.section('=', 1).toInt());
-        else
-            qobject_cast<QAbstractButton*>(control)->setChecked(step.endsWith("=1"));
-    }
-    for (const QString& check : expected.split(' ')) {
-        const QString name = check.section('=', 0, 0).remove('!').remove('@');
-        if (check.startsWith('@')) {
+        } else if (token.startsWith("?@")) {
             QCOMPARE(window.form().stkBotPanels->currentWidget()->objectName(), name);
-            continue;
+        } else if (token.startsWith('?')) {
+            const bool usable = static_cast<QWidget*>(object)->isEnabled();
+            QVERIFY2(usable != token.startsWith("?!"), qPrintable(token));
+            QVERIFY2(!token.contains('=') || button->isChecked() == token.endsWith("=1"),
+                     qPrintable(token));
+        } else if (auto* combo = qobject_cast<QComboBox*>(object)) {
+            combo->setCurrentIndex(token.section('=', 1).toInt());
+        } else {
+            button->setChecked(token.endsWith("=1"));
         }
-        auto* control = window.findChild<QWidget*>(name);
-        QVERIFY2(control, qPrintable(name));
-        QVERIFY2(control->isEnabled() != check.startsWith('!'), qPrintable(check));
-        if (check.contains('='))
-            QVERIFY2(qobject_cast<QAbstractButton*>(control)->isChecked() == check.endsWith("=1"),
-                     qPrintable(check));
     }
 }
 
