@@ -102,13 +102,10 @@ void DesktopTest::firstRunStoresNothing() {
         prepareFirstRun(*platform.store, folder, sources, platform.programFolder());
     QCOMPARE(result.outcome,
              missing.isEmpty() ? FirstRunResult::AlreadyStored : FirstRunResult::Failed);
-    if (!missing.isEmpty())
-        QCOMPARE(result.message,
-                 QStringLiteral("The free game is not installed; install the Debian "
-                                "packages ioquake3-server and openarena-server."));
+    QVERIFY(missing.isEmpty() || result.message.contains("ioquake3-server and openarena-server."));
     QVERIFY(platform.store->writes.isEmpty());
-    QVERIFY(!QFileInfo::exists(folder));
-    QVERIFY(!QFileInfo::exists(platform.programFolder() + "/maplist.txt"));
+    QVERIFY(!QFileInfo::exists(folder) &&
+            !QFileInfo::exists(platform.programFolder() + "/maplist.txt"));
 }
 
 void DesktopTest::firstRunKeepsTheOperatorsRotation() {

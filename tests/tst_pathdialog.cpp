@@ -45,12 +45,10 @@ void PathDialogTest::startUp() {
     PathDialog& dialog = window.pathDialog();
     QCOMPARE(dialog.isVisible(), asks);
     QCOMPARE(window.isLoaded(), !asks);
-    if (!asks) {
-        QCOMPARE(platform.app->state.GameFolder, platform.gameFolder());
+    QVERIFY(asks || platform.app->state.GameFolder == platform.gameFolder());
+    if (!asks)
         return;
-    }
-    QVERIFY(dialog.form().txtPath->text().isEmpty());
-    QVERIFY(!dialog.form().cmdOkay->isEnabled());
+    QVERIFY(dialog.form().txtPath->text().isEmpty() && !dialog.form().cmdOkay->isEnabled());
     // Cancel ends the program; what was stored stays for the next run.
     dialog.form().cmdCancel->click();
     QVERIFY(window.hasEnded() && !window.isLoaded() && !window.isVisible());
@@ -71,10 +69,10 @@ void PathDialogTest::browseThenOkayStoresLocation() {
     QCOMPARE(platform.dialogs.calls.last().title + " " + platform.dialogs.calls.last().filter,
              QStringLiteral("Select the Quake 3 Executable Executables (*.exe)|*.exe"));
     QCOMPARE(dialog.form().txtPath->text(), exe);
-    QCOMPARE(platform.app->state.GameFolder, QDir::toNativeSeparators(platform.root() + "/q3"));
     QCOMPARE(platform.ini->read("Settings", "Path", "<none>"), QStringLiteral("<none>")); // not yet
     dialog.form().cmdOkay->click();
-    QCOMPARE(platform.ini->read("Settings", "Path", ""), platform.app->state.GameFolder);
+    QCOMPARE(platform.ini->read("Settings", "Path", ""),
+             QDir::toNativeSeparators(platform.root() + "/q3"));
     QCOMPARE(platform.ini->read("Settings", "Exe", ""), QStringLiteral("quake3.exe"));
     QVERIFY(!dialog.isVisible() && window.isLoaded() && window.isVisible());
 }
@@ -91,10 +89,6 @@ void PathDialogTest::openedFromMain() {
              QDir::toNativeSeparators(platform.gameFolder()) + QDir::separator() + "quake3.exe");
     dialog.form().cmdCancel->click(); // back to the main window
     QVERIFY(!window.hasEnded() && window.isEnabled() && !dialog.isVisible());
-    // A location that vanished meanwhile is not shown again.
-    QFile::remove(platform.gameFolder() + "/quake3.exe");
-    window.form().cmdSetPath->click();
-    QVERIFY(dialog.isVisible() && dialog.form().txtPath->text().isEmpty());
 }
 
 QTEST_MAIN(PathDialogTest)
