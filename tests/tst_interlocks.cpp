@@ -34,15 +34,14 @@ void InterlocksTest::rules_data() {
                                      "cmbServerType=1 ?txtNetIP ?Label12 ?!Frame1 "
                                      "cmbServerType=2 ?txtNetPort ?Frame1 ?txtMaster_2";
     QTest::newRow("warm-up") << "chkWarmUp=1 ?txtWarmUpTime chkWarmUp=0 ?!txtWarmUpTime";
-    QTest::newRow("no log file") << "chkLogFile=1 chkLogFile=0 ?!Frame11 ?!txtLogFile ?!chkDateLog";
-    QTest::newRow("log file") << "chkLogFile=1 chkDateLog=1 ?chkDateLog ?!txtLogFile chkDateLog=0 "
+    QTest::newRow("log file") << "chkLogFile=1 chkLogFile=0 ?!Frame11 ?!txtLogFile ?!chkDateLog "
+                                 "chkLogFile=1 chkDateLog=1 ?chkDateLog ?!txtLogFile chkDateLog=0 "
                                  "?txtLogFile";
     QTest::newRow("minimize or close")
         << "chkStartState=1 optClose=1 optMinimize=1 ?optMinimize=1 ?optClose=0 optClose=1 "
            "?optMinimize=0 optClose=0 ?optMinimize=0 ?optClose=0 chkStartState=0 ?!optMinimize";
     QTest::newRow("password") << "chkRequirePassword=1 ?txtServerPW ?txtPrivateClients "
-                                 "?lblPrivateClients chkRequirePassword=0 ?!txtServerPW "
-                                 "?!txtPrivateClients ?!lblPrivateClients";
+                                 "chkRequirePassword=0 ?!txtServerPW ?!lblPrivateClients";
     QTest::newRow("cd") << "chkSpecifyCD=1 ?txtCDROM chkSpecifyCD=0 ?!txtCDROM";
     QTest::newRow("automatic bots")
         << "cmbBotType=2 ?@picAutoBots ?picAutoBots ?cmbAutoBotSkill ?txtMinBots "
@@ -55,9 +54,8 @@ void InterlocksTest::rules_data() {
         << "cmbBotType=1 chkAutoSelectBots=1 cmbBotType=0 ?@picManualBots ?!BotList ?!cmbBotSkill "
            "?!txtRandomBots ?!chkDisableBotChat ?!txtMinBots ?chkNoBotJump ?chkRocketJump";
     QTest::newRow("random skill") << "cmbBotType=1 chkRandomBotSkill=1 ?!cmbBotSkill ?!Label16 "
-                                     "chkRandomBotSkill=0 ?cmbBotSkill ?Label16";
-    QTest::newRow("random skill, bot type changed")
-        << "chkRandomBotSkill=1 cmbBotType=2 cmbBotType=1 ?!cmbBotSkill";
+                                     "cmbBotType=2 cmbBotType=1 ?!cmbBotSkill chkRandomBotSkill=0 "
+                                     "?cmbBotSkill ?Label16";
 }
 
 void InterlocksTest::rules() {

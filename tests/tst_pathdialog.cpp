@@ -35,9 +35,8 @@ void PathDialogTest::startUp() {
     TestPlatform platform;
     platform.makeGameFolder();
     QDir().mkpath(platform.root() + "/empty");
-    const QString folder =
-        stored.isEmpty() ? "" : platform.root() + "/" + stored.section('/', 0, 0);
-    platform.ini->write("Settings", "Path", folder);
+    const QString path = stored.isEmpty() ? "" : platform.root() + "/" + stored.section('/', 0, 0);
+    platform.ini->write("Settings", "Path", path);
     platform.ini->write("Settings", "Exe", stored.section('/', 1));
     platform.app->state = AppState{};
     MainWindow window(*platform.app);
@@ -52,7 +51,7 @@ void PathDialogTest::startUp() {
     // Cancel ends the program; what was stored stays for the next run.
     dialog.form().cmdCancel->click();
     QVERIFY(window.hasEnded() && !window.isLoaded() && !window.isVisible());
-    QCOMPARE(platform.ini->read("Settings", "Path", "<none>"), folder);
+    QCOMPARE(platform.ini->read("Settings", "Path", "<none>"), path);
 }
 
 void PathDialogTest::browseThenOkayStoresLocation() {

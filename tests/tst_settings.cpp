@@ -149,7 +149,6 @@ void SettingsTest::botsPastTheTablesNeitherFailSaveNorWriteSlots() {
     QCOMPARE(run.platform.messages.shown.size(), 4);
     QVERIFY(run.platform.messages.shown.last().text.startsWith("Error setting Bot Properties"));
     QCOMPARE(run.window->form().BotList->item(101)->checkState(), Qt::Checked);
-    QCOMPARE(*run.window->botTables().team(99), qint16(1));
     const QStringList writes = run.save();
     QVERIFY(writes.contains("Bots/Selected101=True") && writes.contains("Bots/Team 99=1"));
     QVERIFY(writes.filter(QRegularExpression("^Bots/(Team|Strength) 10[01]=")).isEmpty());
