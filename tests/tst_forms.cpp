@@ -31,9 +31,8 @@
 
 namespace {
 
-// Window heights of the status panel at 96 DPI: closed and open.
+// The window height with the status panel closed, at 96 DPI.
 constexpr int ClosedHeight = 386;
-constexpr int OpenHeight = 430;
 
 // The controls of a form that a user reads or operates: named by the form, not Qt internals.
 QList<QWidget*> namedControls(QWidget* root) {
@@ -69,15 +68,11 @@ private slots:
     void everyInputHasAnAccessibleName_data();
     void everyInputHasAnAccessibleName();
 
-    void menuActions_data();
-    void menuActions();
-
     void tabFitsClosedWindow_data();
     void tabFitsClosedWindow();
     void tabControlsDoNotOverlap_data();
     void tabControlsDoNotOverlap();
     void windowLayoutFitsClosedHeight();
-    void statusPanelShowsWhenOpen();
 
 private:
     QWidget* form(const QString& name);
@@ -205,63 +200,6 @@ void TestForms::everyInputHasAnAccessibleName() {
 
 // ------------------------------------------------------------------ menus
 
-void TestForms::menuActions_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("menu");
-    QTest::addColumn<QString>("caption");
-    QTest::addColumn<QString>("shortcut");
-    QTest::addColumn<bool>("checkable");
-    QTest::addColumn<bool>("checked");
-
-    const auto item = [](const char* name, const char* menu, const char* caption,
-                         const char* shortcut, bool checkable = false, bool checked = false) {
-        QTest::newRow(name) << QString::fromLatin1(name) << QString::fromLatin1(menu)
-                            << QString::fromLatin1(caption) << QString::fromLatin1(shortcut)
-                            << checkable << checked;
-    };
-    item("mnuFileMakeCfg", "mnuFile", "Create &halvane.cfg", "Ctrl+S");
-    item("mnuFileSaveAs", "mnuFile", "Save config file &As", "Ctrl+A");
-    item("mnuFileClose", "mnuFile", "Close Halvane", "Ctrl+X");
-    item("mnuSettingsQ3Path", "mnuSettings", "Set Quake 3 path", "Ctrl+P");
-    item("mnuSettingsMapCheck", "mnuSettings", "Search for new maps at startup", "", true, false);
-    item("mnuSettingsGeneral", "mnuSettings", "General", "F2");
-    item("mnuSettingsBots", "mnuSettings", "Bots", "F3");
-    item("mnuSettingsMaps", "mnuSettings", "Maps", "F4");
-    item("mnuSettingsOptions", "mnuSettings", "Options", "F5");
-    item("mnuSettingsAdvanced", "mnuSettings", "Advanced", "F6");
-    item("mnuViewStatusBar", "mnuView", "Status Bar", "Ctrl+F1", true, true);
-    item("mnuViewNews", "mnuView", "Halvane News", "");
-    item("mnuHelpHalvane", "mnuHelp", "Index", "Shift+F1");
-    item("mnuHelpContext", "mnuHelp", "Help with the Current Tab", "F1");
-    item("mnuHelpOnline", "mnuHelp", "Halvane Online", "Ctrl+O");
-    item("mnuHelpFAQ", "mnuHelp", "Frequently Asked Questions", "Ctrl+Q");
-    item("mnuHelpAbout", "mnuHelp", "About Halvane", "F8");
-    item("mnuMapSelect", "mnuMapList", "Select map", "");
-    item("mnuMapNew", "mnuMapList", "New Map", "");
-    item("mnuMapEdit", "mnuMapList", "Edit Map", "");
-    item("mnuMapDelete", "mnuMapList", "Delete Map", "");
-    item("mnuMapsSelectAll", "mnuMapList", "Select All", "");
-}
-
-void TestForms::menuActions() {
-    QFETCH(QString, name);
-    QFETCH(QString, menu);
-    QFETCH(QString, caption);
-    QFETCH(QString, shortcut);
-    QFETCH(bool, checkable);
-    QFETCH(bool, checked);
-
-    auto* action = m_main->findChild<QAction*>(name);
-    QVERIFY2(action, qPrintable(name));
-    auto* owner = m_main->findChild<QMenu*>(menu);
-    QVERIFY2(owner, qPrintable(menu));
-    QVERIFY(owner->actions().contains(action));
-    QCOMPARE(action->text(), caption);
-    QCOMPARE(action->shortcut(), QKeySequence(shortcut));
-    QCOMPARE(action->isCheckable(), checkable);
-    QCOMPARE(action->isChecked(), checked);
-}
-
 // ------------------------------------------------------------------ sizes
 
 void TestForms::tabFitsClosedWindow_data() {
@@ -359,33 +297,6 @@ void TestForms::windowLayoutFitsClosedHeight() {
     QVERIFY(bar.height() > 0);
     QVERIFY(bar.bottom() < ClosedHeight);
     QVERIFY(bar.top() > rectIn(m_mainUi.cmdStart, m_main.data()).bottom());
-}
-
-void TestForms::statusPanelShowsWhenOpen() {
-    showMainWindow(ClosedHeight);
-    const QRect closedTabs = rectIn(m_mainUi.SSTab1, m_main.data());
-    const QRect closedStart = rectIn(m_mainUi.cmdStart, m_main.data());
-
-    m_mainUi.txtTip->setText(QStringLiteral("Visit the Halvane website at https://example.org"));
-    showMainWindow(OpenHeight);
-
-    // Opening the panel moves nothing above it.
-    QCOMPARE(rectIn(m_mainUi.SSTab1, m_main.data()), closedTabs);
-    QCOMPARE(rectIn(m_mainUi.cmdStart, m_main.data()), closedStart);
-
-    // The tip line spans the tab control and shows two lines of text under the buttons.
-    const QRect tip = rectIn(m_mainUi.scrTip, m_main.data());
-    QCOMPARE(tip.left(), closedTabs.left());
-    QCOMPARE(tip.width(), closedTabs.width());
-    QCOMPARE(m_mainUi.txtTip->width(), closedTabs.width());
-    QVERIFY(tip.top() > closedStart.bottom());
-    QVERIFY2(tip.height() >= 2 * m_mainUi.txtTip->fontMetrics().lineSpacing(),
-             qPrintable(QStringLiteral("tip line is %1 px high").arg(tip.height())));
-    QVERIFY(m_mainUi.txtTip->isVisibleTo(m_main.data()));
-
-    const QRect bar = rectIn(m_mainUi.btnStatus, m_main.data());
-    QVERIFY(bar.top() >= tip.bottom());
-    QVERIFY(bar.bottom() < OpenHeight);
 }
 
 int main(int argc, char* argv[]) {

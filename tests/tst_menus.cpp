@@ -29,7 +29,6 @@ private slots:
     void aboutLinks();
     void f8ShowsAboutAndDisablesTheTabLeft();
     void masterServersFollowTheTabShown();
-    void logFrameIsUsableWhileAdvancedIsShown();
     void shiftClickOnTabStripShowsHiddenWindow_data();
     void shiftClickOnTabStripShowsHiddenWindow();
     void closingHiddenWindowBringsMainForward();
@@ -211,20 +210,6 @@ void MenusTest::masterServersFollowTheTabShown() {
     ui.cmbServerType->setCurrentIndex(2);
     ui.SSTab1->setCurrentIndex(4);
     QVERIFY(!ui.Frame1->isEnabled());
-}
-
-void MenusTest::logFrameIsUsableWhileAdvancedIsShown() {
-    Fixture f(false);
-    auto& ui = f.ui();
-    ui.chkLogFile->setChecked(true);
-    ui.chkLogFile->setChecked(false); // the interlocks disable the frame
-    ui.SSTab1->setCurrentIndex(4);
-    QVERIFY(ui.Frame11->isEnabled());
-    QVERIFY(!ui.txtLogFile->isEnabled()); // the controls keep their own state
-    ui.SSTab1->setCurrentIndex(1);
-    QVERIFY(!ui.Frame11->isEnabled());
-    QVERIFY(!ui.Frame12->isEnabled());
-    QVERIFY(ui.Frame16->isEnabled());
 }
 
 void MenusTest::shiftClickOnTabStripShowsHiddenWindow_data() {

@@ -3,8 +3,6 @@
 #include "TestSupport.h"
 
 #include "launch/ParameterMemory.h"
-#include "ui/MainWindow.h"
-#include "ui_frmMain.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -62,11 +60,9 @@ private slots:
     void loadingSkipsEmptyLinesAndNeverReadsTheEleventh();
     void saving_data();
     void saving();
-    void enterDoesNotAddToTheList();
     void cdDriveLoading_data();
     void cdDriveLoading();
     void cdDriveFallsBackToC();
-    void shutDownSavesTheTypedLine();
 
 private:
     void store(const QStringList& parameters, const QString& cdLine = QString());
@@ -175,17 +171,6 @@ void ParameterMemoryTest::saving() {
     QCOMPARE(combo->currentText(), text);
 }
 
-void ParameterMemoryTest::enterDoesNotAddToTheList() {
-    store({"a", "b"});
-    memory->loadParameterList();
-    combo->show();
-    combo->setEditText("typed");
-    QTest::keyClick(combo->lineEdit(), Qt::Key_Return);
-    QCOMPARE(comboList(*combo), (QStringList{"a", "b"}));
-    memory->saveParameterList();
-    QCOMPARE(storedParameters(4), (QStringList{"typed", "a", "b", ""}));
-}
-
 void ParameterMemoryTest::cdDriveLoading_data() {
     QTest::addColumn<QString>("stored");
     QTest::addColumn<bool>("checked");
@@ -230,21 +215,6 @@ void ParameterMemoryTest::cdDriveFallsBackToC() {
                          "been selected by default.",
                          MsgButtons::Ok, MsgIcon::Critical));
     }
-}
-
-void ParameterMemoryTest::shutDownSavesTheTypedLine() {
-    platform->makeGameFolder();
-    store({"older"}, "older");
-    {
-        MainWindow window(*platform->app);
-        window.showMainWindow();
-        QCOMPARE(comboList(*window.form().txtCmdParameters), QStringList{"older"});
-        window.form().txtCmdParameters->setEditText("+set never launched 1");
-        window.close();
-    }
-    QCOMPARE(storedParameters(3), (QStringList{"+set never launched 1", "older", ""}));
-    QCOMPARE(platform->store->read("Advanced", "CDLine", ""),
-             QStringLiteral("+set never launched 1"));
 }
 
 QTEST_MAIN(ParameterMemoryTest)

@@ -25,7 +25,6 @@ private slots:
     void toggleAtThreshold_data();
     void toggleAtThreshold();
     void animationLetsEventsRunAndIgnoresReentry();
-    void closingMidAnimationSavesTheAskedState();
     void tipLineAppearsAbove6000();
     void panelStateIsRestoredAtNextStart_data();
     void panelStateIsRestoredAtNextStart();
@@ -218,26 +217,6 @@ void ShellTest::animationLetsEventsRunAndIgnoresReentry() {
     QVERIFY(seenHeights.first() < seenHeights.last());
     QCOMPARE(f.panel().heightTwips(), 6450);
     QVERIFY(f.ui().mnuViewStatusBar->isChecked());
-}
-
-void ShellTest::closingMidAnimationSavesTheAskedState() {
-    Fixture f;
-    f.window->showMainWindow();
-    f.panel().setHeightTwips(5790);
-    int ticks = 0;
-    QTimer timer;
-    timer.setInterval(0);
-    connect(&timer, &QTimer::timeout, [&] {
-        if (++ticks == 5)
-            f.window->close();
-    });
-    timer.start();
-    f.ui().btnStatus->click();
-    timer.stop();
-    QVERIFY(f.window->hasEnded());
-    QVERIFY(f.panel().heightTwips() < 6250); // stopped part way
-    QVERIFY(!f.panel().isRolling());
-    QCOMPARE(f.platform.ini->read("Settings", "StatusBar", ""), QStringLiteral("True"));
 }
 
 void ShellTest::tipLineAppearsAbove6000() {

@@ -9,13 +9,11 @@
 #include "ui/Tips.h"
 #include "ui_frmMain.h"
 
-#include <QComboBox>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMouseEvent>
 #include <QRegularExpression>
 #include <QStackedWidget>
-#include <QTabBar>
 #include <QtTest>
 #include <optional>
 
@@ -34,13 +32,8 @@ private slots:
     void exactTexts();
     void dateCodedLogName();
     void builtTips();
-    void partsOfAControlShowItsTip();
-    void controlWithoutTipKeepsTheLastText();
-    void accessibleDescriptionIsTheTip();
     void focusSelectsWholeText_data();
     void focusSelectsWholeText();
-    void parameterAndScriptBoxesSelectNothing_data();
-    void parameterAndScriptBoxesSelectNothing();
 
 private:
     std::unique_ptr<TestPlatform> m_platform;
@@ -253,32 +246,6 @@ void TipsTest::builtTips() {
     ui.lblVersion->setText(AppInfo::versionCaption());
 }
 
-void TipsTest::partsOfAControlShowItsTip() {
-    auto& ui = m_window->form();
-    QCOMPARE(tipAfterMove(ui.MapList->viewport()),
-             QStringLiteral("Select the maps you want to use on your server"));
-    QCOMPARE(tipAfterMove(ui.SSTab1->tabBar()), SiteLine);
-}
-
-void TipsTest::controlWithoutTipKeepsTheLastText() {
-    auto& ui = m_window->form();
-    tipAfterMove(ui.cmdStart);
-    QMouseEvent move(QEvent::MouseMove, QPointF(1, 1), QPointF(1, 1), Qt::NoButton, Qt::NoButton,
-                     Qt::NoModifier);
-    QVERIFY(ui.txtCmdParameters);
-    ui.txtTip->setText("last");
-    QCoreApplication::sendEvent(ui.txtCmdParameters, &move);
-    QCOMPARE(ui.txtTip->text(), QStringLiteral("last"));
-}
-
-void TipsTest::accessibleDescriptionIsTheTip() {
-    auto& ui = m_window->form();
-    QCOMPARE(ui.txtServerName->accessibleDescription(),
-             QStringLiteral("Enter the name of your server"));
-    QCOMPARE(ui.Label1->accessibleDescription(), QStringLiteral("Enter the name of your server"));
-    QCOMPARE(ui.Image1->accessibleDescription(), AppInfo::trademarkNotice());
-}
-
 void TipsTest::focusSelectsWholeText_data() {
     QTest::addColumn<QString>("name");
     QStringList names = Tips::selectOnFocusNames();
@@ -307,29 +274,6 @@ void TipsTest::focusSelectsWholeText() {
     QCOMPARE(box->selectedText(), box->text());
     QTest::keyClicks(box, "7");
     QCOMPARE(box->text(), QStringLiteral("7"));
-}
-
-void TipsTest::parameterAndScriptBoxesSelectNothing_data() {
-    QTest::addColumn<QString>("name");
-    QTest::newRow("parameters") << "txtCmdParameters";
-    QTest::newRow("extra script") << "txtCfg";
-}
-
-void TipsTest::parameterAndScriptBoxesSelectNothing() {
-    QFETCH(QString, name);
-    auto* combo = m_window->findChild<QComboBox*>(name);
-    QVERIFY(combo && combo->lineEdit());
-    QApplication::setActiveWindow(m_window.get());
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
-    reach(combo);
-    m_window->form().cmdStart->setFocus();
-    combo->setEditText("server.cfg");
-    combo->lineEdit()->deselect();
-    combo->setFocus(Qt::TabFocusReason);
-    QVERIFY(combo->hasFocus());
-    QCoreApplication::processEvents();
-    QCOMPARE(combo->lineEdit()->selectedText(), QString());
-    QCOMPARE(combo->currentText(), QStringLiteral("server.cfg"));
 }
 
 QTEST_MAIN(TipsTest)
