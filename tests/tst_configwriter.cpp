@@ -170,9 +170,6 @@ void TestConfigWriter::branches_data() {
     QTest::addColumn<QStringList>("block");  // consecutive lines the file must hold
     QTest::addColumn<QStringList>("absent"); // lines it must not hold
     const QStringList none;
-    QTest::newRow("log unchecked ignores the name")
-        << QStringList{"logFileName=mine.log", "dateLog=1"}
-        << QStringList{"", "seta g_log \"games.log\""} << none;
     QTest::newRow("log with its name as typed")
         << QStringList{"logFile=1", "logFileName= server one.log"}
         << QStringList{"seta g_log \" server one.log\""} << none;
@@ -186,9 +183,6 @@ void TestConfigWriter::branches_data() {
         << QStringList{"", "seta sv_minPing 0", "seta sv_maxPing 0", "seta g_forcerespawn 20"}
         << none;
     // The empty line follows the sum of the two numbers, not the lines written.
-    QTest::newRow("negative min ping outweighs max ping")
-        << QStringList{"minPing=-5", "maxPing=3"}
-        << QStringList{"seta sv_minPing 0", "seta sv_maxPing 3", "seta g_forcerespawn 20"} << none;
     QTest::newRow("masters enabled")
         << QStringList{"mastersEnabled=1", "master0=  m.example.net  ", "master3= q3.example.org"}
         << QStringList{"",
@@ -203,10 +197,6 @@ void TestConfigWriter::branches_data() {
         << QStringList{"gameType=3", "friendlyEnabled=1", "friendlyFire=1"}
         << QStringList{"", "seta g_friendlyFire 1", "seta g_weaponrespawn 5"}
         << QStringList{"seta g_gametype 0"};
-    QTest::newRow("bots disabled")
-        << QStringList{"botType=0", "disableBotChat=1"}
-        << QStringList{"seta g_syncronousClients 0", "seta bot_minplayers 0", ""}
-        << QStringList{"seta bot_nochat 1", "exec srvbots.cfg"};
     QTest::newRow("automatic bots without chat")
         << QStringList{"botType=2", "disableBotChat=1", "autoBotSkill=4", "minBots=x"}
         << QStringList{"seta bot_nochat 1",

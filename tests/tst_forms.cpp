@@ -70,8 +70,6 @@ private slots:
 
     void tabFitsClosedWindow_data();
     void tabFitsClosedWindow();
-    void tabControlsDoNotOverlap_data();
-    void tabControlsDoNotOverlap();
     void windowLayoutFitsClosedHeight();
 
 private:
@@ -238,37 +236,6 @@ void TestForms::tabFitsClosedWindow() {
                  qPrintable(w->objectName() + " is squeezed"));
         QVERIFY2(rectIn(w, m_main.data()).bottom() < buttonTop,
                  qPrintable(w->objectName() + " reaches the button row"));
-    }
-}
-
-void TestForms::tabControlsDoNotOverlap_data() {
-    tabFitsClosedWindow_data();
-}
-
-void TestForms::tabControlsDoNotOverlap() {
-    QFETCH(int, index);
-    showMainWindow(ClosedHeight);
-
-    m_mainUi.SSTab1->setCurrentIndex(index);
-    // Both bot panels must be laid out properly, whichever is in front.
-    for (int panel = 0; panel < (index == 1 ? 2 : 1); ++panel) {
-        m_mainUi.stkBotPanels->setCurrentIndex(panel);
-        QCoreApplication::processEvents();
-        QWidget* page = m_mainUi.SSTab1->widget(index);
-        QList<QWidget*> shown;
-        for (QWidget* w : namedControls(page)) {
-            if (w->isVisibleTo(page))
-                shown.append(w);
-        }
-        QVERIFY(!shown.isEmpty());
-        for (int i = 0; i < shown.size(); ++i) {
-            for (int j = i + 1; j < shown.size(); ++j) {
-                const QRect a = rectIn(shown[i], page);
-                const QRect b = rectIn(shown[j], page);
-                QVERIFY2(!a.intersects(b), qPrintable(shown[i]->objectName() + " overlaps " +
-                                                      shown[j]->objectName()));
-            }
-        }
     }
 }
 

@@ -427,8 +427,6 @@ void LaunchTest::afterTheStart_data() {
                               << "minimized";
     QTest::newRow("close") << true << "optClose"
                            << "closed";
-    QTest::newRow("neither option chosen minimises") << true << ""
-                                                     << "minimized";
 }
 
 void LaunchTest::afterTheStart() {

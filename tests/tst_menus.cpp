@@ -28,10 +28,8 @@ private slots:
     void aboutLinks_data();
     void aboutLinks();
     void f8ShowsAboutAndDisablesTheTabLeft();
-    void masterServersFollowTheTabShown();
     void shiftClickOnTabStripShowsHiddenWindow_data();
     void shiftClickOnTabStripShowsHiddenWindow();
-    void closingHiddenWindowBringsMainForward();
 };
 
 namespace {
@@ -194,24 +192,6 @@ void MenusTest::f8ShowsAboutAndDisablesTheTabLeft() {
         QVERIFY(frame->isEnabled());
 }
 
-void MenusTest::masterServersFollowTheTabShown() {
-    Fixture f(false);
-    auto& ui = f.ui();
-    ui.cmbServerType->setCurrentIndex(0); // Listen Server
-    ui.SSTab1->setCurrentIndex(3);
-    QVERIFY(ui.Frame1->isEnabled()); // shown: usable whatever the server type
-    QVERIFY(ui.txtMaster_0->isEnabled());
-    ui.SSTab1->setCurrentIndex(0);
-    QVERIFY(!ui.Frame1->isEnabled());
-    QVERIFY(!ui.txtMaster_0->isEnabled());
-    ui.SSTab1->setCurrentIndex(3);
-    QVERIFY(ui.txtMaster_0->isEnabled());
-    // Leaving disables it even for a dedicated server.
-    ui.cmbServerType->setCurrentIndex(2);
-    ui.SSTab1->setCurrentIndex(4);
-    QVERIFY(!ui.Frame1->isEnabled());
-}
-
 void MenusTest::shiftClickOnTabStripShowsHiddenWindow_data() {
     QTest::addColumn<int>("modifiers");
     QTest::addColumn<bool>("shown");
@@ -235,18 +215,6 @@ void MenusTest::shiftClickOnTabStripShowsHiddenWindow() {
         QCOMPARE(secret->parentWidget(), f.window.get());
         QVERIFY(f.window->isEnabled());
     }
-}
-
-void MenusTest::closingHiddenWindowBringsMainForward() {
-    Fixture f;
-    f.window->helpMenu().showSecret();
-    QWidget* secret = f.window->helpMenu().secretWindow();
-    QVERIFY(secret && secret->isVisible());
-    f.window->hide();
-    secret->close();
-    QVERIFY(!secret->isVisible());
-    QVERIFY(f.window->isVisible());
-    QVERIFY(QTest::qWaitForWindowActive(f.window.get()));
 }
 
 QTEST_MAIN(MenusTest)
