@@ -2,12 +2,12 @@
 // full 32,766-record catalogue, against copying the files it produces with
 // cp -r. A section of halvane_bench (bench_maps.cpp owns main); never run by
 // the tests.
+#include "app/AppContext.h"
 #include "bots/BotScripts.h"
 #include "bots/RandomSource.h"
 #include "config/ConfigWriter.h"
 #include "maps/MapCatalogue.h"
 #include "platform/FakePlatform.h"
-#include "ui/AppContext.h"
 
 #include <QDir>
 #include <QElapsedTimer>

@@ -5,13 +5,13 @@
 //   halvane_bench config                 WriteConfig against cp -r
 //   halvane_bench make-archives <dir> [count]   writes <count> test archives
 //   halvane_bench list-archives <dir>    prints "archive<TAB>member" lines
+#include "app/AppContext.h"
 #include "maps/ArchiveListing.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapDiscovery.h"
 #include "maps/MapsController.h"
 #include "platform/FakePlatform.h"
 #include "platform/QtPlatform.h"
-#include "ui/AppContext.h"
 #include "ui/MainWindow.h"
 
 #include <QApplication>

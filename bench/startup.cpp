@@ -7,10 +7,10 @@
 // "delivered": the files delivered beside the executable. "largest": the
 // same with a catalogue of 32,766 maps and 300 archives in baseq3, with the
 // search for new maps at start-up off.
+#include "app/AppContext.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapRecord.h"
 #include "platform/QtPlatform.h"
-#include "ui/AppContext.h"
 #include "ui/MainWindow.h"
 
 #include <QApplication>

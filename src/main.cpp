@@ -1,5 +1,5 @@
+#include "app/AppContext.h"
 #include "platform/QtPlatform.h"
-#include "ui/AppContext.h"
 #include "ui/FirstRun.h"
 #include "ui/MainWindow.h"
 

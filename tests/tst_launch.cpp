@@ -4,9 +4,9 @@
 #include "TestSupport.h"
 #include <csignal>
 
+#include "app/AppInfo.h"
 #include "launch/CommandLine.h"
 #include "launch/LaunchController.h"
-#include "ui/AppInfo.h"
 #include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 

@@ -2,8 +2,8 @@
 // the start-up check.
 #include "TestSupport.h"
 
+#include "app/AppInfo.h"
 #include "maps/MapCatalogue.h"
-#include "ui/AppInfo.h"
 
 #include <QtTest>
 

@@ -2,7 +2,7 @@
 // tab shown, the About tab's links, the tab change and the hidden window.
 #include "TestSupport.h"
 
-#include "ui/AppInfo.h"
+#include "app/AppInfo.h"
 #include "ui/HelpMenu.h"
 #include "ui/MainWindow.h"
 #include "ui/StatusPanel.h"

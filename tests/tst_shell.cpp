@@ -2,7 +2,7 @@
 // and the status panel with the window heights it works in.
 #include "TestSupport.h"
 
-#include "ui/AppInfo.h"
+#include "app/AppInfo.h"
 #include "ui/MainWindow.h"
 #include "ui/StatusPanel.h"
 #include "ui/Twips.h"

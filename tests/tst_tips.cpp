@@ -3,7 +3,7 @@
 // boxes select their whole text when they receive the focus.
 #include "TestSupport.h"
 
-#include "ui/AppInfo.h"
+#include "app/AppInfo.h"
 #include "ui/MainWindow.h"
 #include "ui/TipLine.h"
 #include "ui/Tips.h"

@@ -1,9 +1,9 @@
 #include "bots/BotScripts.h"
 
+#include "app/AppContext.h"
 #include "bots/RandomSource.h"
 #include "platform/MessageBoxes.h"
 #include "settings/TextForms.h"
-#include "ui/AppContext.h"
 
 #include <algorithm>
 #include <cmath>

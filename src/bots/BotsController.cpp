@@ -1,9 +1,9 @@
 #include "bots/BotsController.h"
 
+#include "app/AppContext.h"
 #include "bots/BotListFile.h"
 #include "bots/BotTables.h"
 #include "settings/TextForms.h"
-#include "ui/AppContext.h"
 #include "ui_frmMain.h"
 
 #include <QFocusEvent>

@@ -1,7 +1,7 @@
 #include "config/ConfigController.h"
 
+#include "app/AppContext.h"
 #include "bots/BotsController.h"
-#include "ui/AppContext.h"
 #include "ui_frmMain.h"
 
 namespace halvane {

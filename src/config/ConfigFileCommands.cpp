@@ -1,6 +1,6 @@
 #include "config/ConfigFileCommands.h"
 
-#include "ui/AppContext.h"
+#include "app/AppContext.h"
 #include "ui_frmMain.h"
 
 namespace halvane {

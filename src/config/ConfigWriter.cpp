@@ -1,13 +1,13 @@
 #include "config/ConfigWriter.h"
 #include "settings/Positions.h"
 
+#include "app/AppContext.h"
 #include "bots/BotScripts.h"
 #include "config/ScriptFile.h"
 #include "maps/MapCatalogue.h"
 #include "platform/MessageBoxes.h"
 #include "platform/ProgramFolder.h"
 #include "settings/TextForms.h"
-#include "ui/AppContext.h"
 
 #include <QDir>
 #include <QFileInfo>

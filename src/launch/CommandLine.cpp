@@ -1,7 +1,7 @@
 #include "launch/CommandLine.h"
 #include "settings/Positions.h"
 
-#include "ui/AppInfo.h"
+#include "app/AppInfo.h"
 #include "ui_frmMain.h"
 
 namespace halvane {

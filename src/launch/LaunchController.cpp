@@ -1,9 +1,9 @@
 #include "launch/LaunchController.h"
 #include "settings/Positions.h"
 
+#include "app/AppContext.h"
 #include "launch/CommandLine.h"
 #include "settings/TextForms.h"
-#include "ui/AppContext.h"
 #include "ui_frmMain.h"
 
 #include <QDir>

@@ -1,6 +1,6 @@
 #include "launch/ParameterMemory.h"
 
-#include "ui/AppContext.h"
+#include "app/AppContext.h"
 
 #include <QCheckBox>
 #include <QComboBox>

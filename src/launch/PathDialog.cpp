@@ -1,6 +1,6 @@
 #include "launch/PathDialog.h"
 
-#include "ui/AppContext.h"
+#include "app/AppContext.h"
 #include "ui_frmPath.h"
 
 #include <QCloseEvent>

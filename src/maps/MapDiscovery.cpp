@@ -1,10 +1,10 @@
 #include "maps/MapDiscovery.h"
 
+#include "app/AppContext.h"
 #include "maps/ArchiveListing.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapDefaults.h"
 #include "maps/MapSelectionFile.h"
-#include "ui/AppContext.h"
 #include "ui_frmMapSearch.h"
 
 #include <QCoreApplication>

@@ -1,8 +1,8 @@
 #include "maps/MapEditor.h"
 
+#include "app/AppContext.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapSelection.h"
-#include "ui/AppContext.h"
 #include "ui_frmMain.h"
 #include "ui_frmMap.h"
 

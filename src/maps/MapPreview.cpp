@@ -1,7 +1,7 @@
 #include "maps/MapPreview.h"
 
+#include "app/AppContext.h"
 #include "maps/MapRecord.h"
-#include "ui/AppContext.h"
 #include "ui_frmMain.h"
 
 #include <QBuffer>

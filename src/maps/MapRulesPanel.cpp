@@ -1,7 +1,7 @@
 #include "maps/MapRulesPanel.h"
 
+#include "app/AppContext.h"
 #include "maps/MapDefaults.h"
-#include "ui/AppContext.h"
 #include "ui_frmMain.h"
 
 namespace halvane {

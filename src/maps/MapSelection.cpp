@@ -1,10 +1,10 @@
 #include "maps/MapSelection.h"
 
+#include "app/AppContext.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapPreview.h"
 #include "maps/MapRulesPanel.h"
 #include "maps/MapSelectionFile.h"
-#include "ui/AppContext.h"
 #include "ui_frmMain.h"
 
 #include <QMenu>

@@ -1,12 +1,12 @@
 #include "maps/MapsController.h"
 
+#include "app/AppContext.h"
+#include "app/AppInfo.h"
 #include "maps/MapDiscovery.h"
 #include "maps/MapEditor.h"
 #include "maps/MapPreview.h"
 #include "maps/MapRulesPanel.h"
 #include "maps/MapSelection.h"
-#include "ui/AppContext.h"
-#include "ui/AppInfo.h"
 #include "ui_frmMain.h"
 
 namespace halvane {

@@ -1,6 +1,6 @@
 #include "settings/OptionCatalogue.h"
 
-#include "ui/AppInfo.h"
+#include "app/AppInfo.h"
 
 #include <array>
 

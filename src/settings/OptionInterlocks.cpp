@@ -1,7 +1,7 @@
 #include "settings/OptionInterlocks.h"
 #include "settings/Positions.h"
 
-#include "ui/AppContext.h"
+#include "app/AppContext.h"
 #include "ui_frmMain.h"
 
 namespace halvane {

@@ -1,12 +1,12 @@
 #include "settings/SettingsController.h"
 #include "settings/Positions.h"
 
+#include "app/AppContext.h"
 #include "bots/BotTables.h"
 #include "settings/HolderAccess.h"
 #include "settings/OptionCatalogue.h"
 #include "settings/OptionInterlocks.h"
 #include "settings/TextForms.h"
-#include "ui/AppContext.h"
 
 #include <QListWidget>
 #include <QTabWidget>

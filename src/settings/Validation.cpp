@@ -1,8 +1,8 @@
 #include "settings/Validation.h"
 #include "settings/Positions.h"
 
+#include "app/AppContext.h"
 #include "settings/TextForms.h"
-#include "ui/AppContext.h"
 #include "ui_frmMain.h"
 
 #include <QFocusEvent>

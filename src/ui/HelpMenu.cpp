@@ -1,7 +1,7 @@
 #include "ui/HelpMenu.h"
 
-#include "ui/AppContext.h"
-#include "ui/AppInfo.h"
+#include "app/AppContext.h"
+#include "app/AppInfo.h"
 #include "ui/SecretWindow.h"
 #include "ui_frmMain.h"
 

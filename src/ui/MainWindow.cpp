@@ -1,5 +1,7 @@
 #include "ui/MainWindow.h"
 
+#include "app/AppContext.h"
+#include "app/AppInfo.h"
 #include "bots/BotsController.h"
 #include "bots/RandomSource.h"
 #include "config/ConfigController.h"
@@ -13,8 +15,6 @@
 #include "settings/TextForms.h"
 #include "settings/Validation.h"
 #include "ui/Accessibility.h"
-#include "ui/AppContext.h"
-#include "ui/AppInfo.h"
 #include "ui/HelpMenu.h"
 #include "ui/StatusPanel.h"
 #include "ui/TabFrames.h"

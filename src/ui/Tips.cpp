@@ -1,6 +1,6 @@
 #include "ui/Tips.h"
 
-#include "ui/AppInfo.h"
+#include "app/AppInfo.h"
 
 #include <QRegularExpression>
 #include <vector>

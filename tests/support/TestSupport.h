@@ -1,8 +1,8 @@
 #pragma once
 
+#include "app/AppContext.h"
 #include "platform/FakePlatform.h"
 #include "platform/QtPlatform.h"
-#include "ui/AppContext.h"
 
 #include <QByteArray>
 #include <QStringList>
