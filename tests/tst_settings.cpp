@@ -47,7 +47,6 @@ private slots:
     void saveThenLoadReproducesEveryValue();
     void storedValueLoads_data();
     void storedValueLoads();
-    void botsPastTheTablesNeitherFailSaveNorWriteSlots();
 };
 
 void SettingsTest::emptyStoreSavesEveryDefaultUntilARefusal() {
@@ -141,17 +140,6 @@ void SettingsTest::storedValueLoads() {
     const QStringList writes = run.save();
     QVERIFY(writes.contains("Bots/Team 3=1") && writes.contains("Advanced/LogName=srv.log"));
     QVERIFY2(saved.isEmpty() || writes.contains(saved), qPrintable(saved));
-}
-
-void SettingsTest::botsPastTheTablesNeitherFailSaveNorWriteSlots() {
-    Loaded run(102, {"Bots/Selected101=True", "Bots/Team 99=1"});
-    // Positions 100 and 101: team and skill each fail once.
-    QCOMPARE(run.platform.messages.shown.size(), 4);
-    QVERIFY(run.platform.messages.shown.last().text.startsWith("Error setting Bot Properties"));
-    QCOMPARE(run.window->form().BotList->item(101)->checkState(), Qt::Checked);
-    const QStringList writes = run.save();
-    QVERIFY(writes.contains("Bots/Selected101=True") && writes.contains("Bots/Team 99=1"));
-    QVERIFY(writes.filter(QRegularExpression("^Bots/(Team|Strength) 10[01]=")).isEmpty());
 }
 
 QTEST_MAIN(SettingsTest)
