@@ -71,6 +71,19 @@ void SettingsTest::emptyStoreSavesEveryDefaultUntilARefusal() {
     run.platform.store->failAtKey = "AdminName";
     QVERIFY(run.save().isEmpty());
     QVERIFY(run.platform.store->writes.last().startsWith("General/AdminName="));
+    // Closing says where and why the settings could not be stored, and still ends.
+    run.platform.store->failAtKey.clear();
+    QVERIFY(QFile::remove(run.platform.iniPath()) && QDir().mkpath(run.platform.iniPath()));
+    run.platform.messages.clear();
+    run.window->close();
+    QCOMPARE(onlyMessage(run.platform.messages),
+             message("Warning!",
+                     "Your settings could not be stored in " +
+                         QDir::toNativeSeparators(run.platform.iniPath()) +
+                         "\r\rReason: a folder of that name stands in its place.\r\rSettings "
+                         "changed since they were last stored may be missing at the next start.",
+                     MsgButtons::Ok, MsgIcon::Critical));
+    QVERIFY(run.window->hasEnded());
 }
 
 void SettingsTest::saveThenLoadReproducesEveryValue() {
