@@ -178,6 +178,11 @@ void TestConfigWriter::branches_data() {
         << QStringList{"seta g_log \"20260305-0709.log\""} << none;
     QTest::newRow("team play is game 3")
         << QStringList{"gameType=2"} << QStringList{"seta g_gametype 3"} << none;
+    QTest::newRow("blanks inside a ping count for nothing")
+        << QStringList{"minPing=0 50"}
+        << QStringList{"seta sv_minPing 0 50", "seta sv_maxPing 0", "", "seta g_forcerespawn 20"}
+        << none;
+    // The empty line follows the sum of the two numbers, not the lines written.
     QTest::newRow("ping limits not numeric")
         << QStringList{"minPing=abc", "maxPing=x100"}
         << QStringList{"", "seta sv_minPing 0", "seta sv_maxPing 0", "seta g_forcerespawn 20"}
