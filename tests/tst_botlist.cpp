@@ -57,27 +57,41 @@ private slots:
 void TestBotList::fileRules_data() {
     QTest::addColumn<QByteArray>("content"); // "-": no file
     QTest::addColumn<QStringList>("expected");
-    QTest::addColumn<bool>("error");
+    QTest::addColumn<QString>("told");
+    const QString none = "0 messages";
     QTest::newRow("the five-line example")
         << QByteArray(" Sarge \r\n\r\n   \r\n// comment\r\n  //Visor\r\n")
-        << QStringList{"Sarge", "//Visor"} << false;
+        << QStringList{"Sarge", "//Visor"} << none;
     QTest::newRow("LF only, no final line end, inner blanks kept")
-        << QByteArray("Tank Jr\n//x\nuRIEL") << QStringList{"Tank Jr", "uRIEL"} << false;
+        << QByteArray("Tank Jr\n//x\nuRIEL") << QStringList{"Tank Jr", "uRIEL"} << none;
     QTest::newRow("one byte per character")
         << QByteArray("Fr\xe9"
                       "d\xe9ric\r\n")
-        << QStringList{QStringLiteral("Fr\u00e9d\u00e9ric")} << false;
-    QTest::newRow("empty") << QByteArray() << QStringList{} << true;
-    QTest::newRow("missing") << QByteArray("-") << QStringList{} << true;
+        << QStringList{QStringLiteral("Fr\u00e9d\u00e9ric")} << none;
+    QTest::newRow("empty") << QByteArray() << QStringList{} << ReadError;
+    QTest::newRow("missing") << QByteArray("-") << QStringList{} << ReadError;
+    QByteArray many;
+    QStringList offered;
+    for (int i = 0; i < 500; ++i) {
+        many += "Bot" + QByteArray::number(i) + "\r\n";
+        if (i < 100)
+            offered << "Bot" + QString::number(i);
+    }
+    QTest::newRow("only as many as have a team and skill slot")
+        << many << offered
+        << message("Halvane",
+                   "botlist.txt lists 500 bots, but only the first 100 can be offered.\r\r400 "
+                   "bots were left out.",
+                   MsgButtons::Ok, MsgIcon::Information);
 }
 
 void TestBotList::fileRules() {
     QFETCH(QByteArray, content);
     QFETCH(QStringList, expected);
-    QFETCH(bool, error);
+    QFETCH(QString, told);
     Window w(content == "-" ? nullptr : &content);
     QCOMPARE(w.names(), expected);
-    QCOMPARE(onlyMessage(w.platform.messages), error ? ReadError : "0 messages");
+    QCOMPARE(onlyMessage(w.platform.messages), told);
     QVERIFY(w.window->isLoaded() && !w.window->hasEnded());
 }
 

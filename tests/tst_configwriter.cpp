@@ -7,6 +7,8 @@
 #include "bots/BotScripts.h"
 #include "config/ConfigWriter.h"
 #include "maps/MapCatalogue.h"
+#include "ui/MainWindow.h"
+#include "ui_frmMain.h"
 
 #include <QDir>
 #include <QtTest>
@@ -57,9 +59,6 @@ void apply(ServerSettings& s, const QString& change) {
         {"serverName", [&] { s.serverName = value; }},
         {"minPing", [&] { s.minPing = value; }},
         {"maxPing", [&] { s.maxPing = value; }},
-        {"mastersEnabled", [&] { s.mastersEnabled = truth; }},
-        {"master0", [&] { s.masters[0] = value; }},
-        {"master3", [&] { s.masters[3] = value; }},
         {"friendlyEnabled", [&] { s.friendlyEnabled = truth; }},
         {"friendlyFire", [&] { s.friendlyFire = truth; }},
         {"botType", [&] { s.botType = value.toInt(); }},
@@ -118,6 +117,8 @@ private slots:
     void failures_data();
     void failures();
     void startupScriptsAreNeverReplaced();
+    void sameFileFromEveryTab_data();
+    void sameFileFromEveryTab();
 };
 
 void TestConfigWriter::workedExamples_data() {
@@ -178,20 +179,14 @@ void TestConfigWriter::branches_data() {
         << QStringList{"seta g_log \"20260305-0709.log\""} << none;
     QTest::newRow("team play is game 3")
         << QStringList{"gameType=2"} << QStringList{"seta g_gametype 3"} << none;
+    QTest::newRow("blanks inside a ping count for nothing")
+        << QStringList{"minPing=0 50"}
+        << QStringList{"seta sv_minPing 0 50", "seta sv_maxPing 0", "", "seta g_forcerespawn 20"}
+        << none;
+    // The empty line follows the sum of the two numbers, not the lines written.
     QTest::newRow("ping limits not numeric")
         << QStringList{"minPing=abc", "maxPing=x100"}
         << QStringList{"", "seta sv_minPing 0", "seta sv_maxPing 0", "seta g_forcerespawn 20"}
-        << none;
-    // The empty line follows the sum of the two numbers, not the lines written.
-    QTest::newRow("masters enabled")
-        << QStringList{"mastersEnabled=1", "master0=  m.example.net  ", "master3= q3.example.org"}
-        << QStringList{"",
-                       "seta sv_master1 m.example.net",
-                       "seta sv_master2 \"\"",
-                       "seta sv_master3 \"\"",
-                       "seta sv_master4 q3.example.org",
-                       "seta sv_master5 \"\"",
-                       ""}
         << none;
     QTest::newRow("capture the flag with friendly fire")
         << QStringList{"gameType=3", "friendlyEnabled=1", "friendlyFire=1"}
@@ -308,6 +303,59 @@ void TestConfigWriter::startupScriptsAreNeverReplaced() {
     QVERIFY(f.write(baseSettings()));
     QCOMPARE(readAll(f.baseq3("autoexec.cfg")), own);
     QCOMPARE(readAll(f.baseq3("default.cfg")), QByteArray());
+}
+
+// The last run stored a team game with friendly fire on a dedicated server
+// with master servers; the operator shows tabs in turn and makes halvane.cfg
+// from the last one. Only Frame1's own state follows the tab (usable while
+// Options is shown); a frame the tab change disabled never counts.
+void TestConfigWriter::sameFileFromEveryTab_data() {
+    QTest::addColumn<int>("lastTab");    // stored by the last run
+    QTest::addColumn<QString>("visits"); // tabs clicked in turn
+    QTest::addColumn<bool>("masters");
+    for (int tab = 0; tab < 6; ++tab)
+        QTest::addRow("from tab %d", tab) << 0 << "012345" + QString::number(tab) << (tab == 3);
+    QTest::newRow("fresh start") << 0 << QString() << true;
+    QTest::newRow("last run closed on Options") << 3 << QString() << false;
+}
+
+void TestConfigWriter::sameFileFromEveryTab() {
+    QFETCH(int, lastTab);
+    QFETCH(QString, visits);
+    QFETCH(bool, masters);
+    TestPlatform platform;
+    platform.makeGameFolder();
+    const QString stored = "Settings/LastTab=" + QString::number(lastTab) +
+                           ";General/Name=Halvane Arena;General/Motd=Have fun;General/GameType=2"
+                           ";Limits/MaxPlayers=12;Limits/PlayerRespawn=20"
+                           ";Limits/InactivityTimeout=0;Options/AllowVoting=1"
+                           ";Options/FriendlyFire=1;Options/AutoJoin=0;Options/AutoBalance=0"
+                           ";Options/Master0= m.example.net ;Options/Master1="
+                           ";Options/Master3=q3.example.org;Network/MaxRate=";
+    for (const QString& entry : stored.split(';'))
+        platform.ini->write(entry.section('/', 0, 0), entry.section('/', 1).section('=', 0, 0),
+                            entry.section('=', 1));
+    MainWindow window(*platform.app);
+    window.showMainWindow();
+    QTabBar* tabs = window.form().SSTab1->tabBar();
+    for (const QChar tab : visits)
+        QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(tab.digitValue()).center());
+    QCOMPARE(window.form().SSTab1->currentIndex(),
+             visits.isEmpty() ? 0 : visits.back().digitValue());
+    window.form().mnuFileMakeCfg->trigger();
+
+    QByteArray expected = readAll(golden("config_minimal.cfg"));
+    expected.replace("seta g_gametype 0", "seta g_gametype 3");
+    expected.replace("seta g_weaponrespawn", "seta g_friendlyFire 1\r\nseta g_weaponrespawn");
+    if (masters) {
+        expected.replace("seta sv_maxRate \"\"\r\n\r\n",
+                         "seta sv_maxRate \"\"\r\n\r\nseta sv_master1 m.example.net\r\n"
+                         "seta sv_master2 \"\"\r\nseta sv_master3 \"\"\r\n"
+                         "seta sv_master4 q3.example.org\r\nseta sv_master5 \"\"\r\n");
+    }
+    const QByteArray actual = readAll(platform.gameFolder() + "/baseq3/halvane.cfg");
+    QVERIFY2(actual == expected, qPrintable(firstDifference(actual, expected)));
+    QCOMPARE(platform.messages.shown.size(), 1); // "Success!" and nothing before it
 }
 
 QTEST_MAIN(TestConfigWriter)

@@ -21,7 +21,7 @@ void InterlocksTest::rules_data() {
     // In order: "control=value" sets a selector's position or a box (1/0);
     // "startup" leaves the flag the start-up sets for the first game type
     // change; "?control" must be usable, "?!control" not, either with "=1"/"=0"
-    // for its check state; "?@panel" is the bot panel in front.
+    // for its check state; "?@panel" is the bot panel in front; "^button" clicks.
     QTest::addColumn<QString>("script");
     QTest::newRow("game types") << "cmbGameType=2 ?chkFriendly ?chkAutoJoin ?chkAutoBalance "
                                    "cmbGameType=1 ?!chkFriendly ?!chkAutoJoin ?!chkAutoBalance "
@@ -38,8 +38,9 @@ void InterlocksTest::rules_data() {
                                  "chkLogFile=1 chkDateLog=1 ?chkDateLog ?!txtLogFile chkDateLog=0 "
                                  "?txtLogFile";
     QTest::newRow("minimize or close")
-        << "chkStartState=1 optClose=1 optMinimize=1 ?optMinimize=1 ?optClose=0 optClose=1 "
-           "?optMinimize=0 optClose=0 ?optMinimize=0 ?optClose=0 chkStartState=0 ?!optMinimize";
+        << "chkStartState=1 optClose=1 optMinimize=1 ?optMinimize=1 ?optClose=0 ^optMinimize "
+           "?optMinimize=1 ^optClose ?optClose=1 ?optMinimize=0 ^optClose ?optClose=1 optClose=0 "
+           "?optMinimize=0 ?optClose=0 chkStartState=0 ?!optMinimize";
     QTest::newRow("password") << "chkRequirePassword=1 ?txtServerPW ?txtPrivateClients "
                                  "chkRequirePassword=0 ?!txtServerPW ?!lblPrivateClients";
     QTest::newRow("cd") << "chkSpecifyCD=1 ?txtCDROM chkSpecifyCD=0 ?!txtCDROM";
@@ -66,12 +67,14 @@ void InterlocksTest::rules() {
     window.showMainWindow();
     for (const QString& token : script.split(' ')) {
         QString name = token.section('=', 0, 0);
-        name.remove('?').remove('!').remove('@');
+        name.remove('?').remove('!').remove('@').remove('^');
         QObject* object = token == "startup" ? &window : window.findChild<QObject*>(name);
         QVERIFY2(object, qPrintable(token));
         auto* button = qobject_cast<QAbstractButton*>(object);
         if (token == "startup") {
             platform.app->state.StartupInProgress = true;
+        } else if (token.startsWith('^')) {
+            QTest::mouseClick(button, Qt::LeftButton);
         } else if (token.startsWith("?@")) {
             QCOMPARE(window.form().stkBotPanels->currentWidget()->objectName(), name);
         } else if (token.startsWith('?')) {

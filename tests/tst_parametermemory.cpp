@@ -44,6 +44,8 @@ public:
         return m_inner.write(section, key, value);
     }
     bool flush() override { return m_inner.flush(); }
+    QString location() const override { return m_inner.location(); }
+    QString failureReason() const override { return m_inner.failureReason(); }
 
 private:
     SettingsStore& m_inner;

@@ -171,6 +171,9 @@ void ValidationTest::validateAll_data() {
         << QStringList{BadIp} << Values{{"txtQuad", "3"}, {"txtPlayerRespawn", "0"}} << false << "";
     QTest::newRow("memory 8 becomes 12") << Values{{"txtHunkMegs", "8"}} << A{} << QStringList{}
                                          << Values{{"txtHunkMegs", "12"}} << true << "";
+    QTest::newRow("memory 1 6 is 16, blanks ignored")
+        << Values{{"txtHunkMegs", " 1 6"}} << A{} << QStringList{}
+        << Values{{"txtHunkMegs", " 1 6"}} << true << "";
     QTest::newRow("ctf memory 16, yes")
         << Values{{"cmbGameType", "3"}, {"txtHunkMegs", "16"}} << A{Yes} << QStringList{CtfQuestion}
         << Values{{"txtHunkMegs", "32"}} << true << "";
@@ -352,8 +355,8 @@ void ValidationTest::privateClientsCheckedOnLeaving_data() {
         "Warning | Setting the number of private clients will remove the password required to "
         "connect to your server for all clients.\r\rIf you wish to disable the password, uncheck "
         "'Require Password' instead. | Ok | information");
-    QTest::newRow("8 of 6") << "8"
-                            << "6" << exceeds.arg("8", "6");
+    QTest::newRow("1 0 of 6 is 10 of 6") << "1 0"
+                                         << "6" << exceeds.arg("1 0", "6");
     QTest::newRow("0 of 6") << "0"
                             << "6" << password;
     QTest::newRow("6 of 6") << "6"

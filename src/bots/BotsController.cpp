@@ -72,10 +72,13 @@ void BotsController::randomBotsLeft() {
 void BotsController::LoadBotList() {
     ui.BotList->clear();
     const BotListRead read = readBotList(m_app.platform.folder.file(QStringLiteral("botlist.txt")));
+    // Only positions with a team and skill slot are offered: a longer list
+    // would have nowhere to keep the rest, and one message says so.
+    const QStringList offered = read.names.mid(0, BotTables::Slots);
     {
         // Counting starts once the whole list stands.
         const QSignalBlocker blocker(ui.BotList);
-        for (const QString& name : read.names) {
+        for (const QString& name : offered) {
             auto* item = new QListWidgetItem(name, ui.BotList);
             item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
             item->setCheckState(Qt::Unchecked);
@@ -84,6 +87,16 @@ void BotsController::LoadBotList() {
     if (!read.ok) {
         m_app.platform.messages.tell(QStringLiteral("Halvane"),
                                      QStringLiteral("Error reading botlist.txt"), MsgIcon::None);
+    }
+    if (read.names.size() > offered.size()) {
+        m_app.platform.messages.tell(
+            QStringLiteral("Halvane"),
+            QStringLiteral("botlist.txt lists %1 bots, but only the first %2 can be offered.\r\r"
+                           "%3 bots were left out.")
+                .arg(read.names.size())
+                .arg(offered.size())
+                .arg(read.names.size() - offered.size()),
+            MsgIcon::Information);
     }
 }
 

@@ -10,9 +10,10 @@ namespace {
 bool checked(const QAbstractButton* box) {
     return box->isChecked();
 }
-// The control's own enabled state, whatever its window's state is.
-bool enabled(const QWidget* widget) {
-    return widget->isEnabledTo(widget->window());
+// The control's own enabled state, as the interlocks (and, for Frame1, the
+// tab change) set it; a disabled frame around it does not count.
+bool ownEnabled(const QWidget* widget) {
+    return !widget->testAttribute(Qt::WA_ForceDisabled);
 }
 } // namespace
 
@@ -40,7 +41,7 @@ ServerSettings readServerSettings(const Ui::frmMain& ui, const BotTables& tables
     s.consolePassword = ui.txtConsolePW->text();
     s.pureServer = checked(ui.chkPAKCheat);
     s.maxRate = ui.txtMaxRate->text();
-    s.mastersEnabled = enabled(ui.Frame1);
+    s.mastersEnabled = ownEnabled(ui.Frame1);
     s.masters = {ui.txtMaster_0->text(), ui.txtMaster_1->text(), ui.txtMaster_2->text(),
                  ui.txtMaster_3->text(), ui.txtMaster_4->text()};
     s.noBotJump = checked(ui.chkNoBotJump);
@@ -48,7 +49,7 @@ ServerSettings readServerSettings(const Ui::frmMain& ui, const BotTables& tables
     s.cheating = checked(ui.chkCheating);
     for (int i = 0; i < ui.SelMap->count(); ++i)
         s.selectedMaps.append(ui.SelMap->item(i)->text());
-    s.friendlyEnabled = enabled(ui.chkFriendly);
+    s.friendlyEnabled = ownEnabled(ui.chkFriendly);
     s.friendlyFire = checked(ui.chkFriendly);
     s.weaponRespawn = ui.txtRespawn->text();
     s.quad = ui.txtQuad->text();

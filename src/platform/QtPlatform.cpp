@@ -273,4 +273,26 @@ bool QtSettingsStore::flush() {
     return m_settings->status() != QSettings::AccessError;
 }
 
+QString QtSettingsStore::location() const {
+    return QDir::toNativeSeparators(m_settings->fileName());
+}
+
+// The store does not say why it failed; what stands in the way is read off
+// the file and its folder as they are now.
+QString QtSettingsStore::failureReason() const {
+    if (m_settings->format() == QSettings::NativeFormat)
+        return QStringLiteral("the registry refused the change");
+    const QFileInfo file(m_settings->fileName());
+    if (file.isDir())
+        return QStringLiteral("a folder of that name stands in its place");
+    if (file.exists() && !file.isWritable())
+        return QStringLiteral("the file is read-only");
+    const QFileInfo folder(file.absolutePath());
+    if (!folder.isDir())
+        return QStringLiteral("its folder is missing and cannot be made");
+    if (!folder.isWritable())
+        return QStringLiteral("its folder cannot be written to");
+    return QStringLiteral("the file could not be written; the disk may be full");
+}
+
 } // namespace halvane

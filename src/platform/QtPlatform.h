@@ -58,6 +58,8 @@ public:
                  const QString& defaultText) const override;
     bool write(const QString& section, const QString& key, const QString& value) override;
     bool flush() override;
+    QString location() const override;
+    QString failureReason() const override;
 
 private:
     std::unique_ptr<QSettings> m_settings;

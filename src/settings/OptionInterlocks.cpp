@@ -42,14 +42,19 @@ OptionInterlocks::OptionInterlocks(Ui::frmMain& ui, AppContext& app, QObject* pa
     // stored; Qt's auto-exclusive buttons could not be cleared again.
     ui.optMinimize->setAutoExclusive(false);
     ui.optClose->setAutoExclusive(false);
-    connect(ui.optMinimize, &QRadioButton::toggled, this, [this](bool on) {
-        if (on)
-            this->ui.optClose->setChecked(false);
-    });
-    connect(ui.optClose, &QRadioButton::toggled, this, [this](bool on) {
-        if (on)
-            this->ui.optMinimize->setChecked(false);
-    });
+    // Without auto-exclusion a click would clear the selected one again: an
+    // option button clicked while selected stays selected.
+    for (auto [button, other] :
+         {std::pair{ui.optMinimize, ui.optClose}, std::pair{ui.optClose, ui.optMinimize}}) {
+        connect(button, &QRadioButton::toggled, other, [other](bool on) {
+            if (on)
+                other->setChecked(false);
+        });
+        connect(button, &QRadioButton::clicked, button, [button](bool on) {
+            if (!on)
+                button->setChecked(true);
+        });
+    }
 }
 
 void OptionInterlocks::SetGameType() {

@@ -54,6 +54,17 @@ void SettingsController::report(const QString& stepMessage) {
         MsgIcon::Information);
 }
 
+// A selector whose stored entry was refused would show no entry at all and
+// the next save would store -1, refused again at every start. It takes the
+// entry of its key's default instead, so the value is reported once and the
+// next save heals the store. Other controls keep their previous value, which
+// is always one the store accepts.
+void SettingsController::refuse(const OptionKey& option, const QString& stepMessage) {
+    report(stepMessage);
+    if (option.form == TextForm::Position)
+        setHolderValue(holder(option), option.form, QString::fromLatin1(option.defaultText));
+}
+
 void SettingsController::LoadSettings() {
     for (int step = 1; step <= LoadStepCount; ++step)
         loadStep(step);
@@ -98,9 +109,9 @@ void SettingsController::loadStep(int step) {
             // Stored as the game's own numbering in old stores: 4 is Capture the Flag.
             const int position = m_gameType == 4 ? 3 : m_gameType;
             if (!setHolderValue(holder(*option), TextForm::Position, QString::number(position)))
-                report(message);
+                refuse(*option, message);
         } else if (!setHolderValue(holder(*option), option->form, text)) {
-            report(message);
+            refuse(*option, message);
         }
     }
 

@@ -38,6 +38,7 @@ public:
 private:
     QString read(const OptionKey& option) const;
     void report(const QString& stepMessage);
+    void refuse(const OptionKey& option, const QString& stepMessage);
     void loadStep(int step);
     void loadBots(const QString& message);
     bool saveBots();

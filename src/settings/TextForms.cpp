@@ -23,12 +23,16 @@ std::optional<bool> parseTruth(const QString& text) {
     return number != 0.0;
 }
 
-double leadingNumber(const QString& text) {
+double leadingNumber(const QString& typed) {
+    // Blanks count nowhere, so "1 6" reads as 16 and "- 5" as -5.
+    QString text;
+    text.reserve(typed.size());
+    for (const QChar c : typed) {
+        if (c != QLatin1Char(' ') && c != QLatin1Char('\t'))
+            text += c;
+    }
     int i = 0;
     const int n = text.size();
-    while (i < n && (text[i] == QLatin1Char(' ') || text[i] == QLatin1Char('\t')))
-        ++i;
-    const int start = i;
     if (i < n && (text[i] == QLatin1Char('+') || text[i] == QLatin1Char('-')))
         ++i;
     bool digits = false;
@@ -46,7 +50,7 @@ double leadingNumber(const QString& text) {
     }
     if (!digits)
         return 0.0;
-    QString number = text.mid(start, i - start);
+    QString number = text.left(i);
     if (number.endsWith(QLatin1Char('.')))
         number.chop(1);
     return number.toDouble();

@@ -23,7 +23,7 @@ inline QString signedText(long long value) {
     return value < 0 ? QString::number(value) : QLatin1Char(' ') + QString::number(value);
 }
 
-// The number a text starts with (blanks before it skipped, an optional sign,
+// The number a text starts with (blanks anywhere ignored, an optional sign,
 // digits and one decimal point); 0 when the text does not start with one.
 double leadingNumber(const QString& text);
 

@@ -282,7 +282,17 @@ void MainWindow::unload() {
         m_parameters->saveParameterList();
         // 4.
         step("SaveSettings");
-        m_settings->SaveSettings();
+        if (!m_settings->SaveSettings()) {
+            // The program still ends, but not without saying what was lost.
+            const SettingsStore& store = m_app.platform.store;
+            m_app.platform.messages.tell(
+                QStringLiteral("Warning!"),
+                QStringLiteral("Your settings could not be stored in ") + store.location() +
+                    QStringLiteral("\r\rReason: ") + store.failureReason() +
+                    QStringLiteral(".\r\rSettings changed since they were last stored may be "
+                                   "missing at the next start."),
+                MsgIcon::Critical);
+        }
     }
     step("endProgram");
     endProgram();
