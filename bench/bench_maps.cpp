@@ -3,6 +3,7 @@
 //   halvane_bench                        every timed section
 //   halvane_bench maps                   the map timings below
 //   halvane_bench config                 WriteConfig against cp -r
+//   halvane_bench servers                the server window's refresh (bench_servers.cpp)
 //   halvane_bench make-archives <dir> [count]   writes <count> test archives
 //   halvane_bench list-archives <dir>    prints "archive<TAB>member" lines
 #include "app/AppContext.h"
@@ -24,7 +25,8 @@
 
 using namespace halvane;
 
-int benchConfig(); // bench_config.cpp
+int benchConfig();  // bench_config.cpp
+int benchServers(); // bench_servers.cpp
 
 namespace {
 
@@ -188,19 +190,23 @@ int main(int argc, char* argv[]) {
     if (command.isEmpty()) {
         const int maps = benchMaps();
         const int config = benchConfig();
-        return maps != 0 ? maps : config;
+        const int servers = benchServers();
+        return maps != 0 ? maps : config != 0 ? config : servers;
     }
     if (command == QLatin1String("maps"))
         return benchMaps();
     if (command == QLatin1String("config"))
         return benchConfig();
+    if (command == QLatin1String("servers"))
+        return benchServers();
     if (command == QLatin1String("make-archives") && argc > 2)
         return makeArchives(QString::fromLocal8Bit(argv[2]), argc > 3 ? atoi(argv[3]) : 500) ? 0
                                                                                              : 1;
     if (command == QLatin1String("list-archives") && argc > 2)
         return listArchives(QString::fromLocal8Bit(argv[2]));
-    std::fprintf(stderr,
-                 "usage: %s [maps | config | make-archives <dir> [count] | list-archives <dir>]\n",
-                 argv[0]);
+    std::fprintf(
+        stderr,
+        "usage: %s [maps | config | servers | make-archives <dir> [count] | list-archives <dir>]\n",
+        argv[0]);
     return 2;
 }

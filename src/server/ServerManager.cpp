@@ -116,8 +116,11 @@ StartResult ServerManager::launch(const QString& program, const QStringList& arg
     record.logFile = newLogFile(record.port);
     const StartResult started =
         m_app.platform.processes.startLogged(program, arguments, folder, record.logFile);
-    if (!started.started)
+    if (!started.started) {
+        if (!record.logFile.isEmpty())
+            QFile::remove(record.logFile); // the empty file made for it
         return started;
+    }
     record.pid = started.taskId;
     record.processStart = started.startTime;
     record.started = QDateTime::currentDateTime();
