@@ -6,6 +6,7 @@
 //   halvane_bench servers                the server window's refresh (bench_servers.cpp)
 //   halvane_bench make-archives <dir> [count]   writes <count> test archives
 //   halvane_bench list-archives <dir>    prints "archive<TAB>member" lines
+#include "BenchPlatform.h"
 #include "app/AppContext.h"
 #include "maps/ArchiveListing.h"
 #include "maps/MapCatalogue.h"
@@ -91,30 +92,6 @@ int listArchives(const QString& folder) {
     }
     return 0;
 }
-
-struct BenchPlatform {
-    QTemporaryDir dir;
-    FakeMessageBoxes messages;
-    FakeFileDialogs dialogs;
-    FakeProcesses processes;
-    FakeShell shell;
-    FakeDesktop desktop;
-    std::unique_ptr<QtSettingsStore> store;
-    std::unique_ptr<ProgramFolder> folder;
-    std::unique_ptr<AppContext> app;
-    BenchPlatform() {
-        QDir().mkpath(program());
-        QDir().mkpath(game() + QStringLiteral("/baseq3/maps"));
-        store = std::make_unique<QtSettingsStore>(dir.filePath(QStringLiteral("Halvane.ini")));
-        folder = std::make_unique<ProgramFolder>(program());
-        app.reset(
-            new AppContext{{messages, dialogs, processes, shell, desktop, *store, *folder}, {}});
-        app->state.GameFolder = game();
-        app->state.GameExeName = QStringLiteral("quake3.exe");
-    }
-    QString program() const { return dir.filePath(QStringLiteral("program")); }
-    QString game() const { return dir.filePath(QStringLiteral("game")); }
-};
 
 int benchMaps() {
     QElapsedTimer clock;

@@ -4,15 +4,12 @@
 // then reading, parsing and showing the answers. Against it, in the same
 // rounds, an idle pass of the same event loop. A section of halvane_bench
 // (bench_maps.cpp owns main); never run by the tests.
-#include "app/AppContext.h"
-#include "platform/FakePlatform.h"
-#include "platform/QtPlatform.h"
+#include "BenchPlatform.h"
 #include "server/ServerManager.h"
 #include "server/ServerWindow.h"
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QTemporaryDir>
 #include <QThread>
 #include <QUdpSocket>
 #include <algorithm>
@@ -51,15 +48,7 @@ double median(std::vector<double> values) {
 } // namespace
 
 int benchServers() {
-    QTemporaryDir dir;
-    FakeMessageBoxes messages;
-    FakeFileDialogs dialogs;
-    FakeProcesses processes;
-    FakeShell shell;
-    FakeDesktop desktop;
-    QtSettingsStore store(dir.filePath(QStringLiteral("Halvane.ini")));
-    ProgramFolder folder(dir.path(), dir.filePath(QStringLiteral("state")));
-    AppContext app{{messages, dialogs, processes, shell, desktop, store, folder}, {}};
+    BenchPlatform platform;
 
     std::atomic<bool> stop{false};
     std::atomic<int> answered{0};
@@ -89,11 +78,11 @@ int benchServers() {
     while (ready < Servers)
         QThread::msleep(1);
 
-    ServerManager manager(app);
+    ServerManager manager(*platform.app);
     for (const StandIn& standIn : standIns)
-        manager.launch(QStringLiteral("quake3.exe"), {}, dir.path(), QString(),
+        manager.launch(QStringLiteral("quake3.exe"), {}, platform.game(), QString(),
                        QStringLiteral("127.0.0.1"), QString::number(standIn.port), QString());
-    ServerWindow window(manager, shell, nullptr);
+    ServerWindow window(manager, platform.shell, nullptr);
     window.show();
     QApplication::processEvents();
 
