@@ -4,6 +4,7 @@
 #include "TestSupport.h"
 
 #include "server/LaunchRecords.h"
+#include "server/LogTail.h"
 #include "server/ServerManager.h"
 #include "server/ServerProtocol.h"
 
@@ -57,6 +58,8 @@ private slots:
     void clientNumbers();
     void records_data();
     void records();
+    void logTail_data();
+    void logTail();
 };
 
 void ServerTest::status_data() {
@@ -225,6 +228,40 @@ void ServerTest::records() {
                  return records;
              }()));
     QCOMPARE(QFile(state + "/servers.jsonl").permissions() & 0x0077, QFileDevice::Permissions());
+}
+
+void ServerTest::logTail_data() {
+    QTest::addColumn<QStringList>("steps"); // +text appends, =text replaces, - deletes
+    QTest::addColumn<QStringList>("reads"); // the lines read after each step, "!" a problem
+    QTest::newRow("growing, a line in two parts")
+        << QStringList{"+a\r\nb", "+c\nd\n", "+"} << QStringList{"a", "bc|d", ""};
+    QTest::newRow("deleted while shown, then back")
+        << QStringList{"+a\n", "-", "-", "=x\n"} << QStringList{"a", "!", "", "x"};
+    QTest::newRow("cut shorter") << QStringList{"+long line\n", "=s\n"}
+                                 << QStringList{"long line", "s"};
+}
+
+void ServerTest::logTail() {
+    QFETCH(QStringList, steps);
+    QFETCH(QStringList, reads);
+    QTemporaryDir dir;
+    const QString path = dir.filePath("server.log");
+    LogTail tail;
+    tail.follow(path);
+    for (qsizetype i = 0; i < steps.size(); ++i) {
+        QFile file(path);
+        const QByteArray text = steps[i].mid(1).toLatin1();
+        if (steps[i].startsWith('-'))
+            file.remove();
+        else if (file.open(steps[i].startsWith('+') ? QIODevice::Append : QIODevice::WriteOnly))
+            file.write(text);
+        file.close();
+        QString problem;
+        const QString lines = tail.readNew(&problem).join('|');
+        QCOMPARE(problem.isEmpty() ? lines : "!", reads[i]);
+        QVERIFY(problem.isEmpty() ||
+                problem.startsWith("The log file " + path + " cannot be read"));
+    }
 }
 
 QTEST_MAIN(ServerTest)

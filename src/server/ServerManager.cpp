@@ -159,13 +159,25 @@ bool ServerManager::startProcess(ServerEntry& server) {
 }
 
 void ServerManager::processEnded(ServerEntry& server, const QString& reason, bool mayRestart) {
-    server.record.ended = QDateTime::currentDateTime();
+    const QDateTime now = QDateTime::currentDateTime();
+    const bool quick = server.record.started.secsTo(now) < QuickEndSecs;
+    server.quickEnds = mayRestart && quick ? server.quickEnds + 1 : 0;
+    server.record.ended = now;
     server.record.endReason = reason;
     server.live.status.reset();
     server.live.silentSince = QDateTime();
     server.live.unanswered = 0;
     server.live.stopping = ServerLive::Stopping::No;
-    if (mayRestart && server.record.monitor && startProcess(server)) {
+    if (!mayRestart || !server.record.monitor)
+        return;
+    if (server.quickEnds > QuickEndsAllowed) {
+        server.live.problem = QStringLiteral("Not restarted: it ended within %1 seconds of its "
+                                             "start %2 times in a row")
+                                  .arg(QuickEndSecs)
+                                  .arg(server.quickEnds);
+        return;
+    }
+    if (startProcess(server)) {
         ++server.record.monitorRestarts;
         server.record.lastMonitorRestart = server.record.started;
     }

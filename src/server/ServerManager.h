@@ -33,6 +33,7 @@ struct ServerLive {
 struct ServerEntry {
     LaunchRecord record;
     ServerLive live;
+    int quickEnds = 0; // ends soon after a start, one after another
 };
 
 // The servers this program started: their records in the user's state
@@ -47,6 +48,10 @@ public:
     static constexpr int AskGraceSecs = 5;   // after rcon quit, the process is asked to end
     static constexpr int KillGraceSecs = 10; // then it is killed
     static constexpr int KeptEnded = 10;     // ended servers still listed
+    // A server that keeps ending this soon after its start is not restarted
+    // again and again.
+    static constexpr int QuickEndSecs = 30;
+    static constexpr int QuickEndsAllowed = 3;
 
     explicit ServerManager(AppContext& app, QObject* parent = nullptr);
     ~ServerManager() override;

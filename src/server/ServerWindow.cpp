@@ -5,6 +5,8 @@
 #include "server/ServerProtocol.h"
 #include "ui_frmServer.h"
 
+#include <QFontDatabase>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QPointer>
 #include <QScrollBar>
@@ -44,6 +46,10 @@ ServerWindow::ServerWindow(ServerManager& manager, Shell& shell, QWidget* owner)
     : QWidget(owner, Qt::Window), m_manager(manager), m_shell(shell),
       ui(std::make_unique<Ui::frmServer>()) {
     ui->setupUi(this);
+    // The console's tables line up.
+    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    ui->txtConsole->setFont(fixed);
+    ui->txtLog->setFont(fixed);
     ui->cmbCommand->setMaxCount(HistorySize);
     ui->cmbCommand->lineEdit()->setMaxLength(1000); // the engine takes no longer command
     ui->cmdStop->setToolTip(QStringLiteral("Stops the chosen server"));
@@ -123,6 +129,7 @@ void ServerWindow::rebuildList() {
     if (!select && ui->lstServers->topLevelItemCount() > 0)
         select = ui->lstServers->topLevelItem(0);
     ui->lstServers->setCurrentItem(select);
+    ui->lstServers->header()->resizeSections(QHeaderView::ResizeToContents);
     showDetails();
 }
 
@@ -182,11 +189,13 @@ void ServerWindow::showDetails() {
         ui->chkMonitor->setChecked(server && server->record.monitor);
     }
     ui->chkMonitor->setEnabled(server != nullptr);
-    ui->lblMonitor->setText(server && server->record.monitorRestarts > 0
-                                ? QStringLiteral("Restarted %1 times, last at %2")
-                                      .arg(server->record.monitorRestarts)
-                                      .arg(clock(server->record.lastMonitorRestart))
-                                : QString());
+    const int restarts = server ? server->record.monitorRestarts : 0;
+    ui->lblMonitor->setText(
+        restarts > 0 ? QStringLiteral("Restarted %1 %2, last at %3")
+                           .arg(restarts)
+                           .arg(restarts == 1 ? QStringLiteral("time") : QStringLiteral("times"))
+                           .arg(clock(server->record.lastMonitorRestart))
+                     : QString());
     ui->cmdOpenLog->setEnabled(server && !server->record.logFile.isEmpty());
     const auto* status = server && server->live.status ? &*server->live.status : nullptr;
     ui->lblHostName->setText(status ? protocol::colouredHtml(status->value("sv_hostname"))

@@ -303,7 +303,7 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
     const qint64 killed = pid();
     QCOMPARE(::kill(pid_t(killed), SIGKILL), 0);
     QTRY_VERIFY_WITH_TIMEOUT(pid() != killed && row(State) == "running", 60000);
-    QVERIFY2(ui.lblMonitor->text().startsWith("Restarted 1 times, last at "),
+    QVERIFY2(ui.lblMonitor->text().startsWith("Restarted 1 time, last at "),
              qPrintable(ui.lblMonitor->text()));
 
     const qint64 survivor = pid();
