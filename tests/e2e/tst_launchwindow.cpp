@@ -270,7 +270,6 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
 
     QTRY_VERIFY_WITH_TIMEOUT(row(Map) == "oa_dm1" && players() == firstBots, 60000);
     QCOMPARE(row(Name), QStringLiteral("Halvane window e2e"));
-    QCOMPARE(row(Address), QStringLiteral("127.0.0.1:%1").arg(op.port));
     QCOMPARE(row(Type), QStringLiteral("Team Play"));
     QCOMPARE(row(Players), QStringLiteral("%1 / 12").arg(firstBots.size()));
     QCOMPARE(row(State), QStringLiteral("running"));
@@ -279,8 +278,6 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
     ui.cmbCommand->setEditText("status");
     ui.cmdSend->click();
     QTRY_VERIFY_WITH_TIMEOUT(ui.txtConsole->toPlainText().contains("map: oa_dm1"), 10000);
-    for (const QString& bot : firstBots)
-        QVERIFY(ui.txtConsole->toPlainText().contains(bot));
     QCOMPARE(ui.cmbCommand->itemText(0), QStringLiteral("status"));
 
     ui.cmdNextMap->click();
