@@ -126,6 +126,10 @@ StartResult ServerManager::launch(const QString& program, const QStringList& arg
     record.started = QDateTime::currentDateTime();
     record.id = serverId(record.started, record.pid);
     m_servers.prepend({record, {}});
+    // The last ones that ended stay listed, the older ones go.
+    int ended = 0;
+    m_servers.removeIf(
+        [&](const ServerEntry& server) { return !server.record.running() && ++ended > KeptEnded; });
     if (record.logFile.isEmpty())
         m_servers.first().live.problem =
             QStringLiteral("No log: the folder %1 cannot be written")
@@ -389,7 +393,18 @@ void ServerManager::stop(const QString& id) {
         return;
     }
     if (protocol::rconPasswordProblem(server->record.rconPassword).isEmpty())
-        rcon(id, QStringLiteral("quit"), nullptr);
+        rcon(id, QStringLiteral("quit"), [this, id](const protocol::RconAnswer& answer) {
+            // Refused: no need to wait for a quit that will not come.
+            ServerEntry* refused = entry(id);
+            if (answer.text.isEmpty() || answer.error.isEmpty() || !refused ||
+                refused->live.stopping == ServerLive::Stopping::No || refused->live.asked ||
+                !alive(refused->record))
+                return;
+            refused->live.problem = QStringLiteral("Stop: ") + answer.error;
+            refused->live.asked = true;
+            m_app.platform.processes.end(refused->record.pid, false);
+            emit serverChanged(id);
+        });
     else
         server->live.asked = m_app.platform.processes.end(server->record.pid, false);
     m_stopTick.start();
