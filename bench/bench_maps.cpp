@@ -3,8 +3,10 @@
 //   halvane_bench                        every timed section
 //   halvane_bench maps                   the map timings below
 //   halvane_bench config                 WriteConfig against cp -r
+//   halvane_bench servers                the server window's refresh (bench_servers.cpp)
 //   halvane_bench make-archives <dir> [count]   writes <count> test archives
 //   halvane_bench list-archives <dir>    prints "archive<TAB>member" lines
+#include "BenchPlatform.h"
 #include "app/AppContext.h"
 #include "maps/ArchiveListing.h"
 #include "maps/MapCatalogue.h"
@@ -24,7 +26,8 @@
 
 using namespace halvane;
 
-int benchConfig(); // bench_config.cpp
+int benchConfig();  // bench_config.cpp
+int benchServers(); // bench_servers.cpp
 
 namespace {
 
@@ -89,30 +92,6 @@ int listArchives(const QString& folder) {
     }
     return 0;
 }
-
-struct BenchPlatform {
-    QTemporaryDir dir;
-    FakeMessageBoxes messages;
-    FakeFileDialogs dialogs;
-    FakeProcesses processes;
-    FakeShell shell;
-    FakeDesktop desktop;
-    std::unique_ptr<QtSettingsStore> store;
-    std::unique_ptr<ProgramFolder> folder;
-    std::unique_ptr<AppContext> app;
-    BenchPlatform() {
-        QDir().mkpath(program());
-        QDir().mkpath(game() + QStringLiteral("/baseq3/maps"));
-        store = std::make_unique<QtSettingsStore>(dir.filePath(QStringLiteral("Halvane.ini")));
-        folder = std::make_unique<ProgramFolder>(program());
-        app.reset(
-            new AppContext{{messages, dialogs, processes, shell, desktop, *store, *folder}, {}});
-        app->state.GameFolder = game();
-        app->state.GameExeName = QStringLiteral("quake3.exe");
-    }
-    QString program() const { return dir.filePath(QStringLiteral("program")); }
-    QString game() const { return dir.filePath(QStringLiteral("game")); }
-};
 
 int benchMaps() {
     QElapsedTimer clock;
@@ -188,19 +167,23 @@ int main(int argc, char* argv[]) {
     if (command.isEmpty()) {
         const int maps = benchMaps();
         const int config = benchConfig();
-        return maps != 0 ? maps : config;
+        const int servers = benchServers();
+        return maps != 0 ? maps : config != 0 ? config : servers;
     }
     if (command == QLatin1String("maps"))
         return benchMaps();
     if (command == QLatin1String("config"))
         return benchConfig();
+    if (command == QLatin1String("servers"))
+        return benchServers();
     if (command == QLatin1String("make-archives") && argc > 2)
         return makeArchives(QString::fromLocal8Bit(argv[2]), argc > 3 ? atoi(argv[3]) : 500) ? 0
                                                                                              : 1;
     if (command == QLatin1String("list-archives") && argc > 2)
         return listArchives(QString::fromLocal8Bit(argv[2]));
-    std::fprintf(stderr,
-                 "usage: %s [maps | config | make-archives <dir> [count] | list-archives <dir>]\n",
-                 argv[0]);
+    std::fprintf(
+        stderr,
+        "usage: %s [maps | config | servers | make-archives <dir> [count] | list-archives <dir>]\n",
+        argv[0]);
     return 2;
 }

@@ -120,7 +120,7 @@ int main(int argc, char* argv[]) {
     QtShell shell;
     QtDesktop desktop;
     QtSettingsStore store(dir + QStringLiteral("/Halvane.ini"));
-    ProgramFolder folder(dir + QStringLiteral("/program"));
+    ProgramFolder folder(dir + QStringLiteral("/program"), dir + QStringLiteral("/state"));
     AppContext app{{messages, dialogs, processes, shell, desktop, store, folder}, {}};
     MainWindow window(app);
     window.start();

@@ -70,6 +70,7 @@ void MenusTest::shortcutReachesItsAction_data() {
     QTest::newRow("Halvane Online") << "mnuHelpOnline" << int(Qt::Key_O) << ctrl;
     QTest::newRow("Frequently Asked Questions") << "mnuHelpFAQ" << int(Qt::Key_Q) << ctrl;
     QTest::newRow("About Halvane") << "mnuHelpAbout" << int(Qt::Key_F8) << 0;
+    QTest::newRow("Server Status") << "mnuServerStatus" << int(Qt::Key_F7) << 0;
 }
 
 void MenusTest::shortcutReachesItsAction() {

@@ -115,8 +115,11 @@ void LaunchController::cmdStart() {
     // 11. Started without a shell: the command line becomes the arguments.
     const QString exeName = m_app.state.GameExeName.trimmed();
     stepText = m_app.state.GameExeName + commandLine;
-    const StartResult started = m_app.platform.processes.start(
-        QDir(gameFolder).filePath(exeName), splitCommandLine(commandLine), gameFolder);
+    const QString program = QDir(gameFolder).filePath(exeName);
+    const QStringList arguments = splitCommandLine(commandLine);
+    const StartResult started =
+        m_hooks.startServer ? m_hooks.startServer(program, arguments, gameFolder, commandLine)
+                            : m_app.platform.processes.start(program, arguments, gameFolder);
     if (!started.started) {
         fail(stepText, started.errorCode != 0 ? started.errorCode : EIO);
         return;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Processes.h"
+
 #include <QDateTime>
 #include <QObject>
 #include <functional>
@@ -25,6 +27,11 @@ struct LaunchHooks {
     std::function<bool(const QString& path, bool withCommandLine, const QString& commandLine)>
         WriteConfig;
     std::function<QDateTime()> now; // local time for the N-0-P start stamp
+    // Starts the game in place of a plain process start, keeping a record
+    // and a log of the server.
+    std::function<StartResult(const QString& program, const QStringList& arguments,
+                              const QString& folder, const QString& commandLine)>
+        startServer;
 };
 
 // "Launch the Server": turns the options into a running game server.

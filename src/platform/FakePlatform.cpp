@@ -27,12 +27,26 @@ FileChoice FakeFileDialogs::saveFile(const QString& title, const QString& filter
 
 StartResult FakeProcesses::start(const QString& program, const QStringList& arguments,
                                  const QString& workingFolder) {
+    return startLogged(program, arguments, workingFolder, QString());
+}
+
+StartResult FakeProcesses::startLogged(const QString& program, const QStringList& arguments,
+                                       const QString& workingFolder, const QString& logFile) {
     if (failWithCode != 0)
         return {false, 0, failWithCode};
-    started.append({program, arguments, workingFolder});
+    started.append({program, arguments, workingFolder, logFile});
     const qint64 id = nextTaskId++;
     alive.append(id);
-    return {true, id, 0};
+    return {true, id, 0, id * 7};
+}
+
+qint64 FakeProcesses::startTimeOf(qint64 taskId) {
+    return alive.contains(taskId) ? taskId * 7 : 0;
+}
+
+bool FakeProcesses::end(qint64 taskId, bool force) {
+    ended.append(force ? -taskId : taskId);
+    return alive.removeAll(taskId) > 0;
 }
 
 bool FakeProcesses::activate(qint64 taskId) {

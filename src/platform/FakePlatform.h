@@ -50,16 +50,22 @@ struct StartedProcess {
     QString program;
     QStringList arguments;
     QString workingFolder;
+    QString logFile;
 };
 
 class FakeProcesses : public Processes {
 public:
     StartResult start(const QString& program, const QStringList& arguments,
                       const QString& workingFolder) override;
+    StartResult startLogged(const QString& program, const QStringList& arguments,
+                            const QString& workingFolder, const QString& logFile) override;
     bool activate(qint64 taskId) override;
+    qint64 startTimeOf(qint64 taskId) override;
+    bool end(qint64 taskId, bool force) override;
     QList<StartedProcess> started;
     QList<qint64> activated;
     QList<qint64> alive;  // task ids that count as running
+    QList<qint64> ended;  // task ids asked to end (negative: forced)
     int failWithCode = 0; // non-zero: the next starts fail with this code
     qint64 nextTaskId = 1000;
 };

@@ -9,6 +9,9 @@ struct StartResult {
     bool started = false;
     qint64 taskId = 0;
     int errorCode = 0; // system error number when not started
+    // When the process began, as the system counts it; with the task id it
+    // names this very process, even after the id has been reused.
+    qint64 startTime = 0;
 };
 
 // Starting programs without a shell, and asking after them later.
@@ -17,8 +20,16 @@ public:
     virtual ~Processes() = default;
     virtual StartResult start(const QString& program, const QStringList& arguments,
                               const QString& workingFolder) = 0;
+    // As start, with standard output and error appended to logFile (none
+    // when it is empty). The process outlives the program.
+    virtual StartResult startLogged(const QString& program, const QStringList& arguments,
+                                    const QString& workingFolder, const QString& logFile) = 0;
     // True when the task still runs; brings its window forward where the platform allows.
     virtual bool activate(qint64 taskId) = 0;
+    // The start time of the running task, 0 when no such task runs.
+    virtual qint64 startTimeOf(qint64 taskId) = 0;
+    // Asks the task to end, or ends it at once when force is set.
+    virtual bool end(qint64 taskId, bool force) = 0;
 };
 
 } // namespace halvane

@@ -2,11 +2,25 @@
 
 #include <QDir>
 #include <QFile>
+#include <QStandardPaths>
 
 namespace halvane {
 
 QString ProgramFolder::file(const QString& relative) const {
     return findIgnoringCase(m_path, relative);
+}
+
+// The XDG state home on Linux (~/.local/state/Halvane); elsewhere the
+// program's local data folder.
+QString userStateFolder() {
+#if defined(Q_OS_UNIX) && !defined(Q_OS_MACOS)
+    QString base = qEnvironmentVariable("XDG_STATE_HOME");
+    if (base.isEmpty() || !QDir::isAbsolutePath(base))
+        base = QDir::homePath() + QStringLiteral("/.local/state");
+    return base + QStringLiteral("/Halvane");
+#else
+    return QStandardPaths::writableLocation(QStandardPaths::AppLocalDataLocation);
+#endif
 }
 
 bool FileExists(const QString& path) {

@@ -119,12 +119,12 @@ FileChoice QtFileDialogs::saveFile(const QString& title, const QString& filter,
     return choiceOf(dialog.selectedFiles().constFirst());
 }
 
-StartResult QtProcesses::start(const QString& program, const QStringList& arguments,
-                               const QString& workingFolder) {
-    StartResult result;
+// The program as the system will run it, or an error code in result: a
+// bare name is looked up in the working folder first, as a command typed in
+// that folder would be.
+static QString resolveProgram(const QString& program, const QString& workingFolder,
+                              StartResult& result) {
     QString resolved = program;
-    // A bare name is looked up in the working folder first, as a command
-    // typed in that folder would be.
     if (!program.contains(QLatin1Char('/')) && !program.contains(QLatin1Char('\\')) &&
         !workingFolder.isEmpty()) {
         const QString local = QDir(workingFolder).filePath(program);
@@ -133,19 +133,24 @@ StartResult QtProcesses::start(const QString& program, const QStringList& argume
     }
     if (!workingFolder.isEmpty() && !QFileInfo(workingFolder).isDir()) {
         result.errorCode = ENOENT;
-        return result;
+        return resolved;
     }
     const QFileInfo info(resolved);
     if (resolved != program || info.isAbsolute()) {
-        if (!info.exists()) {
+        if (!info.exists())
             result.errorCode = ENOENT;
-            return result;
-        }
-        if (!info.isExecutable() || info.isDir()) {
+        else if (!info.isExecutable() || info.isDir())
             result.errorCode = EACCES;
-            return result;
-        }
     }
+    return resolved;
+}
+
+StartResult QtProcesses::start(const QString& program, const QStringList& arguments,
+                               const QString& workingFolder) {
+    StartResult result;
+    const QString resolved = resolveProgram(program, workingFolder, result);
+    if (result.errorCode != 0)
+        return result;
     qint64 pid = 0;
     if (!QProcess::startDetached(resolved, arguments, workingFolder, &pid)) {
         result.errorCode = QStandardPaths::findExecutable(resolved).isEmpty() ? ENOENT : EIO;
@@ -153,6 +158,34 @@ StartResult QtProcesses::start(const QString& program, const QStringList& argume
     }
     result.started = true;
     result.taskId = pid;
+    result.startTime = startTimeOf(pid);
+    return result;
+}
+
+StartResult QtProcesses::startLogged(const QString& program, const QStringList& arguments,
+                                     const QString& workingFolder, const QString& logFile) {
+    StartResult result;
+    const QString resolved = resolveProgram(program, workingFolder, result);
+    if (result.errorCode != 0)
+        return result;
+    QProcess process;
+    process.setProgram(resolved);
+    process.setArguments(arguments);
+    process.setWorkingDirectory(workingFolder);
+    // Nothing to read: a server left on our input would wait on it.
+    process.setStandardInputFile(QProcess::nullDevice());
+    if (!logFile.isEmpty()) {
+        process.setStandardOutputFile(logFile, QIODevice::Append);
+        process.setStandardErrorFile(logFile, QIODevice::Append);
+    }
+    qint64 pid = 0;
+    if (!process.startDetached(&pid)) {
+        result.errorCode = QStandardPaths::findExecutable(resolved).isEmpty() ? ENOENT : EIO;
+        return result;
+    }
+    result.started = true;
+    result.taskId = pid;
+    result.startTime = startTimeOf(pid);
     return result;
 }
 
@@ -192,6 +225,64 @@ bool QtProcesses::activate(qint64 taskId) {
             return false;
     }
     return true;
+#endif
+}
+
+qint64 QtProcesses::startTimeOf(qint64 taskId) {
+    if (taskId <= 0)
+        return 0;
+#ifdef Q_OS_WIN
+    HANDLE process = OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, DWORD(taskId));
+    if (!process)
+        return 0;
+    DWORD code = 0;
+    FILETIME created{}, exited{}, kernel{}, user{};
+    qint64 start = 0;
+    if (GetExitCodeProcess(process, &code) && code == STILL_ACTIVE &&
+        GetProcessTimes(process, &created, &exited, &kernel, &user))
+        start = (qint64(created.dwHighDateTime) << 32) | created.dwLowDateTime;
+    CloseHandle(process);
+    return start;
+#elif defined(Q_OS_LINUX)
+    // Field 22 of the process's stat line: its start in clock ticks after
+    // boot. A zombie has ended.
+    QFile stat(QStringLiteral("/proc/%1/stat").arg(taskId));
+    if (!stat.open(QIODevice::ReadOnly))
+        return 0;
+    const QByteArray line = stat.readAll();
+    const qsizetype close = line.lastIndexOf(')'); // the name may hold blanks
+    if (close < 0)
+        return 0;
+    const QList<QByteArray> fields = line.mid(close + 2).split(' ');
+    if (fields.size() < 20 || fields[0] == "Z" || fields[0] == "X")
+        return 0;
+    bool ok = false;
+    const qint64 start = fields[19].toLongLong(&ok);
+    return ok ? qMax<qint64>(start, 1) : 0;
+#else
+    // No start time to be had here: a live task counts as the same one.
+    return (::kill(pid_t(taskId), 0) == 0 || errno == EPERM) ? 1 : 0;
+#endif
+}
+
+bool QtProcesses::end(qint64 taskId, bool force) {
+    if (taskId <= 0)
+        return false;
+#ifdef Q_OS_WIN
+    if (force) {
+        HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, DWORD(taskId));
+        if (!process)
+            return false;
+        const bool done = TerminateProcess(process, 1);
+        CloseHandle(process);
+        return done;
+    }
+    WindowSearch search;
+    search.process = DWORD(taskId);
+    EnumWindows(findTopWindow, reinterpret_cast<LPARAM>(&search));
+    return search.found && PostMessage(search.found, WM_CLOSE, 0, 0);
+#else
+    return ::kill(pid_t(taskId), force ? SIGKILL : SIGTERM) == 0;
 #endif
 }
 

@@ -10,6 +10,7 @@
 #include "launch/ParameterMemory.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapsController.h"
+#include "server/ServerControl.h"
 #include "settings/OptionInterlocks.h"
 #include "settings/SettingsController.h"
 #include "settings/TextForms.h"
@@ -101,6 +102,7 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::fr
     launchHooks.MakeBotScript = [this] { m_config->MakeBotScript(); };
     launchHooks.WriteConfig = writeConfig;
     m_launch = std::make_unique<LaunchController>(*ui, m_app, *this, launchHooks);
+    m_servers = std::make_unique<ServerControl>(*this, *ui, m_app, *m_launch);
 
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
     connect(ui->cmdSetPath, &QAbstractButton::clicked, this, &MainWindow::cmdSetPath);

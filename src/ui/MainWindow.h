@@ -28,6 +28,7 @@ class StatusPanel;
 class TipLine;
 class TabFrames;
 class HelpMenu;
+class ServerControl;
 class Validation;
 
 // The main window: owns the form and the per-subsystem controllers, and runs
@@ -60,6 +61,7 @@ public:
     Validation& validation() { return *m_validation; }
     ConfigFileCommands& configCommands() { return *m_configCommands; }
     LaunchController& launch() { return *m_launch; }
+    ServerControl& servers() { return *m_servers; }
     bool isLoaded() const { return m_loaded; }
     bool hasEnded() const { return m_ended; }
 
@@ -102,6 +104,7 @@ private:
     std::unique_ptr<Validation> m_validation;
     std::unique_ptr<ConfigFileCommands> m_configCommands;
     std::unique_ptr<LaunchController> m_launch;
+    std::unique_ptr<ServerControl> m_servers;
     bool m_loaded = false;
     bool m_unloaded = false;
     bool m_ended = false;

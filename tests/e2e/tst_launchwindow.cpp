@@ -2,14 +2,21 @@
 // the game location chosen in the path dialog, options, random bots and a
 // two-map rotation set in the window, "Launch the Server" pressed, and the
 // server that answers on the loopback interface checked over UDP, through
-// the rotation to the second map and its bot set.
+// the rotation to the second map and its bot set; then the same server
+// watched and steered from the server window, and found again by the next
+// run of the program.
 #include "RealServer.h"
 #include "TestSupport.h"
 
 #include "launch/LaunchController.h"
+#include "server/LaunchRecords.h"
+#include "server/ServerControl.h"
+#include "server/ServerManager.h"
+#include "server/ServerWindow.h"
 #include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 #include "ui_frmPath.h"
+#include "ui_frmServer.h"
 
 #include <QSet>
 #include <QtTest>
@@ -25,6 +32,11 @@ namespace {
 struct StartedServers {
     QList<qint64> tasks;
     ~StartedServers() { stop(); }
+    // Also those the program recorded, restarts included.
+    void addRecorded(const QString& stateFile) {
+        for (const LaunchRecord& record : LaunchRecordFile(stateFile).load().records)
+            tasks << record.pid;
+    }
     static bool alive(qint64 task) { return QFileInfo::exists("/proc/" + QString::number(task)); }
     void stop() {
         for (qint64 task : tasks)
@@ -61,21 +73,36 @@ void chooseMap(Ui::frmMain& ui, const QString& name, const QString& time, const 
     ui.txtMapFragLimit->setText(frag);
 }
 
-} // namespace
+// The operator's first run: the game location chosen in the path dialog,
+// then a dedicated team game with random bots and a two-map rotation on a
+// free loopback port, announced to no master server.
+struct Operator {
+    StartedServers started;
+    test::TestPlatform platform; // no game location stored yet
+    QString game = platform.root() + QStringLiteral("/oa");
+    QtProcesses processes; // the game really starts
+    AppContext app{{platform.messages, platform.dialogs, processes, platform.shell,
+                    platform.desktop, *platform.store, *platform.folder},
+                   {}};
+    std::unique_ptr<MainWindow> window;
+    quint16 port = freeUdpPort();
 
-class TestLaunchWindow : public QObject {
-    Q_OBJECT
-private slots:
-    void operatorLaunchesTwoServers();
+    // Before the temporary folders go: every server that was started ends,
+    // also when a check failed half way.
+    ~Operator() {
+        window.reset(); // and its monitor with it
+        started.addRecorded(platform.root() + "/state/servers.jsonl");
+        started.stop();
+    }
+    Ui::frmMain& ui() { return window->form(); }
+    void openHalvane() {
+        window = std::make_unique<MainWindow>(app);
+        window->start();
+    }
+    void prepare();
 };
 
-void TestLaunchWindow::operatorLaunchesTwoServers() {
-    const QString missing = missingEngine();
-    if (!missing.isEmpty())
-        QSKIP(qPrintable(QStringLiteral("dedicated server not installed: ") + missing));
-
-    test::TestPlatform platform; // no game location stored yet
-    const QString game = platform.root() + QStringLiteral("/oa");
+void Operator::prepare() {
     const QString built = buildGameFolder(game);
     QVERIFY2(built.isEmpty(), qPrintable(built));
     // The free game's maps, named for import at start-up, and a bot list of
@@ -84,20 +111,14 @@ void TestLaunchWindow::operatorLaunchesTwoServers() {
     platform.writeFile(platform.programFolder() + "/botlist.txt",
                        "Sarge\r\nMajor\r\nGrism\r\nKyonshi\r\nGargoyle\r\n");
     platform.dialogs.choices = {{true, game + "/quake3.exe", "quake3.exe"}};
-
-    QtProcesses processes; // the game really starts
-    AppContext app{{platform.messages, platform.dialogs, processes, platform.shell,
-                    platform.desktop, *platform.store, *platform.folder},
-                   {}};
-    MainWindow window(app);
-    window.start();
-    QVERIFY(window.pathDialog().isVisible());
-    window.pathDialog().form().cmdBrowse->click();
-    window.pathDialog().form().cmdOkay->click();
-    QVERIFY(window.isVisible());
+    openHalvane();
+    QVERIFY(window->pathDialog().isVisible());
+    window->pathDialog().form().cmdBrowse->click();
+    window->pathDialog().form().cmdOkay->click();
+    QVERIFY(window->isVisible());
     QVERIFY2(platform.messages.shown.isEmpty(), qPrintable(test::onlyMessage(platform.messages)));
 
-    Ui::frmMain& ui = window.form();
+    Ui::frmMain& ui = window->form();
     ui.txtServerName->setText("Halvane window e2e");
     ui.cmbGameType->setCurrentIndex(2); // Team Play
     ui.cmbServerType->setCurrentIndex(2);
@@ -121,17 +142,42 @@ void TestLaunchWindow::operatorLaunchesTwoServers() {
     ui.cmdAddSelMap->click();
     chooseMap(ui, "oa_dm2", "30", "70");
     chooseMap(ui, "oa_dm1", "25", "60");
-
-    const quint16 port = freeUdpPort();
     ui.txtNetIP->setText("127.0.0.1");
     ui.txtNetPort->setText(QString::number(port));
-    StartedServers started;
+}
+
+} // namespace
+
+class TestLaunchWindow : public QObject {
+    Q_OBJECT
+private slots:
+    void init();
+    void operatorLaunchesTwoServers();
+    void serverWindowSteersTheServer();
+};
+
+void TestLaunchWindow::init() {
+    const QString missing = missingEngine();
+    if (!missing.isEmpty())
+        QSKIP(qPrintable(QStringLiteral("dedicated server not installed: ") + missing));
+}
+
+void TestLaunchWindow::operatorLaunchesTwoServers() {
+    Operator op;
+    op.prepare();
+    if (QTest::currentTestFailed())
+        return;
+    MainWindow& window = *op.window;
+    Ui::frmMain& ui = op.ui();
+    test::TestPlatform& platform = op.platform;
+    const quint16 port = op.port;
+    StartedServers& started = op.started;
     ui.cmdStart->click();
     QVERIFY2(platform.messages.shown.isEmpty(), qPrintable(test::onlyMessage(platform.messages)));
     QVERIFY(window.launch().ServerRunning());
     started.tasks << window.launch().ServerTaskID;
 
-    const QString srvbots = game + "/baseq3/srvbots/botset%1.cfg";
+    const QString srvbots = op.game + "/baseq3/srvbots/botset%1.cfg";
     const QSet<QString> firstBots = addedBots(srvbots.arg(0));
     const QSet<QString> secondBots = addedBots(srvbots.arg(1));
     QVERIFY(firstBots.size() >= 2 && secondBots.size() >= 2);
@@ -190,6 +236,83 @@ void TestLaunchWindow::operatorLaunchesTwoServers() {
     for (qint64 task : started.tasks)
         QVERIFY(!StartedServers::alive(task));
     QTRY_VERIFY_WITH_TIMEOUT(!window.launch().ServerRunning(), 5000);
+}
+
+// The launched server seen and steered from the server window, kept alive
+// by the monitor, and found again by the next run of the program.
+void TestLaunchWindow::serverWindowSteersTheServer() {
+    Operator op;
+    op.prepare();
+    if (QTest::currentTestFailed())
+        return;
+    op.ui().cmdStart->click();
+    QVERIFY2(op.platform.messages.shown.isEmpty(),
+             qPrintable(test::onlyMessage(op.platform.messages)));
+    const QString srvbots = op.game + "/baseq3/srvbots/botset%1.cfg";
+    const QSet<QString> firstBots = addedBots(srvbots.arg(0));
+    const QSet<QString> secondBots = addedBots(srvbots.arg(1));
+    QVERIFY(secondBots.size() >= 2); // one to kick, one to stay
+
+    op.window->findChild<QAction*>("mnuServerStatus")->trigger();
+    ServerWindow& window = op.window->servers().serverWindow();
+    QVERIFY(window.isVisible() && !window.isModal());
+    Ui::frmServer& ui = window.form();
+    const auto row = [&](int column) {
+        return ui.lstServers->currentItem() ? ui.lstServers->currentItem()->text(column) : "";
+    };
+    const auto players = [&] {
+        QStringList names;
+        for (int i = 0; i < ui.lstPlayers->topLevelItemCount(); ++i)
+            names << ui.lstPlayers->topLevelItem(i)->text(0);
+        return asSet(names);
+    };
+    const auto pid = [&] { return op.window->servers().manager().servers().value(0).record.pid; };
+    enum { Name, Address, Map, Type, Players, Uptime, State };
+
+    QTRY_VERIFY_WITH_TIMEOUT(row(Map) == "oa_dm1" && players() == firstBots, 60000);
+    QCOMPARE(row(Name), QStringLiteral("Halvane window e2e"));
+    QCOMPARE(row(Type), QStringLiteral("Team Play"));
+    QCOMPARE(row(Players), QStringLiteral("%1 / 12").arg(firstBots.size()));
+    QCOMPARE(row(State), QStringLiteral("running"));
+    QCOMPARE(ui.lstPlayers->topLevelItem(0)->text(2), QStringLiteral("0")); // a bot's ping
+
+    ui.cmbCommand->setEditText("status");
+    ui.cmdSend->click();
+    QTRY_VERIFY_WITH_TIMEOUT(ui.txtConsole->toPlainText().contains("map: oa_dm1"), 10000);
+    QCOMPARE(ui.cmbCommand->itemText(0), QStringLiteral("status"));
+
+    ui.cmdNextMap->click();
+    QTRY_VERIFY_WITH_TIMEOUT(row(Map) == "oa_dm2" && players() == secondBots, 60000);
+    ui.lstPlayers->setCurrentItem(ui.lstPlayers->topLevelItem(1));
+    const QString kicked = ui.lstPlayers->currentItem()->text(0);
+    ui.cmdKick->click();
+    QTRY_VERIFY_WITH_TIMEOUT(players() == QSet<QString>(secondBots).subtract({kicked}), 30000);
+
+    const qint64 first = pid();
+    ui.cmdStop->click();
+    QTRY_VERIFY_WITH_TIMEOUT(row(State).endsWith("(stopped)"), 30000);
+    QCOMPARE(op.processes.startTimeOf(first), 0);
+    QVERIFY(!ui.cmdNextMap->isEnabled() && row(Map).isEmpty());
+    ui.cmdRestart->click();
+    QVERIFY(pid() != first);
+    QTRY_VERIFY_WITH_TIMEOUT(row(State) == "running" && row(Map) == "oa_dm1", 60000);
+
+    ui.chkMonitor->click();
+    const qint64 killed = pid();
+    QCOMPARE(::kill(pid_t(killed), SIGKILL), 0);
+    QTRY_VERIFY_WITH_TIMEOUT(pid() != killed && row(State) == "running", 60000);
+    QVERIFY2(ui.lblMonitor->text().startsWith("Restarted 1 time, last at "),
+             qPrintable(ui.lblMonitor->text()));
+
+    const qint64 survivor = pid();
+    op.window->close();
+    QVERIFY(op.window->hasEnded());
+    op.openHalvane();
+    op.window->findChild<QAction*>("mnuServerStatus")->trigger();
+    QTreeWidget* list = op.window->servers().serverWindow().form().lstServers;
+    QTRY_VERIFY_WITH_TIMEOUT(list->currentItem() && list->currentItem()->text(State) == "running",
+                             30000);
+    QCOMPARE(op.window->servers().manager().servers().value(0).record.pid, survivor);
 }
 
 QTEST_MAIN(TestLaunchWindow)

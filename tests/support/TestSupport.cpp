@@ -18,7 +18,7 @@ TestPlatform::TestPlatform() {
     // The program folder holds the delivered bot list, as an installed one does.
     QFile::copy(QStringLiteral(HALVANE_DATA_DIR "/delivered/botlist.txt"),
                 programFolder() + QStringLiteral("/botlist.txt"));
-    folder = std::make_unique<ProgramFolder>(programFolder());
+    folder = std::make_unique<ProgramFolder>(programFolder(), root() + QStringLiteral("/state"));
     ini = std::make_unique<QtSettingsStore>(iniPath());
     store = std::make_unique<RecordingStore>(*ini);
     wire();

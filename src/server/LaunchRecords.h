@@ -1,0 +1,58 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+namespace halvane {
+
+// What one launch started, kept in the user's state folder so that a later
+// run of the program finds the server again.
+struct LaunchRecord {
+    QString id; // stays the same across restarts
+    qint64 pid = 0;
+    qint64 processStart = 0; // with pid, names the very process we started
+    QString program;
+    QStringList arguments;
+    QString commandLine;
+    QString gameFolder;
+    QString address;
+    quint16 port = 0;
+    QString rconPassword;
+    QDateTime started; // of the process that runs now
+    QString logFile;
+    bool monitor = false; // restart it when it stops
+    int monitorRestarts = 0;
+    QDateTime lastMonitorRestart;
+    QDateTime ended; // invalid while it runs
+    QString endReason;
+
+    bool running() const { return !ended.isValid(); }
+};
+
+struct LoadedRecords {
+    QList<LaunchRecord> records;
+    QStringList problems; // one line per record or file that could not be read
+};
+
+// One record per line, so that damage costs only the damaged lines.
+LoadedRecords parseLaunchRecords(const QByteArray& bytes);
+QByteArray launchRecordBytes(const QList<LaunchRecord>& records);
+
+// The file itself. A damaged file is copied aside before it is ever
+// replaced, so nothing in it is lost.
+class LaunchRecordFile {
+public:
+    explicit LaunchRecordFile(QString path) : m_path(std::move(path)) {}
+    const QString& path() const { return m_path; }
+    LoadedRecords load() const;
+    // Empty on success, otherwise why the file was not written.
+    QString save(const QList<LaunchRecord>& records) const;
+
+private:
+    QString m_path;
+};
+
+} // namespace halvane

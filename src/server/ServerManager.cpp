@@ -1,0 +1,497 @@
+#include "server/ServerManager.h"
+
+#include "app/AppContext.h"
+
+#include <QDir>
+#include <QFile>
+#include <algorithm>
+
+namespace halvane {
+
+namespace {
+constexpr int FirstPacketMs = 3000; // the console's first answer
+constexpr int QuietMs = 300;        // after the last packet of an answer
+constexpr int StopTickMs = 250;
+constexpr quint16 GamePort = 27960; // what the game takes without a port
+
+QString serverId(const QDateTime& started, qint64 pid) {
+    return started.toString(QStringLiteral("yyyyMMddHHmmsszzz")) + QLatin1Char('-') +
+           QString::number(pid);
+}
+} // namespace
+
+ServerManager::ServerManager(AppContext& app, QObject* parent)
+    : QObject(parent), m_app(app),
+      m_file(app.platform.folder.stateFolder() + QStringLiteral("/servers.jsonl")) {
+    m_tick.setInterval(RefreshMs);
+    connect(&m_tick, &QTimer::timeout, this, &ServerManager::refresh);
+    m_stopTick.setInterval(StopTickMs);
+    connect(&m_stopTick, &QTimer::timeout, this, &ServerManager::checkStopping);
+    connect(&m_socket, &QUdpSocket::readyRead, this, &ServerManager::readDatagrams);
+}
+
+ServerManager::~ServerManager() = default;
+
+void ServerManager::load() {
+    if (m_loaded)
+        return;
+    m_loaded = true;
+    const LoadedRecords loaded = m_file.load();
+    if (!loaded.problems.isEmpty())
+        m_fileProblem = QStringLiteral("Damaged server list %1: %2")
+                            .arg(QDir::toNativeSeparators(m_file.path()),
+                                 loaded.problems.join(QStringLiteral("; ")));
+    bool changed = !loaded.problems.isEmpty();
+    for (const LaunchRecord& record : loaded.records) {
+        m_servers.append({record, {}});
+        ServerEntry& server = m_servers.last();
+        if (record.running() && !alive(record)) {
+            processEnded(server, QStringLiteral("ended while Halvane was not running"), true);
+            changed = true;
+        }
+    }
+    if (changed)
+        save();
+    m_tick.start();
+    emit listChanged();
+}
+
+const QList<ServerEntry>& ServerManager::servers() {
+    load();
+    return m_servers;
+}
+
+const ServerEntry* ServerManager::find(const QString& id) {
+    load();
+    return entry(id);
+}
+
+ServerEntry* ServerManager::entry(const QString& id) {
+    for (ServerEntry& server : m_servers) {
+        if (server.record.id == id)
+            return &server;
+    }
+    return nullptr;
+}
+
+bool ServerManager::alive(const LaunchRecord& record) const {
+    // Without its start time a process id could be anyone's.
+    return record.processStart != 0 &&
+           m_app.platform.processes.startTimeOf(record.pid) == record.processStart;
+}
+
+QString ServerManager::newLogFile(quint16 port) const {
+    const QDir logs(m_app.platform.folder.stateFolder() + QStringLiteral("/logs"));
+    if (!logs.mkpath(QStringLiteral(".")))
+        return QString();
+    const QString stem = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss")) +
+                         QStringLiteral("-%1").arg(port);
+    QString path = logs.filePath(stem + QStringLiteral(".log"));
+    for (int n = 2; QFile::exists(path); ++n)
+        path = logs.filePath(stem + QStringLiteral("-%1.log").arg(n));
+    QFile probe(path);
+    if (!probe.open(QIODevice::WriteOnly | QIODevice::Append))
+        return QString();
+    return path;
+}
+
+StartResult ServerManager::launch(const QString& program, const QStringList& arguments,
+                                  const QString& folder, const QString& commandLine,
+                                  const QString& address, const QString& port,
+                                  const QString& rconPassword) {
+    load();
+    LaunchRecord record;
+    record.program = program;
+    record.arguments = arguments;
+    record.commandLine = commandLine;
+    record.gameFolder = folder;
+    const QString ip = address.trimmed();
+    // A server bound to every address answers on the loopback one.
+    record.address =
+        ip.isEmpty() || ip == QLatin1String("0.0.0.0") ? QStringLiteral("127.0.0.1") : ip;
+    bool portOk = false;
+    const uint number = port.trimmed().toUInt(&portOk);
+    record.port = portOk && number > 0 && number <= 65535 ? quint16(number) : GamePort;
+    record.rconPassword = rconPassword;
+    record.logFile = newLogFile(record.port);
+    const StartResult started =
+        m_app.platform.processes.startLogged(program, arguments, folder, record.logFile);
+    if (!started.started) {
+        if (!record.logFile.isEmpty())
+            QFile::remove(record.logFile); // the empty file made for it
+        return started;
+    }
+    record.pid = started.taskId;
+    record.processStart = started.startTime;
+    record.started = QDateTime::currentDateTime();
+    record.id = serverId(record.started, record.pid);
+    m_servers.prepend({record, {}});
+    // The last ones that ended stay listed, the older ones go.
+    int ended = 0;
+    m_servers.removeIf(
+        [&](const ServerEntry& server) { return !server.record.running() && ++ended > KeptEnded; });
+    if (record.logFile.isEmpty())
+        m_servers.first().live.problem =
+            QStringLiteral("No log: the folder %1 cannot be written")
+                .arg(QDir::toNativeSeparators(m_app.platform.folder.stateFolder()));
+    save();
+    m_tick.start();
+    emit listChanged();
+    return started;
+}
+
+bool ServerManager::startProcess(ServerEntry& server) {
+    LaunchRecord& r = server.record;
+    const QString log = newLogFile(r.port);
+    const StartResult started =
+        m_app.platform.processes.startLogged(r.program, r.arguments, r.gameFolder, log);
+    if (!started.started) {
+        server.live.problem =
+            QStringLiteral("Could not start the server again (error %1)").arg(started.errorCode);
+        return false;
+    }
+    const qint64 oldPid = r.pid;
+    r.pid = started.taskId;
+    r.processStart = started.startTime;
+    r.started = QDateTime::currentDateTime();
+    r.logFile = log;
+    r.ended = QDateTime();
+    r.endReason.clear();
+    server.live = ServerLive();
+    emit restarted(oldPid, r.pid);
+    return true;
+}
+
+void ServerManager::processEnded(ServerEntry& server, const QString& reason, bool mayRestart) {
+    const QDateTime now = QDateTime::currentDateTime();
+    const bool quick = server.record.started.secsTo(now) < QuickEndSecs;
+    server.quickEnds = mayRestart && quick ? server.quickEnds + 1 : 0;
+    server.record.ended = now;
+    server.record.endReason = reason;
+    server.live.status.reset();
+    server.live.silentSince = QDateTime();
+    server.live.unanswered = 0;
+    server.live.stopping = ServerLive::Stopping::No;
+    if (!mayRestart || !server.record.monitor)
+        return;
+    if (server.quickEnds > QuickEndsAllowed) {
+        server.live.problem = QStringLiteral("Not restarted: it ended within %1 seconds of its "
+                                             "start %2 times in a row")
+                                  .arg(QuickEndSecs)
+                                  .arg(server.quickEnds);
+        return;
+    }
+    if (startProcess(server)) {
+        ++server.record.monitorRestarts;
+        server.record.lastMonitorRestart = server.record.started;
+    }
+}
+
+bool ServerManager::polled(const ServerEntry& server) const {
+    return server.record.running() && (m_watched || server.record.monitor);
+}
+
+void ServerManager::setWatched(bool watched) {
+    m_watched = watched;
+    for (ServerEntry& server : m_servers) {
+        if (!polled(server)) {
+            server.live.silentSince = QDateTime();
+            server.live.unanswered = 0;
+        }
+    }
+    if (watched)
+        refresh();
+}
+
+void ServerManager::refresh() {
+    load();
+    const QDateTime now = QDateTime::currentDateTime();
+    bool changed = false;
+    for (ServerEntry& server : m_servers) {
+        if (!server.record.running() || server.live.stopping != ServerLive::Stopping::No)
+            continue;
+        if (!alive(server.record)) {
+            processEnded(server, QStringLiteral("ended without a Stop"), true);
+            changed = true;
+            emit serverChanged(server.record.id);
+            continue;
+        }
+        if (server.record.monitor && server.live.silentSince.isValid() &&
+            server.live.silentSince.secsTo(now) >= SilenceLimitSecs) {
+            server.live.problem =
+                QStringLiteral("No answer for %1 seconds: restarting").arg(SilenceLimitSecs);
+            server.live.stopping = ServerLive::Stopping::Monitor;
+            server.live.stopAsked = now;
+            server.live.asked = m_app.platform.processes.end(server.record.pid, false);
+            m_stopTick.start();
+            emit serverChanged(server.record.id);
+            continue;
+        }
+        if (polled(server))
+            query(server);
+    }
+    if (changed)
+        save();
+}
+
+std::optional<QHostAddress> ServerManager::addressOf(const LaunchRecord& record) {
+    QHostAddress address;
+    if (!address.setAddress(record.address))
+        return std::nullopt;
+    return address;
+}
+
+void ServerManager::query(ServerEntry& server) {
+    const auto address = addressOf(server.record);
+    if (!address) {
+        server.live.problem = QStringLiteral("Cannot ask %1 for its status: not a numeric address")
+                                  .arg(server.record.address);
+        return;
+    }
+    if (m_socket.state() != QAbstractSocket::BoundState)
+        m_socket.bind(QHostAddress(QHostAddress::AnyIPv4), 0);
+    if (!server.live.silentSince.isValid())
+        server.live.silentSince = QDateTime::currentDateTime();
+    ++server.live.unanswered;
+    m_socket.writeDatagram(protocol::statusRequest(), *address, server.record.port);
+    // The previous query went unanswered for a whole round.
+    if (server.live.unanswered == 2)
+        emit serverChanged(server.record.id);
+}
+
+void ServerManager::readDatagrams() {
+    while (m_socket.hasPendingDatagrams()) {
+        QHostAddress from;
+        quint16 port = 0;
+        QByteArray datagram(int(qMin<qint64>(m_socket.pendingDatagramSize(), 65536)), '\0');
+        const qint64 size = m_socket.readDatagram(datagram.data(), datagram.size(), &from, &port);
+        if (size < 0)
+            continue;
+        datagram.truncate(size);
+        ServerEntry* server = nullptr;
+        for (ServerEntry& candidate : m_servers) {
+            const auto address = addressOf(candidate.record);
+            if (candidate.record.running() && candidate.record.port == port && address &&
+                address->isEqual(from, QHostAddress::ConvertV4MappedToIPv4)) {
+                server = &candidate;
+                break;
+            }
+        }
+        if (!server)
+            continue;
+        const QString id = server->record.id;
+        if (protocol::kindOf(datagram) == protocol::PacketKind::Print) {
+            auto exchanges = m_exchanges.find(id);
+            if (exchanges != m_exchanges.end() && !exchanges->second.empty()) {
+                exchanges->second.front().packets.append(datagram);
+                m_exchangeTimers[id]->start(QuietMs);
+            }
+            continue;
+        }
+        // Any answer shows the server is there, even one we cannot read.
+        server->live.lastAnswer = QDateTime::currentDateTime();
+        server->live.silentSince = QDateTime();
+        server->live.unanswered = 0;
+        QString error;
+        auto status = protocol::parseStatus(datagram, &error);
+        if (status) {
+            server->live.status = std::move(status);
+            server->live.problem.clear();
+        } else {
+            server->live.problem = QStringLiteral("The server ") + error;
+        }
+        emit serverChanged(id);
+    }
+}
+
+void ServerManager::rcon(const QString& id, const QString& command, AnswerHandler done) {
+    ServerEntry* server = entry(id);
+    const auto address = server ? addressOf(server->record) : std::nullopt;
+    QString problem;
+    if (!server || !server->record.running())
+        problem = QStringLiteral("the server is not running");
+    else if (!address)
+        problem = QStringLiteral("%1 is not a numeric address").arg(server->record.address);
+    else
+        problem = protocol::rconPasswordProblem(server->record.rconPassword);
+    if (!problem.isEmpty()) {
+        if (done)
+            done({QString(), problem});
+        return;
+    }
+    auto& queue = m_exchanges[id];
+    queue.push_back({id, command, {}, std::move(done)});
+    if (queue.size() == 1)
+        sendNextExchange(id);
+}
+
+void ServerManager::sendNextExchange(const QString& id) {
+    auto& timer = m_exchangeTimers[id];
+    if (!timer) {
+        timer = std::make_unique<QTimer>();
+        timer->setSingleShot(true);
+        connect(timer.get(), &QTimer::timeout, this, [this, id] { finishExchange(id); });
+    }
+    ServerEntry* server = entry(id);
+    const auto address = server ? addressOf(server->record) : std::nullopt;
+    if (!address) {
+        finishExchange(id);
+        return;
+    }
+    if (m_socket.state() != QAbstractSocket::BoundState)
+        m_socket.bind(QHostAddress(QHostAddress::AnyIPv4), 0);
+    m_socket.writeDatagram(
+        protocol::rconRequest(server->record.rconPassword, m_exchanges[id].front().command),
+        *address, server->record.port);
+    timer->start(FirstPacketMs);
+}
+
+void ServerManager::finishExchange(const QString& id) {
+    auto& queue = m_exchanges[id];
+    if (queue.empty())
+        return;
+    Exchange done = std::move(queue.front());
+    queue.pop_front();
+    if (!queue.empty())
+        sendNextExchange(id);
+    if (done.done)
+        done.done(protocol::rconAnswer(done.packets));
+}
+
+void ServerManager::kick(const QString& id, const QString& playerName, AnswerHandler done) {
+    // The status query names players but not their client numbers; the
+    // console's status table has both.
+    rcon(id, QStringLiteral("status"),
+         [this, id, playerName, done](const protocol::RconAnswer& table) {
+             if (!table.error.isEmpty()) {
+                 done(table);
+                 return;
+             }
+             const int client = protocol::clientNumber(table.text, playerName);
+             if (client < 0) {
+                 done({QString(), QStringLiteral("%1 is no longer on the server")
+                                      .arg(protocol::withoutColours(playerName))});
+                 return;
+             }
+             rcon(id, QStringLiteral("clientkick %1").arg(client),
+                  [this, id, done](const protocol::RconAnswer& answer) {
+                      if (ServerEntry* server = entry(id); server && polled(*server))
+                          query(*server);
+                      done(answer);
+                  });
+         });
+}
+
+void ServerManager::stop(const QString& id) {
+    ServerEntry* server = entry(id);
+    if (!server || !server->record.running() || server->live.stopping != ServerLive::Stopping::No)
+        return;
+    server->live.stopping = ServerLive::Stopping::Operator;
+    server->live.stopAsked = QDateTime::currentDateTime();
+    if (!alive(server->record)) {
+        finishStop(*server);
+        return;
+    }
+    if (protocol::rconPasswordProblem(server->record.rconPassword).isEmpty())
+        rcon(id, QStringLiteral("quit"), [this, id](const protocol::RconAnswer& answer) {
+            // Refused: no need to wait for a quit that will not come.
+            ServerEntry* refused = entry(id);
+            if (answer.text.isEmpty() || answer.error.isEmpty() || !refused ||
+                refused->live.stopping == ServerLive::Stopping::No || refused->live.asked ||
+                !alive(refused->record))
+                return;
+            refused->live.problem = QStringLiteral("Stop: ") + answer.error;
+            refused->live.asked = true;
+            m_app.platform.processes.end(refused->record.pid, false);
+            emit serverChanged(id);
+        });
+    else
+        server->live.asked = m_app.platform.processes.end(server->record.pid, false);
+    m_stopTick.start();
+    emit serverChanged(id);
+}
+
+void ServerManager::restart(const QString& id) {
+    ServerEntry* server = entry(id);
+    if (!server || server->live.stopping != ServerLive::Stopping::No)
+        return;
+    if (server->record.running() && alive(server->record)) {
+        stop(id);
+        server->live.stopping = ServerLive::Stopping::Restart;
+        return;
+    }
+    if (server->record.running())
+        processEnded(*server, QStringLiteral("ended without a Stop"), false);
+    startProcess(*server);
+    save();
+    emit serverChanged(id);
+}
+
+void ServerManager::checkStopping() {
+    const QDateTime now = QDateTime::currentDateTime();
+    bool any = false;
+    for (ServerEntry& server : m_servers) {
+        ServerLive& live = server.live;
+        if (live.stopping == ServerLive::Stopping::No)
+            continue;
+        if (!alive(server.record)) {
+            finishStop(server);
+            continue;
+        }
+        any = true;
+        const qint64 waited = live.stopAsked.secsTo(now);
+        // Only our own process: alive() has just matched its start time.
+        if (!live.asked && waited >= AskGraceSecs) {
+            live.asked = true;
+            m_app.platform.processes.end(server.record.pid, false);
+        }
+        if (!live.killed && waited >= KillGraceSecs) {
+            live.killed = true;
+            m_app.platform.processes.end(server.record.pid, true);
+        }
+    }
+    if (!any)
+        m_stopTick.stop();
+}
+
+void ServerManager::finishStop(ServerEntry& server) {
+    const ServerLive::Stopping why = server.live.stopping;
+    // An operator's Stop is never undone by the monitor.
+    if (why == ServerLive::Stopping::Operator)
+        processEnded(server, QStringLiteral("stopped"), false);
+    else if (why == ServerLive::Stopping::Monitor)
+        processEnded(server, QStringLiteral("stopped answering"), true);
+    else {
+        processEnded(server, QStringLiteral("restarted"), false);
+        startProcess(server);
+    }
+    save();
+    emit serverChanged(server.record.id);
+}
+
+void ServerManager::setMonitor(const QString& id, bool on) {
+    ServerEntry* server = entry(id);
+    if (!server || server->record.monitor == on)
+        return;
+    server->record.monitor = on;
+    save();
+    emit serverChanged(id);
+}
+
+void ServerManager::save() {
+    // Running servers, and the last ones that ended.
+    QList<LaunchRecord> kept;
+    int ended = 0;
+    for (const ServerEntry& server : std::as_const(m_servers)) {
+        if (server.record.running() || ended++ < KeptEnded)
+            kept.append(server.record);
+    }
+    const QString error = m_file.save(kept);
+    if (!error.isEmpty())
+        m_fileProblem = QStringLiteral("Could not write the server list %1: %2")
+                            .arg(QDir::toNativeSeparators(m_file.path()), error);
+    else if (m_fileProblem.startsWith(QLatin1String("Could not write")))
+        m_fileProblem.clear();
+}
+
+} // namespace halvane

@@ -1,0 +1,124 @@
+#pragma once
+
+#include "platform/Processes.h"
+#include "server/LaunchRecords.h"
+#include "server/ServerProtocol.h"
+
+#include <QHostAddress>
+#include <QObject>
+#include <QTimer>
+#include <QUdpSocket>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+
+namespace halvane {
+
+struct AppContext;
+
+// What the program knows of a server at this moment; not kept on disk.
+struct ServerLive {
+    std::optional<protocol::ServerStatus> status;
+    QDateTime lastAnswer;
+    QDateTime silentSince; // first query left unanswered since the last answer
+    int unanswered = 0;
+    QString problem; // the last thing that went wrong, as one line
+    enum class Stopping { No, Operator, Restart, Monitor } stopping = Stopping::No;
+    QDateTime stopAsked;
+    bool asked = false; // the process was asked to end
+    bool killed = false;
+};
+
+struct ServerEntry {
+    LaunchRecord record;
+    ServerLive live;
+    int quickEnds = 0; // ends soon after a start, one after another
+};
+
+// The servers this program started: their records in the user's state
+// folder, their status over UDP, the monitor that restarts them, and the
+// operator's actions. Everything runs on the window's thread without
+// waiting: answers arrive as the socket's events.
+class ServerManager : public QObject {
+    Q_OBJECT
+public:
+    static constexpr int RefreshMs = 2000;
+    static constexpr int SilenceLimitSecs = 60;
+    static constexpr int AskGraceSecs = 5;   // after rcon quit, the process is asked to end
+    static constexpr int KillGraceSecs = 10; // then it is killed
+    static constexpr int KeptEnded = 10;     // ended servers still listed
+    // A server that keeps ending this soon after its start is not restarted
+    // again and again.
+    static constexpr int QuickEndSecs = 30;
+    static constexpr int QuickEndsAllowed = 3;
+
+    explicit ServerManager(AppContext& app, QObject* parent = nullptr);
+    ~ServerManager() override;
+
+    // Reads the state file once; later calls do nothing.
+    void load();
+    const QList<ServerEntry>& servers();
+    const ServerEntry* find(const QString& id);
+    // Problems with the state file, or empty.
+    QString fileProblem() const { return m_fileProblem; }
+
+    // Starts the game with its output in a new log file and records it.
+    StartResult launch(const QString& program, const QStringList& arguments, const QString& folder,
+                       const QString& commandLine, const QString& address, const QString& port,
+                       const QString& rconPassword);
+
+    using AnswerHandler = std::function<void(const protocol::RconAnswer&)>;
+    void rcon(const QString& id, const QString& command, AnswerHandler done);
+    void kick(const QString& id, const QString& playerName, AnswerHandler done);
+    void stop(const QString& id);
+    void restart(const QString& id);
+    void setMonitor(const QString& id, bool on);
+    // While watched, every running server is queried; otherwise only the
+    // monitored ones.
+    void setWatched(bool watched);
+    // One round: liveness, the monitor and the status queries.
+    void refresh();
+
+signals:
+    void serverChanged(const QString& id);
+    void listChanged();
+    void restarted(qint64 oldPid, qint64 newPid);
+
+private:
+    struct Exchange {
+        QString id;
+        QString command;
+        QList<QByteArray> packets;
+        AnswerHandler done;
+    };
+
+    ServerEntry* entry(const QString& id);
+    void readDatagrams();
+    void query(ServerEntry& server);
+    void checkStopping();
+    void finishStop(ServerEntry& server);
+    void processEnded(ServerEntry& server, const QString& reason, bool mayRestart);
+    bool startProcess(ServerEntry& server);
+    bool alive(const LaunchRecord& record) const;
+    bool polled(const ServerEntry& server) const;
+    QString newLogFile(quint16 port) const;
+    void save();
+    void sendNextExchange(const QString& id);
+    void finishExchange(const QString& id);
+    static std::optional<QHostAddress> addressOf(const LaunchRecord& record);
+
+    AppContext& m_app;
+    LaunchRecordFile m_file;
+    QList<ServerEntry> m_servers;
+    bool m_loaded = false;
+    bool m_watched = false;
+    QString m_fileProblem;
+    QUdpSocket m_socket;
+    QTimer m_tick;
+    QTimer m_stopTick;
+    std::map<QString, std::deque<Exchange>> m_exchanges;
+    std::map<QString, std::unique_ptr<QTimer>> m_exchangeTimers;
+};
+
+} // namespace halvane

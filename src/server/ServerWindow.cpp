@@ -1,0 +1,311 @@
+#include "server/ServerWindow.h"
+
+#include "platform/Shell.h"
+#include "server/ServerManager.h"
+#include "server/ServerProtocol.h"
+#include "ui_frmServer.h"
+
+#include <QFontDatabase>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QPointer>
+#include <QScrollBar>
+
+namespace halvane {
+
+namespace {
+constexpr int HistorySize = 50;
+enum Column { Name, Address, Map, GameType, Players, Uptime, State };
+
+QString duration(qint64 secs) {
+    if (secs < 3600)
+        return QStringLiteral("%1 min %2 s").arg(secs / 60).arg(secs % 60, 2, 10, QLatin1Char('0'));
+    return QStringLiteral("%1 h %2 min")
+        .arg(secs / 3600)
+        .arg(secs / 60 % 60, 2, 10, QLatin1Char('0'));
+}
+
+QString clock(const QDateTime& time) {
+    return time.date() == QDate::currentDate() ? time.toString(QStringLiteral("HH:mm:ss"))
+                                               : time.toString(QStringLiteral("yyyy-MM-dd HH:mm"));
+}
+
+QString stateText(const ServerEntry& server) {
+    const LaunchRecord& r = server.record;
+    if (!r.running())
+        return QStringLiteral("ended %1 (%2)").arg(clock(r.ended), r.endReason);
+    if (server.live.stopping != ServerLive::Stopping::No)
+        return QStringLiteral("stopping");
+    if (server.live.unanswered >= 2)
+        return QStringLiteral("not answering since %1").arg(clock(server.live.silentSince));
+    return server.live.status ? QStringLiteral("running") : QStringLiteral("starting");
+}
+} // namespace
+
+ServerWindow::ServerWindow(ServerManager& manager, Shell& shell, QWidget* owner)
+    : QWidget(owner, Qt::Window), m_manager(manager), m_shell(shell),
+      ui(std::make_unique<Ui::frmServer>()) {
+    ui->setupUi(this);
+    // The console's tables line up.
+    const QFont fixed = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    ui->txtConsole->setFont(fixed);
+    ui->txtLog->setFont(fixed);
+    ui->cmbCommand->setMaxCount(HistorySize);
+    ui->cmbCommand->lineEdit()->setMaxLength(1000); // the engine takes no longer command
+    ui->cmdStop->setToolTip(QStringLiteral("Stops the chosen server"));
+    ui->cmdRestart->setToolTip(QStringLiteral("Stops the chosen server and starts it again with "
+                                              "the same command line"));
+    ui->chkMonitor->setToolTip(QStringLiteral("Starts the server again when it ends without a "
+                                              "Stop, or does not answer for a minute"));
+    ui->cmdOpenLog->setToolTip(QStringLiteral("Opens the whole log file"));
+    connect(ui->lstServers, &QTreeWidget::currentItemChanged, this, [this] {
+        m_actionProblem.clear();
+        const ServerEntry* server = m_manager.find(currentId());
+        m_tail.follow(server ? server->record.logFile : QString());
+        m_logProblem.clear();
+        ui->txtLog->clear();
+        readLog();
+        showDetails();
+    });
+    connect(&m_manager, &ServerManager::listChanged, this, &ServerWindow::rebuildList);
+    connect(&m_manager, &ServerManager::serverChanged, this, &ServerWindow::updateRow);
+    connect(ui->cmdStop, &QPushButton::clicked, this, [this] { m_manager.stop(currentId()); });
+    connect(ui->cmdRestart, &QPushButton::clicked, this,
+            [this] { m_manager.restart(currentId()); });
+    connect(ui->cmdNextMap, &QPushButton::clicked, this, [this] {
+        QPointer<ServerWindow> self(this);
+        m_manager.rcon(currentId(), QStringLiteral("vstr nextmap"),
+                       [self](const protocol::RconAnswer& answer) {
+                           if (self)
+                               self->reportAnswer(QStringLiteral("Next map"), answer.text,
+                                                  answer.error);
+                       });
+    });
+    connect(ui->cmdKick, &QPushButton::clicked, this, &ServerWindow::kick);
+    connect(ui->cmdSend, &QPushButton::clicked, this, &ServerWindow::sendCommand);
+    connect(ui->cmbCommand->lineEdit(), &QLineEdit::returnPressed, this,
+            &ServerWindow::sendCommand);
+    connect(ui->chkMonitor, &QCheckBox::toggled, this,
+            [this](bool on) { m_manager.setMonitor(currentId(), on); });
+    connect(ui->cmdOpenLog, &QPushButton::clicked, this, [this] {
+        if (const ServerEntry* server = m_manager.find(currentId()))
+            m_shell.openDocument(server->record.logFile);
+    });
+    m_timer.setInterval(1000);
+    connect(&m_timer, &QTimer::timeout, this, &ServerWindow::everySecond);
+    rebuildList();
+}
+
+ServerWindow::~ServerWindow() = default;
+
+QString ServerWindow::currentId() const {
+    const QTreeWidgetItem* item = ui->lstServers->currentItem();
+    return item ? item->data(Name, Qt::UserRole).toString() : QString();
+}
+
+void ServerWindow::showEvent(QShowEvent* event) {
+    QWidget::showEvent(event);
+    m_manager.setWatched(true);
+    m_timer.start();
+}
+
+void ServerWindow::hideEvent(QHideEvent* event) {
+    QWidget::hideEvent(event);
+    m_timer.stop();
+    m_manager.setWatched(false);
+}
+
+void ServerWindow::rebuildList() {
+    const QString current = currentId();
+    ui->lstServers->clear();
+    QTreeWidgetItem* select = nullptr;
+    for (const ServerEntry& server : m_manager.servers()) {
+        auto* item = new QTreeWidgetItem(ui->lstServers);
+        item->setData(Name, Qt::UserRole, server.record.id);
+        fillRow(*item, server);
+        if (server.record.id == current || (!select && current.isEmpty()))
+            select = item;
+    }
+    if (!select && ui->lstServers->topLevelItemCount() > 0)
+        select = ui->lstServers->topLevelItem(0);
+    ui->lstServers->setCurrentItem(select);
+    ui->lstServers->header()->resizeSections(QHeaderView::ResizeToContents);
+    showDetails();
+}
+
+void ServerWindow::updateRow(const QString& id) {
+    const ServerEntry* server = m_manager.find(id);
+    for (int i = 0; server && i < ui->lstServers->topLevelItemCount(); ++i) {
+        QTreeWidgetItem* item = ui->lstServers->topLevelItem(i);
+        if (item->data(Name, Qt::UserRole).toString() == id)
+            fillRow(*item, *server);
+    }
+    if (id == currentId())
+        showDetails();
+}
+
+void ServerWindow::fillRow(QTreeWidgetItem& item, const ServerEntry& server) const {
+    const LaunchRecord& r = server.record;
+    const auto& status = server.live.status;
+    using protocol::withoutColours;
+    item.setText(Name, status ? withoutColours(status->value("sv_hostname")) : QString());
+    item.setText(Address, QStringLiteral("%1:%2").arg(r.address).arg(r.port));
+    item.setText(Map, status ? status->value("mapname") : QString());
+    item.setText(GameType,
+                 status ? protocol::gameTypeName(status->value("g_gametype")) : QString());
+    item.setText(Players, status ? QStringLiteral("%1 / %2")
+                                       .arg(status->players.size())
+                                       .arg(status->value("sv_maxclients"))
+                                 : QString());
+    item.setText(Uptime, r.running() ? duration(r.started.secsTo(QDateTime::currentDateTime()))
+                                     : QString());
+    item.setText(State, stateText(server));
+    const QBrush ink =
+        palette().brush(r.running() ? QPalette::Active : QPalette::Disabled, QPalette::Text);
+    for (int column = 0; column <= State; ++column)
+        item.setForeground(column, ink);
+}
+
+void ServerWindow::showDetails() {
+    const ServerEntry* server = m_manager.find(currentId());
+    const bool running = server && server->record.running();
+    const bool settled = running && server->live.stopping == ServerLive::Stopping::No;
+    const QString rconProblem =
+        server ? protocol::rconPasswordProblem(server->record.rconPassword) : QString();
+    ui->cmdStop->setEnabled(settled);
+    ui->cmdRestart->setEnabled(server && server->live.stopping == ServerLive::Stopping::No);
+    const std::pair<QWidget*, const char*> rconControls[] = {
+        {ui->cmdNextMap, "Goes on to the next map of the rotation"},
+        {ui->cmdKick, "Removes the chosen player from the server"},
+        {ui->cmdSend, "Sends the command to the server's console"},
+        {ui->cmbCommand, "A command for the server's console; up and down go through the "
+                         "commands sent before"}};
+    for (const auto& [control, tip] : rconControls) {
+        control->setEnabled(settled && rconProblem.isEmpty());
+        control->setToolTip(rconProblem.isEmpty() ? QString::fromLatin1(tip) : rconProblem);
+    }
+    {
+        const QSignalBlocker blocker(ui->chkMonitor);
+        ui->chkMonitor->setChecked(server && server->record.monitor);
+    }
+    ui->chkMonitor->setEnabled(server != nullptr);
+    const int restarts = server ? server->record.monitorRestarts : 0;
+    ui->lblMonitor->setText(
+        restarts > 0 ? QStringLiteral("Restarted %1 %2, last at %3")
+                           .arg(restarts)
+                           .arg(restarts == 1 ? QStringLiteral("time") : QStringLiteral("times"))
+                           .arg(clock(server->record.lastMonitorRestart))
+                     : QString());
+    ui->cmdOpenLog->setEnabled(server && !server->record.logFile.isEmpty());
+    const auto* status = server && server->live.status ? &*server->live.status : nullptr;
+    ui->lblHostName->setText(status ? protocol::colouredHtml(status->value("sv_hostname"))
+                                    : QString());
+
+    // Redrawn only when it changed, so a chosen player stays chosen.
+    QString players;
+    for (const protocol::Player& p : status ? status->players : QList<protocol::Player>())
+        players += QStringLiteral("%1\t%2\t%3\n").arg(p.name).arg(p.score).arg(p.ping);
+    if (players != m_shownPlayers) {
+        m_shownPlayers = players;
+        const QString chosen = ui->lstPlayers->currentItem()
+                                   ? ui->lstPlayers->currentItem()->data(0, Qt::UserRole).toString()
+                                   : QString();
+        ui->lstPlayers->clear();
+        for (const protocol::Player& p : status ? status->players : QList<protocol::Player>()) {
+            auto* item = new QTreeWidgetItem(ui->lstPlayers,
+                                             {protocol::withoutColours(p.name),
+                                              QString::number(p.score), QString::number(p.ping)});
+            item->setData(0, Qt::UserRole, p.name);
+            if (p.name == chosen)
+                ui->lstPlayers->setCurrentItem(item);
+        }
+    }
+    showProblem();
+}
+
+void ServerWindow::showProblem() {
+    const ServerEntry* server = m_manager.find(currentId());
+    QStringList lines{m_manager.fileProblem(), server ? server->live.problem : QString(),
+                      m_actionProblem, m_logProblem};
+    lines.removeAll(QString());
+    ui->lblProblem->setText(lines.join(QLatin1Char('\n')));
+}
+
+void ServerWindow::everySecond() {
+    for (const ServerEntry& server : m_manager.servers())
+        updateRow(server.record.id);
+    readLog();
+}
+
+void ServerWindow::readLog() {
+    QString problem;
+    const QStringList lines = m_tail.readNew(&problem);
+    if (!problem.isEmpty()) {
+        m_logProblem = problem;
+        ui->txtLog->appendPlainText(problem);
+        showProblem();
+    } else if (!lines.isEmpty() && !m_logProblem.isEmpty()) {
+        m_logProblem.clear();
+        showProblem();
+    }
+    if (lines.isEmpty())
+        return;
+    QScrollBar* bar = ui->txtLog->verticalScrollBar();
+    const bool atEnd = bar->value() == bar->maximum();
+    for (const QString& line : lines)
+        ui->txtLog->appendPlainText(protocol::withoutColours(line));
+    if (atEnd)
+        bar->setValue(bar->maximum());
+}
+
+void ServerWindow::sendCommand() {
+    const QString command = ui->cmbCommand->currentText().trimmed();
+    if (command.isEmpty() || !ui->cmdSend->isEnabled())
+        return;
+    const int earlier = ui->cmbCommand->findText(command);
+    if (earlier >= 0)
+        ui->cmbCommand->removeItem(earlier);
+    ui->cmbCommand->insertItem(0, command);
+    ui->cmbCommand->setCurrentIndex(-1);
+    ui->cmbCommand->clearEditText();
+    ui->txtConsole->appendPlainText(QStringLiteral("> ") + command);
+    QPointer<ServerWindow> self(this);
+    m_manager.rcon(currentId(), command, [self](const protocol::RconAnswer& answer) {
+        if (self)
+            self->reportAnswer(QString(), answer.text, answer.error);
+    });
+}
+
+void ServerWindow::kick() {
+    const QTreeWidgetItem* player = ui->lstPlayers->currentItem();
+    if (!player) {
+        m_actionProblem = QStringLiteral("Choose the player to kick first");
+        showProblem();
+        return;
+    }
+    QPointer<ServerWindow> self(this);
+    const QString name = player->data(0, Qt::UserRole).toString();
+    m_manager.kick(currentId(), name, [self, name](const protocol::RconAnswer& answer) {
+        if (self)
+            self->reportAnswer(QStringLiteral("Kick ") + protocol::withoutColours(name),
+                               answer.text, answer.error);
+    });
+}
+
+// Console answers go to the console; an action that failed says so on the
+// problem line as well.
+void ServerWindow::reportAnswer(const QString& what, const QString& text, const QString& error) {
+    if (!what.isEmpty())
+        ui->txtConsole->appendPlainText(QStringLiteral("> ") + what);
+    QString shown = protocol::withoutColours(text.trimmed());
+    if (!error.isEmpty())
+        shown = QStringLiteral("Error: ") + error;
+    if (!shown.isEmpty())
+        ui->txtConsole->appendPlainText(shown);
+    m_actionProblem = error.isEmpty() ? QString()
+                                      : (what.isEmpty() ? QStringLiteral("Console") : what) +
+                                            QStringLiteral(": ") + error;
+    showProblem();
+}
+
+} // namespace halvane

@@ -1,0 +1,255 @@
+// The game's status and console answers as bytes; the record of what was
+// started, from a state file that may be damaged or name a reused process id.
+#include "TestSupport.h"
+
+#include "server/LaunchRecords.h"
+#include "server/LogTail.h"
+#include "server/ServerManager.h"
+#include "server/ServerProtocol.h"
+
+#include <QtTest>
+
+using namespace halvane;
+using namespace halvane::protocol;
+
+namespace {
+const QByteArray Oob("\xff\xff\xff\xff", 4);
+
+// "key=value,..|name:score:ping|..." or "error: <reason>".
+QString summary(const QByteArray& datagram) {
+    QString error;
+    const auto status = parseStatus(datagram, &error);
+    if (!status)
+        return QStringLiteral("error: ") + error;
+    QStringList parts;
+    for (auto it = status->info.cbegin(); it != status->info.cend(); ++it)
+        parts << it.key() + '=' + it.value();
+    QString text = parts.join(',');
+    for (const Player& p : status->players)
+        text += QStringLiteral("|%1:%2:%3").arg(p.name).arg(p.score).arg(p.ping);
+    return text;
+}
+
+QByteArray recordLine(const QString& id, qint64 pid, qint64 start, int port = 27960) {
+    LaunchRecord r;
+    r.id = id;
+    r.pid = pid;
+    r.processStart = start;
+    r.program = "/game/quake3.exe";
+    r.port = quint16(port);
+    r.rconPassword = "secret word";
+    r.started = QDateTime(QDate(2024, 5, 1), QTime(10, 0));
+    return launchRecordBytes({r});
+}
+} // namespace
+
+class ServerTest : public QObject {
+    Q_OBJECT
+private slots:
+    void status_data();
+    void status();
+    void rcon_data();
+    void rcon();
+    void colours_data();
+    void colours();
+    void clientNumbers_data();
+    void clientNumbers();
+    void records_data();
+    void records();
+    void logTail_data();
+    void logTail();
+};
+
+void ServerTest::status_data() {
+    QTest::addColumn<QByteArray>("datagram");
+    QTest::addColumn<QString>("expected");
+    const QByteArray head = Oob + "statusResponse\n";
+    QTest::newRow("players with colours and blanks")
+        << head + "\\sv_hostname\\^1Red ^7Arena\\mapname\\oa_dm1\n3 50 \"^4Blue Bot\"\n-2 0 \"x\"\n"
+        << "mapname=oa_dm1,sv_hostname=^1Red ^7Arena|^4Blue Bot:3:50|x:-2:0";
+    QTest::newRow("quotes inside a name run to the last one")
+        << head + "\\g\\1\n0 9 \"say \"hi\"\"\n"
+        << "g=1|say \"hi\":0:9";
+    QTest::newRow("no players") << head + "\\g_gametype\\4\\sv_maxclients\\12\n"
+                                << "g_gametype=4,sv_maxclients=12";
+    QTest::newRow("cut short: half a pair, an open name") << head + "\\a\\1\\mapna\n7 20 \"Sar"
+                                                          << "a=1|Sar:7:20";
+    QTest::newRow("line that is no player") << head + "\\a\\1\nabc 5 \"x\"\n5\n1 2 3 \"y\"\n"
+                                            << "a=1";
+    QTest::newRow("header only") << Oob + "statusResponse"
+                                 << "error: sent a status answer that was cut short";
+    QTest::newRow("garbage") << QByteArray("\x01garbage", 8)
+                             << "error: answered with something that is not a status (8 bytes)";
+    QTest::newRow("oversized") << head + "\\a\\" + QByteArray(MaxPacket, 'x')
+                               << "error: answered with 16406 bytes, more than a status answer "
+                                  "can hold";
+}
+
+void ServerTest::status() {
+    QFETCH(QByteArray, datagram);
+    QFETCH(QString, expected);
+    QCOMPARE(summary(datagram), expected);
+}
+
+void ServerTest::rcon_data() {
+    QTest::addColumn<QList<QByteArray>>("datagrams");
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("error");
+    const QByteArray print = Oob + "print\n";
+    QTest::newRow("several packets, a stray one among them")
+        << QList<QByteArray>{print + "map: oa_dm1\nnum sc", Oob + "statusResponse\n\\a\\b",
+                             print + "ore ping\n", print + " 0 0 0 Sarge\n"}
+        << "map: oa_dm1\nnum score ping\n 0 0 0 Sarge\n"
+        << "";
+    QTest::newRow("wrong password")
+        << QList<QByteArray>{print + "Bad rconpassword.\n"} << "Bad rconpassword.\n"
+        << "the server refused the Console (rcon) Password";
+    QTest::newRow("no password on the server")
+        << QList<QByteArray>{print + "No rconpassword set on the server.\n"}
+        << "No rconpassword set on the server.\n"
+        << "the server has no Console (rcon) Password";
+    QTest::newRow("silence") << QList<QByteArray>{} << ""
+                             << "no answer from the server's console";
+}
+
+void ServerTest::rcon() {
+    QFETCH(QList<QByteArray>, datagrams);
+    QFETCH(QString, text);
+    QFETCH(QString, error);
+    const RconAnswer answer = rconAnswer(datagrams);
+    QCOMPARE(answer.text, text);
+    QCOMPARE(answer.error, error);
+}
+
+void ServerTest::colours_data() {
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("plain");
+    QTest::addColumn<QString>("html");
+    QTest::newRow("colours, white is plain")
+        << "^1Red^7 <b>&"
+        << "Red <b>&"
+        << "<span style=\"color:#cc0000\">Red</span> &lt;b&gt;&amp;";
+    QTest::newRow("caret before a code, letter code, caret at the end")
+        << "^^2x^ay^"
+        << "^xy^"
+        << "^<span style=\"color:#008800\">x</span><span style=\"color:#cc0000\">y^</span>";
+    QTest::newRow("control characters go, line ends stay") << "a\x01\nb"
+                                                           << "a\nb"
+                                                           << "ab";
+}
+
+void ServerTest::colours() {
+    QFETCH(QString, text);
+    QFETCH(QString, plain);
+    QFETCH(QString, html);
+    QCOMPARE(withoutColours(text), plain);
+    QCOMPARE(colouredHtml(text), html);
+}
+
+void ServerTest::clientNumbers_data() {
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("number");
+    QTest::newRow("bot") << "Sarge" << 0;
+    QTest::newRow("a longer name it begins") << "Sarge2" << 3;
+    QTest::newRow("blanks and colours in the name") << "^1Big ^7Bot" << 11;
+    QTest::newRow("still connecting") << "Grism" << 4;
+    QTest::newRow("not there") << "Major" << -1;
+}
+
+void ServerTest::clientNumbers() {
+    QFETCH(QString, name);
+    QFETCH(int, number);
+    // The engine's table, its address column narrowed.
+    const QString table = "map: oa_dm1\n"
+                          "cl score ping name            address         rate \n"
+                          "-- ----- ---- --------------- --------------- -----\n"
+                          " 0     5    0 Sarge^7         bot             16384\n"
+                          " 3    -1   50 Sarge2^7        127.0.0.1:27961 25000\n"
+                          " 4     0 CNCT Grism^7         127.0.0.1:27962 25000\n"
+                          "11    12  999 ^1Big ^7Bot^7     bot             16384\n";
+    QCOMPARE(clientNumber(table, name), number);
+}
+
+void ServerTest::records_data() {
+    QTest::addColumn<QByteArray>("file");
+    QTest::addColumn<QString>("expected"); // id:state of each record, then the problem line
+    const QByteArray a = recordLine("a", 1000, 7000);
+    const QByteArray b = recordLine("b", 1001, 7007);
+    QTest::newRow("running, and an id reused by another process")
+        << a + recordLine("reused", 1001, 5)
+        << "a:running reused:ended while Halvane was not running";
+    QTest::newRow("garbage, cut and wrong lines between good ones")
+        << a + "\x01\xfe garbage\n" + recordLine("noport", 1000, 7000, 0) + "{\"id\":\"x\"}\n" + b +
+               b.left(40)
+        << "a:running b:running Damaged server list <state>/servers.jsonl: line 2: illegal value; "
+           "line 3: no port; line 4: no process id; line 6: unterminated string; the file as it "
+           "was is kept as <state>/servers.jsonl.damaged";
+    QTest::newRow("not records at all") << QByteArray("[1,2]\n\"x\"\n")
+                                        << "Damaged server list <state>/servers.jsonl: line 1: not "
+                                           "a record; line 2: illegal value; the file as it was is "
+                                           "kept as <state>/servers.jsonl.damaged";
+}
+
+void ServerTest::records() {
+    QFETCH(QByteArray, file);
+    QFETCH(QString, expected);
+    test::TestPlatform platform;
+    const QString state = platform.root() + "/state";
+    platform.writeFile(state + "/servers.jsonl", file);
+    platform.processes.alive = {1000, 1001}; // start times 7000 and 7007
+    ServerManager manager(*platform.app);
+    QStringList seen;
+    QList<LaunchRecord> kept;
+    for (const ServerEntry& server : manager.servers()) {
+        kept << server.record;
+        seen << server.record.id + ':' +
+                    (server.record.running() ? QStringLiteral("running") : server.record.endReason);
+    }
+    if (!manager.fileProblem().isEmpty())
+        seen << QString(manager.fileProblem()).replace(state, "<state>");
+    QCOMPARE(seen.join(' '), expected);
+    // Nothing of a damaged file is lost; what is kept reads back the same.
+    if (!manager.fileProblem().isEmpty())
+        QCOMPARE(test::readAll(state + "/servers.jsonl.damaged"), file);
+    const LoadedRecords again = LaunchRecordFile(state + "/servers.jsonl").load();
+    QCOMPARE(again.problems, QStringList{});
+    QCOMPARE(launchRecordBytes(again.records), launchRecordBytes(kept));
+    QCOMPARE(QFile(state + "/servers.jsonl").permissions() & 0x0077, QFileDevice::Permissions());
+}
+
+void ServerTest::logTail_data() {
+    QTest::addColumn<QStringList>("steps"); // +text appends, =text replaces, - deletes
+    QTest::addColumn<QStringList>("reads"); // the lines read after each step, "!" a problem
+    QTest::newRow("growing, a line in two parts")
+        << QStringList{"+a\r\nb", "+c\nd\n", "+"} << QStringList{"a", "bc|d", ""};
+    QTest::newRow("deleted while shown, then back")
+        << QStringList{"+a\n", "-", "-", "=x\n"} << QStringList{"a", "!", "", "x"};
+    QTest::newRow("cut shorter") << QStringList{"+long line\n", "=s\n"}
+                                 << QStringList{"long line", "s"};
+}
+
+void ServerTest::logTail() {
+    QFETCH(QStringList, steps);
+    QFETCH(QStringList, reads);
+    QTemporaryDir dir;
+    const QString path = dir.filePath("server.log");
+    LogTail tail;
+    tail.follow(path);
+    for (qsizetype i = 0; i < steps.size(); ++i) {
+        QFile file(path);
+        const QByteArray text = steps[i].mid(1).toLatin1();
+        if (steps[i].startsWith('-'))
+            file.remove();
+        else if (file.open(steps[i].startsWith('+') ? QIODevice::Append : QIODevice::WriteOnly))
+            file.write(text);
+        file.close();
+        QString problem;
+        const QString lines = tail.readNew(&problem).join('|');
+        QCOMPARE(problem.isEmpty() ? lines : "!", reads[i]);
+        QVERIFY(problem.isEmpty() ||
+                problem.startsWith("The log file " + path + " cannot be read"));
+    }
+}
+
+QTEST_MAIN(ServerTest)
+#include "tst_server.moc"
