@@ -41,7 +41,9 @@ FirstRunResult prepareFirstRun(SettingsStore& store, const QString& folder,
 // So that a first launch plays at once, names every map of the archives in
 // the import list maplist.txt and picks the first three deathmatch maps as
 // the rotation in mapsel.txt, each written only when that file is missing.
-// Returns the map names found.
-QStringList offerFreeGameMaps(const QStringList& archives, const QString& programFolder);
+// Returns the map names found; failure, when given, says which file could
+// not be written and why.
+QStringList offerFreeGameMaps(const QStringList& archives, const QString& programFolder,
+                              QString* failure = nullptr);
 
 } // namespace halvane
