@@ -32,7 +32,8 @@ QByteArray freeGameScript(const QString& folder, const QString& engine);
 // free game (baseoa/ with links to its archives and game code, an empty
 // baseq3/, the executable quake3.exe) and stores it as the game location.
 // A stored location is never touched. With a program folder, the free game's
-// maps are offered there too (see offerFreeGameMaps).
+// maps are offered there too (see offerFreeGameMaps); when that file cannot
+// be written the answer is Failed and says why, the location stays stored.
 FirstRunResult prepareFirstRun(SettingsStore& store, const QString& folder,
                                const FreeGameSources& sources = {},
                                const QString& programFolder = {});
