@@ -60,8 +60,6 @@ void DiscoveryTest::memberRule_data() {
     QTest::addColumn<QByteArray>("member");
     QTest::addColumn<QString>("map"); // empty: not taken
     QTest::newRow("deeper folder") << QByteArray("a/b/c.bsp") << "c.bsp";
-    QTest::newRow("capital extension") << QByteArray("maps/big.BSP") << "";
-    QTest::newRow("no dot") << QByteArray("maps/nodotbsp") << "nodotbsp";
     QTest::newRow("cut at 50 characters")
         << QByteArray("maps/" + QByteArray(45, 'x') + ".bsp") << "";
     QTest::newRow("exactly 50 characters")
@@ -76,24 +74,25 @@ void DiscoveryTest::memberRule() {
 
 void DiscoveryTest::archiveSearch() {
     Fixture f;
-    f.known({"q3dm1"});
+    f.known({"q3dm1", ""});
     QVERIFY(makeArchive(f.baseq3() + "/b.pk3", {"maps/newmap.bsp", "maps/q3dm1.bsp"}));
     f.platform.writeFile(f.baseq3() + "/bad.pk3", QByteArray(3000, 'x'));
     QVERIFY(makeArchive(f.baseq3() + "/pak0.pk3", {"maps/skipme.bsp"}));
     QVERIFY(makeArchive(f.baseq3() + "/Pak0.pk3", {"maps/capmap.bsp"}));
     QVERIFY(makeArchive(f.baseq3() + "/zz.pk3", {"levelshots/newmap.jpg", "maps/newmap.bsp",
-                                                 "maps/upper.BSP", "maps/nodotbsp"}));
+                                                 "maps/upper.BSP", "maps/nodotbsp", "maps/xbsp"}));
     f.platform.writeFile(f.baseq3() + "/notes.txt", "not an archive");
 
     f.discovery.searchArchives();
 
-    QCOMPARE(f.fileNames(), QStringList({"q3dm1", "newmap", "capmap", "nodo"}));
+    QCOMPARE(f.fileNames(), QStringList({"q3dm1", "", "newmap", "capmap", "nodo"}));
     QCOMPARE(f.shown, QStringList({"Getting Map Names...|baseq3\\zz.pk3",
                                    "Searching for PK3 files...|Adding: newmap",
                                    "Searching for PK3 files...|Skipping: q3dm1",
                                    "Searching for PK3 files...|Adding: capmap",
                                    "Searching for PK3 files...|Skipping: newmap",
                                    "Searching for PK3 files...|Adding: nodo",
+                                   "Searching for PK3 files...|Skipping: ", // the deleted slot
                                    "Done|Finished loading maps"}));
     // The damaged archive is named and the search goes on past it.
     QCOMPARE(onlyMessage(f.platform.messages),
@@ -101,24 +100,34 @@ void DiscoveryTest::archiveSearch() {
                      MsgButtons::Ok, MsgIcon::Critical));
     QCOMPARE(f.loads, 1);
     QCOMPARE(f.platform.desktop.busyDepth, 0);
-    // New maps get the default rules.
-    QCOMPARE(f.catalogue.snapshot().record(2).get(MapField::CaptureLimit), QStringLiteral("10"));
 }
 
 void DiscoveryTest::looseMapsAndImportList() {
     Fixture f;
     f.known({"known"});
     f.platform.ini->write("Defaults", "FragLimit", "7");
-    for (const char* name : {"b.bsp", "a.bsp", "KNOWN.bsp", "readme.txt", "C.BSP"})
+    for (const char* name : {"b.bsp", "a.bsp", "KNOWN.bsp", "readme.txt", "C.BSP", ".bsp",
+                             "a_loose_map_of_22chars.bsp"})
         f.platform.writeFile(f.baseq3() + "/MAPS/" + name, "IBSP");
     const QString list = f.platform.writeFile(f.platform.programFolder() + "/maplist.txt",
                                               "// a comment\r\nnewone\r\nB\n\r\n\r\n"
                                               "NEWONE\r\n onespace\r\n/notacomment\r\n");
-    f.discovery.GetMapsFromBaseDir();
+    // The next start finds every map by the name its record stores: the
+    // empty one in the blank slot, the long one cut to 20. Nothing is added
+    // twice, and the operator hears once that a name was cut.
+    for (int start = 0; start < 2; ++start)
+        f.discovery.GetMapsFromBaseDir();
     QVERIFY(!QFile::exists(list));
-    QCOMPARE(f.fileNames(),
-             QStringList({"known", "a", "b", "C", "newone", "", "onespace", "/notacomment"}));
-    QCOMPARE(f.catalogue.snapshot().record(2).get(MapField::FragLimit), QStringLiteral("7"));
+    QCOMPARE(f.fileNames(), QStringList({"known", "", "a", "a_loose_map_of_22cha", "b", "C",
+                                         "newone", "onespace", "/notacomment"}));
+    QCOMPARE(onlyMessage(f.platform.messages),
+             message("Map Names Cut",
+                     "maps.dat keeps 20 characters of a map's file name, so these maps were added "
+                     "under their first 20:\r\ra_loose_map_of_22chars\r\rThe game loads a map by "
+                     "its whole name: to play one of them, give its .bsp file a name of at most 20 "
+                     "characters.",
+                     MsgButtons::Ok, MsgIcon::Information));
+    QCOMPARE(f.catalogue.snapshot().record(3).get(MapField::FragLimit), QStringLiteral("7"));
     QVERIFY(f.shown.isEmpty()); // no archive search unless asked for
 }
 
@@ -132,15 +141,21 @@ void DiscoveryTest::damagedInputs() {
     // The deleted slot answers for every empty line: nothing is added.
     QCOMPARE(f.catalogue.CountMaps(), qint16(1));
     QVERIFY(f.platform.messages.shown.isEmpty());
-    // A catalogue that cannot be written ends discovery before the import list.
-    QFile::remove(f.platform.programFolder() + "/maps.dat");
-    QDir().mkpath(f.platform.programFolder() + "/maps.dat");
+    // A catalogue six maps short of full takes the new loose map and five of
+    // the list's ten, which stay; discovery ends there and the list waits.
+    f.platform.writeFile(f.platform.programFolder() + "/maps.dat",
+                         catalogueOf(QStringList(32760, "filler")));
     QFile::remove(f.baseq3() + "/maps");
     f.platform.writeFile(f.baseq3() + "/maps/new.bsp", "IBSP");
-    const QString list = f.platform.writeFile(f.platform.programFolder() + "/maplist.txt", "x\r\n");
+    const QByteArray ten = "m1\r\nm2\r\nm3\r\nm4\r\nm5\r\nm6\r\nm7\r\nm8\r\nm9\r\nm10\r\n";
+    const QString list = f.platform.writeFile(f.platform.programFolder() + "/maplist.txt", ten);
     f.discovery.GetMapsFromBaseDir();
+    QCOMPARE(f.fileNames().mid(32760), QStringList({"new", "m1", "m2", "m3", "m4", "m5"}));
+    QCOMPARE(readAll(list), ten);
     QCOMPARE(f.catalogue.CurrentMapRecord, qint16(-1));
-    QVERIFY(QFile::exists(list));
+    QVERIFY(onlyMessage(f.platform.messages)
+                .contains("5 of the 10 new maps found in "
+                          "maplist.txt could not be added"));
 }
 
 QTEST_MAIN(DiscoveryTest)

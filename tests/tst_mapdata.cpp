@@ -22,8 +22,8 @@ private slots:
     void findMap();
     void writeDeleteAndAppend();
     void garbageFileIsReadWithoutHarm();
-    void missingCatalogue();
-    void wipedFirstRecordIsRepaired();
+    void startUpCheck_data();
+    void startUpCheck();
 };
 
 void MapDataTest::recordLayoutByteForByte() {
@@ -136,45 +136,71 @@ void MapDataTest::garbageFileIsReadWithoutHarm() {
     QCOMPARE(readAll(platform.programFolder() + "/maps.dat"), garbage);
 }
 
-void MapDataTest::missingCatalogue() {
+void MapDataTest::startUpCheck_data() {
+    QTest::addColumn<QByteArray>("data");      // maps.dat, or "<none>", "<folder>"
+    QTest::addColumn<QByteArray>("installed"); // instmaps.dat; empty: none
+    QTest::addColumn<QString>("shown");        // the only message; "" for none
+    QTest::addColumn<QByteArray>("after");     // maps.dat after the check
+    const QByteArray installed = catalogueOf({"q3dm1", "q3dm2"}) + "tail";
+    const QByteArray wiped = QByteArray(71, ' ') + catalogueOf({"custom"});
+    QTest::newRow("missing, nothing installed")
+        << QByteArray("<none>") << QByteArray()
+        << message("Warning!",
+                   "Unable to find maps.dat!\r\rThis file contains all of the pre-installed "
+                   "maps, their names,\r\rand default environment settings.  Contact " +
+                       AppInfo::supportContact() + " for assistance.",
+                   MsgButtons::Ok, MsgIcon::Critical)
+        << QByteArray();
+    QTest::newRow("missing, installed copied")
+        << QByteArray("<none>") << installed << "" << installed;
+    QTest::newRow("first record wiped")
+        << wiped << installed
+        << message("Notice",
+                   "A bug was found in previous versions of Halvane that has caused \rsome of "
+                   "the maps in your maps in your maps.dat (map data file) to be erased.  "
+                   "\r\rThis has been corrected.\r\rHowever, any custom maps that you had "
+                   "specified will need to be re-entered.",
+                   MsgButtons::Ok, MsgIcon::Information)
+        << installed;
+    // Never replaced, never written: it may hold the operator's own maps.
+    QTest::newRow("a folder of that name")
+        << QByteArray("<folder>") << installed
+        << message("Warning!",
+                   "maps.dat is there but cannot be read:\r\r<path>\rIt is a folder, not a "
+                   "file.\r\rHalvane leaves it as it is and runs without maps. Make it readable "
+                   "and start Halvane again to use its maps.",
+                   MsgButtons::Ok, MsgIcon::Critical)
+        << QByteArray("<folder>");
+}
+
+void MapDataTest::startUpCheck() {
+    QFETCH(QByteArray, data);
+    QFETCH(QByteArray, installed);
+    QFETCH(QString, shown);
+    QFETCH(QByteArray, after);
     TestPlatform platform;
     const QString path = platform.programFolder() + "/maps.dat";
     QFile::remove(path);
+    platform.writeFile(platform.programFolder() + "/maps.bak", "the operator's backup");
+    if (data == "<folder>")
+        QDir().mkpath(path);
+    else if (data != "<none>")
+        platform.writeFile(path, data);
+    if (!installed.isEmpty())
+        platform.writeFile(platform.programFolder() + "/instmaps.dat", installed);
     MapCatalogue catalogue(platform.programFolder());
     catalogue.CheckMapDataFile(platform.messages, AppInfo::supportContact());
     QCOMPARE(onlyMessage(platform.messages),
-             message("Warning!",
-                     "Unable to find maps.dat!\r\rThis file contains all of the pre-installed "
-                     "maps, their names,\r\rand default environment settings.  Contact " +
-                         AppInfo::supportContact() + " for assistance.",
-                     MsgButtons::Ok, MsgIcon::Critical));
-    // With an installed catalogue beside it, that one is copied silently.
-    platform.messages.clear();
-    QFile::remove(path);
-    const QByteArray installed = catalogueOf({"q3dm1", "q3dm2"}) + "tail";
-    platform.writeFile(platform.programFolder() + "/instmaps.dat", installed);
-    catalogue.CheckMapDataFile(platform.messages, AppInfo::supportContact());
-    QVERIFY(platform.messages.shown.isEmpty());
-    QCOMPARE(readAll(path), installed);
-}
-
-void MapDataTest::wipedFirstRecordIsRepaired() {
-    TestPlatform platform;
-    const QByteArray damaged = QByteArray(71, ' ') + catalogueOf({"custom"});
-    platform.writeFile(platform.programFolder() + "/maps.dat", damaged);
-    const QByteArray installed = catalogueOf({"q3dm1"});
-    platform.writeFile(platform.programFolder() + "/instmaps.dat", installed);
-    MapCatalogue catalogue(platform.programFolder());
-    catalogue.CheckMapDataFile(platform.messages, AppInfo::supportContact());
-    QCOMPARE(readAll(platform.programFolder() + "/maps.dat"), installed);
-    QCOMPARE(readAll(platform.programFolder() + "/maps.bak"), damaged); // kept, not lost
-    QCOMPARE(onlyMessage(platform.messages),
-             message("Notice",
-                     "A bug was found in previous versions of Halvane that has caused \rsome of "
-                     "the maps in your maps in your maps.dat (map data file) to be erased.  "
-                     "\r\rThis has been corrected.\r\rHowever, any custom maps that you had "
-                     "specified will need to be re-entered.",
-                     MsgButtons::Ok, MsgIcon::Information));
+             shown.isEmpty() ? "0 messages"
+                             : shown.replace("<path>", QDir::toNativeSeparators(path)));
+    if (data == "<folder>") // nothing found, nothing written
+        QVERIFY(catalogue.CountMaps() == 0 && !catalogue.append({makeMapRecord("x", "x", {})}) &&
+                !catalogue.backup());
+    QCOMPARE(QFileInfo(path).isDir() ? QByteArray("<folder>") : readAll(path), after);
+    QCOMPARE(readAll(platform.programFolder() + "/maps.bak"), "the operator's backup");
+    // A damaged file is kept beside it.
+    QCOMPARE(readAll(platform.programFolder() + "/maps-damaged.dat"),
+             data.startsWith(' ') ? data : QByteArray());
 }
 
 QTEST_MAIN(MapDataTest)

@@ -52,8 +52,9 @@ void MapPreviewTest::pictureChoice_data() {
     QTest::newRow("level shot in other letter case")
         << QStringList{"g:baseq3/LevelShots/Q3DM1.TGA", "p:Maps/DEFAULT.jpg"}
         << int(PreviewSource::Targa) << "g:baseq3/LevelShots/Q3DM1.TGA";
-    QTest::newRow("default picture") << QStringList{"p:Maps/DEFAULT.jpg", "p:Maps/other.jpg"}
-                                     << int(PreviewSource::Jpeg) << "p:Maps/DEFAULT.jpg";
+    QTest::newRow("default picture in maps beside Maps")
+        << QStringList{"p:maps/DEFAULT.jpg", "p:Maps/other.jpg"} << int(PreviewSource::Jpeg)
+        << "p:maps/DEFAULT.jpg";
     QTest::newRow("nothing") << QStringList{"p:Maps/other.jpg"} << int(PreviewSource::None) << "";
 }
 
@@ -81,9 +82,9 @@ void MapPreviewTest::picturesInTheWindow() {
     platform.writeFile(platform.gameFolder() + "/baseq3/levelshots/big.tga", targa(300, 200));
     platform.writeFile(platform.programFolder() + "/Maps/small.tga", targa(40, 30));
     platform.writeFile(platform.programFolder() + "/Maps/bad.tga", QByteArray(50, 'x'));
-    QDir().mkpath(platform.programFolder() + "/maps");
+    QDir().mkpath(platform.programFolder() + "/maps"); // beside Maps, which holds the picture
     QVERIFY(QFile::copy(HALVANE_BIN_DIR "/maps/default.jpg",
-                        platform.programFolder() + "/maps/default.jpg"));
+                        platform.programFolder() + "/Maps/default.jpg"));
     MainWindow window(*platform.app);
     window.showMainWindow();
     Ui::frmMain& ui = window.form();
@@ -100,6 +101,7 @@ void MapPreviewTest::picturesInTheWindow() {
     QCOMPARE(shown.pixel(corner) & 0xFFFFFF, tgaColour(corner.x(), corner.y()) & 0xFFFFFF);
 
     // A map without a picture empties the box; a damaged Targa reads as none.
+    QFile::remove(platform.programFolder() + "/Maps/default.jpg");
     window.maps().preview().showPreview("none");
     QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap);
     QVERIFY(ui.imgMap->pixmap().isNull());

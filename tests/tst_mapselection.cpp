@@ -56,9 +56,9 @@ private slots:
     void upAndDown_data();
     void upAndDown();
     void randomize();
-    void choosingAnotherMapCommitsTheShownOne();
+    void closeRightAfterAnEdit_data();
+    void closeRightAfterAnEdit();
     void useSettingsAsDefault();
-    void unwritableSelectionFile();
     void editorChecks_data();
     void editorChecks();
     void addAndDeleteMaps();
@@ -81,6 +81,17 @@ void MapSelectionTest::addInsertsAfterTheHighlightedSelection() {
     w.ui->MapList->clearSelection();
     for (int row : {5, 6, 7})
         w.ui->MapList->item(row)->setSelected(true);
+    // The right button opens the menu for the maps highlighted before it and
+    // changes neither the highlight nor the shown map.
+    QWidget* list = w.ui->MapList->viewport();
+    const QPoint at = w.ui->MapList->visualItemRect(w.ui->MapList->item(2)).center();
+    QTest::mouseClick(list, Qt::RightButton, {}, at);
+    QContextMenuEvent menu(QContextMenuEvent::Mouse, at, list->mapToGlobal(at));
+    QApplication::sendEvent(list, &menu);
+    QVERIFY(w.ui->mnuMapList->isVisible() && !w.ui->mnuMapEdit->isEnabled() &&
+            !w.ui->mnuMapDelete->isEnabled());
+    QCOMPARE(w.ui->mnuMapSelect->text(), QStringLiteral("Select these maps"));
+    QCOMPARE(w.ui->lblMapFilename->text(), QStringLiteral("m2"));
     w.ui->cmdAddSelMap->click();
     QCOMPARE(entries(w.ui->SelMap), QStringList({"m1", "m2", "mc", "mb", "ma", "m3", "m4", "m5"}));
     QCOMPARE(w.ui->Frame15->title(), QStringLiteral("8 Maps Selected"));
@@ -136,14 +147,54 @@ void MapSelectionTest::randomize() {
                      MsgButtons::Ok, MsgIcon::Information));
 }
 
-void MapSelectionTest::choosingAnotherMapCommitsTheShownOne() {
-    Window w({"a", "b"});
+void MapSelectionTest::closeRightAfterAnEdit_data() {
+    QTest::addColumn<QString>("edit");    // what else the operator did before "Close"
+    QTest::addColumn<QString>("written"); // record number|display name|file name of the edit
+    QTest::newRow("first available map") << ""
+                                         << "1|Name of a|a";
+    QTest::newRow("first selected map after a start") << "selected"
+                                                      << "3|Name of c|c";
+    QTest::newRow("a renamed map") << "rename"
+                                   << "2|Bee|bb";
+    QTest::newRow("a blank name box") << "blank"
+                                      << "1||a";
+    // Choosing the vanished map writes the shown one back (its name cut to
+    // 30) and ends the run; the close then writes nothing over the file.
+    QTest::newRow("a damaged catalogue") << "damage"
+                                         << "1|A new name that is much longer|a";
+}
+
+void MapSelectionTest::closeRightAfterAnEdit() {
+    QFETCH(QString, edit);
+    QFETCH(QString, written);
+    QStringList maps{"a", "b", "c"};
+    Window w(maps, edit == "selected" ? "c\r\n" : "");
+    if (edit == "rename") {
+        w.ui->MapList->setCurrentRow(1);
+        w.ui->mnuMapEdit->trigger();
+        w.maps().editor().form().txtMapName->setText("Bee");
+        w.maps().editor().form().txtFileName->setText("bb");
+        w.maps().editor().form().Command2->click();
+        QCOMPARE(w.ui->MapList->selectedItems(), QList{w.ui->MapList->currentItem()});
+        QCOMPARE(w.ui->MapList->currentItem()->text(), QStringLiteral("bb"));
+    }
     w.ui->txtMapFragLimit->setText("5");
-    w.ui->txtMapGravity->setText("");
-    w.ui->lblMap->setText("A new name that is much longer than thirty");
-    w.ui->MapList->setCurrentRow(1);
-    QCOMPARE(QByteArray(w.record(1).bytes(), 71),
-             QByteArray("A new name that is much longera                   5  20 10     320 1000"));
+    w.ui->txtMapGravity->clear(); // stored as spaces
+    if (edit == "blank")
+        w.ui->lblMap->clear();
+    if (edit == "damage") {
+        w.ui->lblMap->setText("A new name that is much longer than thirty");
+        maps[1] = "x";
+        w.platform.writeFile(w.dataPath(), catalogueOf(maps));
+        w.ui->MapList->setCurrentRow(1);
+        QVERIFY(w.window->hasEnded());
+    }
+    w.window->close();
+    QByteArray expected = catalogueOf(maps);
+    const MapRecord edited = makeMapRecord(written.section('|', 1, 1), written.section('|', 2),
+                                           {"5", "20", "10", "", "320", "1000"});
+    expected.replace((written.section('|', 0, 0).toInt() - 1) * 71, 71, edited.bytes(), 71);
+    QCOMPARE(readAll(w.dataPath()), expected);
 }
 
 void MapSelectionTest::useSettingsAsDefault() {
@@ -166,15 +217,6 @@ void MapSelectionTest::useSettingsAsDefault() {
     QVERIFY(w.record(2).isDeleted());
     w.platform.reopenStore();
     QCOMPARE(w.platform.store->read("Defaults", "KnockBack", "x"), QStringLiteral("900"));
-}
-
-void MapSelectionTest::unwritableSelectionFile() {
-    Window w({"a"});
-    QDir().mkpath(w.platform.programFolder() + "/mapsel.txt");
-    w.window->close();
-    QCOMPARE(onlyMessage(w.platform.messages),
-             message("Warning", "Error writing mapsel.txt", MsgButtons::Ok, MsgIcon::Critical));
-    QVERIFY(w.window->hasEnded()); // the rest of the shut-down still ran
 }
 
 void MapSelectionTest::editorChecks_data() {

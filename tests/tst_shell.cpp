@@ -8,6 +8,8 @@
 #include "ui/Twips.h"
 #include "ui_frmMain.h"
 
+#include <QProcess>
+#include <QScopeGuard>
 #include <QTimer>
 #include <QtTest>
 
@@ -20,6 +22,8 @@ private slots:
     void startUpRunsItsStepsInOrder();
     void shutDownSavesParametersBeforeSettings();
     void secondCopyEndsWithoutStoring();
+    void savesOnABrokenDisk_data();
+    void savesOnABrokenDisk();
     void resizePlacesTheStatusPanel_data();
     void resizePlacesTheStatusPanel();
     void toggleAtThreshold_data();
@@ -127,6 +131,94 @@ void ShellTest::secondCopyEndsWithoutStoring() {
     f.window->close(); // a later close still stores nothing
     QVERIFY(f.platform.store->writes.isEmpty());
     QCOMPARE(f.platform.messages.shown.size(), 1);
+}
+
+void ShellTest::savesOnABrokenDisk_data() {
+    QTest::addColumn<QString>("fault"); // "full", "read-only" (a small disk) or "folder"
+    // What the operator does|the file a folder stands in for|the files that
+    // must not change (halvane.cfg keeps what was written)|what is said.
+    QTest::addColumn<QString>("save");
+    for (const char* fault : {"full", "read-only", "folder"}) {
+        for (const char* save :
+             {"defaults|program/maps.bak|program/maps.dat program/maps.bak|Error applying default",
+              "close|program/mapsel.txt|program/mapsel.txt|Error writing mapsel.txt",
+              "config|game/baseq3/halvane.cfg||An error occured while creating the config file.",
+              "maplist|program/maps.dat|program/maplist.txt|new maps found in maplist.txt could",
+              "firstrun|../openarena/quake3.exe|program/maplist.txt program/mapsel.txt|annot "
+              "write"})
+            QTest::addRow("%s: %s", fault, QByteArray(save).split('|')[0].constData())
+                << fault << save;
+    }
+}
+
+// Every whole-file save on a disk that refuses it: the old file stays byte
+// for byte, the operator is told, and maps.dat holds whole records only.
+void ShellTest::savesOnABrokenDisk() {
+    QFETCH(QString, fault);
+    QFETCH(QString, save);
+    const QStringList kept = save.section('|', 2, 2).split(' ', Qt::SkipEmptyParts);
+    TestPlatform platform;
+    const QString disk = platform.root() + "/disk", program = disk + "/program";
+    QDir().mkpath(disk);
+    const bool small = fault != "folder";
+    if (small && QProcess::execute("mount", {"-t", "tmpfs", "-o", "size=1m", "tmpfs", disk}) != 0)
+        QSKIP("Mounting a small disk needs root; run as root to fill one.");
+    auto unmount = qScopeGuard([&] {
+        if (small)
+            QProcess::execute("umount", {"-l", disk});
+    });
+    *platform.folder = ProgramFolder(program);
+    platform.ini->write("Settings", "Path", disk + "/game");
+    QHash<QString, QByteArray> files{{"game/quake3.exe", "#!/bin/sh\n"},
+                                     {"game/baseq3/default.cfg", "// mine\r\n"},
+                                     {"game/baseq3/autoexec.cfg", "// mine\r\n"},
+                                     {"program/maps.dat", catalogueOf({"m1", "m2", "m3"})},
+                                     {"program/maps.bak", "the operator's backup"}};
+    if (!save.startsWith("firstrun"))
+        files["program/mapsel.txt"] = "m1\r\nm2\r\nm3\r\n";
+    for (int n = 0; save.startsWith("maplist") && n < 200; ++n) // more than a full disk takes
+        files["program/maplist.txt"] += "map" + QByteArray::number(n) + "\r\n";
+    if (fault == "folder")
+        files[save.section('|', 1, 1)] = "<folder>";
+    for (auto file = files.cbegin(); file != files.cend(); ++file) {
+        if (file.value() == "<folder>")
+            QDir().mkpath(disk + '/' + file.key());
+        else
+            platform.writeFile(disk + '/' + file.key(), file.value());
+    }
+    if (fault == "read-only")
+        QCOMPARE(QProcess::execute("mount", {"-o", "remount,ro", disk}), 0);
+    QFile filler(disk + "/filler");
+    if (fault == "full" && filler.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        while (filler.write(QByteArray(4096, 'x')) > 0)
+            ;
+
+    QStringList said;
+    if (save.startsWith("firstrun")) {
+        QtSettingsStore fresh(platform.root() + "/fresh.ini");
+        said << prepareFirstRun(fresh, platform.root() + "/openarena", fakeFreeGame(platform),
+                                program)
+                    .message;
+    } else {
+        MainWindow window(*platform.app);
+        window.showMainWindow();
+        platform.messages.answers = {MsgAnswer::Yes};
+        if (save.startsWith("defaults"))
+            window.form().cmdDefault->click();
+        if (save.startsWith("config"))
+            window.form().mnuFileMakeCfg->trigger();
+        window.form().cmdAddSelMap->click(); // a selection that takes room to store
+        window.close();
+    }
+    for (const ShownMessage& shown : platform.messages.shown)
+        said << shown.text;
+    QVERIFY2(said.join('\n').contains(save.section('|', 3)), qPrintable(said.join('\n')));
+    for (const QString& file : kept) {
+        const QString path = disk + '/' + file;
+        QVERIFY2((QFileInfo(path).isDir() ? "<folder>" : readAll(path)) == files.value(file),
+                 qPrintable(file));
+    }
+    QCOMPARE(readAll(program + "/maps.dat").size() % 71, 0);
 }
 
 void ShellTest::resizePlacesTheStatusPanel_data() {

@@ -7,6 +7,7 @@
 #include "maps/MapCatalogue.h"
 #include "platform/MessageBoxes.h"
 #include "platform/ProgramFolder.h"
+#include "platform/WholeFile.h"
 #include "settings/TextForms.h"
 
 #include <QDir>
@@ -69,17 +70,13 @@ void ConfigWriter::MakeSubFolders() {
 }
 
 bool ConfigWriter::writeStartupScript(const QString& path) {
-    ScriptFile file(path);
-    return file.open() &&
-           file.line(QStringLiteral(
-               "// this file is executed everytime Quake 3 loads, it does not need")) &&
-           file.line(QStringLiteral(
-               "// to contain anything, but Quake 3 will always look for it, and ")) &&
-           file.line(QStringLiteral(
-               "// will report an error message if it doesn't exist, and some folks")) &&
-           file.line(
-               QStringLiteral("// think this is a problem with Halvane, so I fixed that ;-).")) &&
-           file.close();
+    // Written whole or not at all: a file that exists is never written again,
+    // so a short one would stay short.
+    return saveWholeFile(path,
+                         "// this file is executed everytime Quake 3 loads, it does not need\r\n"
+                         "// to contain anything, but Quake 3 will always look for it, and \r\n"
+                         "// will report an error message if it doesn't exist, and some folks\r\n"
+                         "// think this is a problem with Halvane, so I fixed that ;-).\r\n");
 }
 
 bool ConfigWriter::WriteConfig(const ServerSettings& s, const QString& path, bool withCommandLine,

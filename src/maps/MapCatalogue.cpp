@@ -2,10 +2,10 @@
 
 #include "platform/MessageBoxes.h"
 #include "platform/ProgramFolder.h"
+#include "platform/WholeFile.h"
 
 #include <QDir>
-#include <QFile>
-#include <QSaveFile>
+#include <QFileInfo>
 
 #include <cstring>
 
@@ -17,16 +17,35 @@ QString key(const QString& name) {
     return trimSpaces(name).toLower();
 }
 
-bool replaceFile(const QString& from, const QString& to) {
-    QFile source(from);
-    if (!source.open(QIODevice::ReadOnly))
-        return false;
-    const QByteArray bytes = source.readAll();
-    QSaveFile target(to);
-    if (!target.open(QIODevice::WriteOnly))
-        return false;
-    target.write(bytes);
-    return target.commit();
+// Writes whole records after the last whole record. When the disk takes
+// only part of them, the whole records that arrived stay and a torn one is
+// cut off. Answers the number of records stored.
+qint64 appendRecords(QFile& file, qint64 whole, const QByteArray& bytes, QString& error) {
+    const qint64 before = file.size();
+    if (file.seek(whole) && file.write(bytes) == bytes.size())
+        return bytes.size() / MapRecord::Size;
+    error = file.errorString();
+    const qint64 wholeNow = file.size() / MapRecord::Size * MapRecord::Size;
+    const qint64 kept = qMax(before, wholeNow); // the file never shrinks
+    if (file.size() > kept)
+        file.resize(kept);
+    return (wholeNow - whole) / MapRecord::Size;
+}
+
+// Why a file that is there cannot be opened for reading.
+QString unreadableReason(const QString& path) {
+    if (QFileInfo(path).isDir())
+        return QStringLiteral("It is a folder, not a file.");
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? QString() : file.errorString();
+}
+
+// A name beside the catalogue that no file has yet.
+QString unusedPath(const QString& folder, const QString& stem) {
+    QString path = folder + QLatin1Char('/') + stem + QStringLiteral(".dat");
+    for (int n = 2; QFileInfo::exists(path); ++n)
+        path = folder + QLatin1Char('/') + stem + QStringLiteral("-%1.dat").arg(n);
+    return path;
 }
 
 } // namespace
@@ -123,6 +142,8 @@ bool MapCatalogue::ensureExists() const {
 }
 
 qint16 MapCatalogue::CountMaps() const {
+    if (m_leftAlone)
+        return 0;
     ensureExists();
     QFile file(dataPath());
     if (!file.open(QIODevice::ReadOnly))
@@ -132,10 +153,9 @@ qint16 MapCatalogue::CountMaps() const {
 }
 
 MapSnapshot MapCatalogue::snapshot() const {
-    ensureExists();
     std::vector<MapRecord> records;
     QFile file(dataPath());
-    if (file.open(QIODevice::ReadOnly)) {
+    if (!m_leftAlone && ensureExists() && file.open(QIODevice::ReadOnly)) {
         const QByteArray bytes = file.readAll();
         const qint64 count = qMin<qint64>(bytes.size() / MapRecord::Size, MaxRecords);
         records.reserve(size_t(count));
@@ -149,9 +169,8 @@ qint16 MapCatalogue::FindMap(const QString& name) const {
     // One look-up: scan the records in file order and stop at the first
     // match, rather than indexing the whole file as a snapshot does. The
     // answer is the same as MapSnapshot::find's.
-    ensureExists();
     QFile file(dataPath());
-    if (!file.open(QIODevice::ReadOnly))
+    if (m_leftAlone || !ensureExists() || !file.open(QIODevice::ReadOnly))
         return -1;
     const QByteArray bytes = file.readAll();
     const qint64 count = qMin<qint64>(bytes.size() / MapRecord::Size, MaxRecords);
@@ -165,7 +184,7 @@ qint16 MapCatalogue::FindMap(const QString& name) const {
 }
 
 bool MapCatalogue::readRecord(int number) {
-    if (number < 1)
+    if (number < 1 || m_leftAlone)
         return false;
     QFile file(dataPath());
     if (!file.open(QIODevice::ReadOnly) || !file.seek(qint64(number - 1) * MapRecord::Size))
@@ -182,36 +201,66 @@ bool MapCatalogue::writeRecord(int number) {
 }
 
 bool MapCatalogue::writeRecord(int number, const MapRecord& record) {
-    if (number < 1 || number > MaxRecords)
-        return false;
-    ensureExists();
-    QFile file(dataPath());
-    if (!file.open(QIODevice::ReadWrite))
+    QFile file;
+    if (number < 1 || number > MaxRecords || !openForWriting(file))
         return false;
     const qint64 offset = qint64(number - 1) * MapRecord::Size;
+    const qint64 whole = (file.size() / MapRecord::Size) * MapRecord::Size;
     // Writing past the end would leave a hole of zero bytes.
-    if (offset > (file.size() / MapRecord::Size) * MapRecord::Size)
+    if (offset > whole)
         return false;
-    if (!file.seek(offset))
-        return false;
-    return file.write(record.bytes(), MapRecord::Size) == MapRecord::Size && file.flush();
+    const QByteArray bytes(record.bytes(), MapRecord::Size);
+    if (offset == whole)
+        return appendRecords(file, whole, bytes, m_error) == 1;
+    QByteArray old;
+    if (file.seek(offset))
+        old = file.read(MapRecord::Size);
+    if (old.size() == MapRecord::Size && file.seek(offset) && file.write(bytes) == bytes.size())
+        return true;
+    m_error = file.errorString();
+    // Never a record that is half new and half old.
+    if (old.size() == MapRecord::Size && file.seek(offset))
+        file.write(old);
+    return false;
 }
 
-bool MapCatalogue::append(const std::vector<MapRecord>& records) {
+bool MapCatalogue::openForWriting(QFile& file) {
+    m_error.clear();
+    if (m_leftAlone) {
+        m_error = QStringLiteral("maps.dat is there but cannot be read, so it is left as it is.");
+        return false;
+    }
+    ensureExists();
+    file.setFileName(dataPath());
+    // Unbuffered: a write the disk refuses fails at once, where it can still
+    // be taken back, instead of at a later flush.
+    if (file.open(QIODevice::ReadWrite | QIODevice::Unbuffered))
+        return true;
+    m_error = file.errorString();
+    return false;
+}
+
+bool MapCatalogue::append(const std::vector<MapRecord>& records, qsizetype* appended) {
+    if (appended)
+        *appended = 0;
     if (records.empty())
         return true;
-    ensureExists();
-    QFile file(dataPath());
-    if (!file.open(QIODevice::ReadWrite))
+    QFile file;
+    if (!openForWriting(file))
         return false;
     const qint64 whole = (file.size() / MapRecord::Size) * MapRecord::Size;
-    if (whole / MapRecord::Size + qint64(records.size()) > MaxRecords || !file.seek(whole))
-        return false;
+    const qint64 room = qMax<qint64>(0, MaxRecords - whole / MapRecord::Size);
+    const qsizetype count = qsizetype(qMin<qint64>(room, qint64(records.size())));
     QByteArray bytes;
-    bytes.reserve(qsizetype(records.size()) * MapRecord::Size);
-    for (const MapRecord& record : records)
-        bytes.append(record.bytes(), MapRecord::Size);
-    return file.write(bytes) == bytes.size() && file.flush();
+    bytes.reserve(count * MapRecord::Size);
+    for (qsizetype i = 0; i < count; ++i)
+        bytes.append(records[size_t(i)].bytes(), MapRecord::Size);
+    const qint64 stored = count > 0 ? appendRecords(file, whole, bytes, m_error) : 0;
+    if (appended)
+        *appended = qsizetype(stored);
+    if (stored == count && count < qsizetype(records.size()))
+        m_error = QStringLiteral("maps.dat holds %1 maps, the most it can.").arg(MaxRecords);
+    return stored == qint64(records.size());
 }
 
 bool MapCatalogue::deleteRecord(int number) {
@@ -229,10 +278,12 @@ bool MapCatalogue::deleteRecord(int number) {
 }
 
 bool MapCatalogue::applyRulesToAll(const MapRules& rules) {
-    ensureExists();
+    m_error.clear();
     QFile source(dataPath());
-    if (!source.open(QIODevice::ReadOnly))
+    if (m_leftAlone || !ensureExists() || !source.open(QIODevice::ReadOnly)) {
+        m_error = source.errorString();
         return false;
+    }
     QByteArray bytes = source.readAll();
     source.close();
     const qint64 count = qMin<qint64>(bytes.size() / MapRecord::Size, MaxRecords);
@@ -242,28 +293,34 @@ bool MapCatalogue::applyRulesToAll(const MapRules& rules) {
         setRules(record, rules);
         std::memcpy(at, record.bytes(), MapRecord::Size);
     }
-    QSaveFile target(dataPath());
-    if (!target.open(QIODevice::WriteOnly))
-        return false;
-    if (target.write(bytes) != bytes.size()) {
-        target.cancelWriting();
-        return false;
-    }
-    return target.commit();
+    return saveWholeFile(dataPath(), bytes, &m_error);
 }
 
-bool MapCatalogue::backup() const {
-    ensureExists();
-    return replaceFile(dataPath(), backupPath());
+bool MapCatalogue::backup() {
+    m_error.clear();
+    if (m_leftAlone || !ensureExists())
+        return false;
+    return copyWholeFile(dataPath(), backupPath(), &m_error);
 }
 
 void MapCatalogue::CheckMapDataFile(MessageBoxes& messages, const QString& contactAddress) {
     if (!FileExists(dataPath())) {
-        // A catalogue that is there but cannot be read (locked, no rights) is
-        // never replaced: it may hold the operator's own maps.
-        if (FileExists(installedPath()) && !QFileInfo::exists(dataPath())) {
-            replaceFile(installedPath(), dataPath());
-        } else {
+        if (QFileInfo::exists(dataPath())) {
+            // There but unreadable (no rights, a folder of that name): it may
+            // hold the operator's own maps, so it is neither replaced nor
+            // written for the whole run.
+            m_leftAlone = true;
+            messages.tell(QStringLiteral("Warning!"),
+                          QStringLiteral("maps.dat is there but cannot be read:\r\r") +
+                              QDir::toNativeSeparators(dataPath()) + QStringLiteral("\r") +
+                              unreadableReason(dataPath()) +
+                              QStringLiteral("\r\rHalvane leaves it as it is and runs without "
+                                             "maps. Make it readable and start Halvane again to "
+                                             "use its maps."),
+                          MsgIcon::Critical);
+            return;
+        }
+        if (!FileExists(installedPath()) || !copyWholeFile(installedPath(), dataPath())) {
             messages.tell(QStringLiteral("Warning!"),
                           QStringLiteral("Unable to find maps.dat!\r\rThis file contains all of "
                                          "the pre-installed maps, their names,\r\rand default "
@@ -278,8 +335,18 @@ void MapCatalogue::CheckMapDataFile(MessageBoxes& messages, const QString& conta
     // through in first place is what the old damage left behind.
     if (!readRecord(1) || !looksWiped(RecordBuffer) || !FileExists(installedPath()))
         return;
-    backup(); // the damaged file stays at hand as maps.bak
-    replaceFile(installedPath(), dataPath());
+    // The damaged file stays at hand under a name of its own: maps.bak holds
+    // the operator's backup and is not overwritten.
+    QString reason;
+    if (!copyWholeFile(dataPath(), unusedPath(m_folder, QStringLiteral("maps-damaged")), &reason) ||
+        !copyWholeFile(installedPath(), dataPath(), &reason)) {
+        messages.tell(QStringLiteral("Warning!"),
+                      QStringLiteral("maps.dat looks damaged, but it could not be replaced by "
+                                     "instmaps.dat and is left as it is:\r\r") +
+                          reason,
+                      MsgIcon::Critical);
+        return;
+    }
     messages.tell(QStringLiteral("Notice"),
                   QStringLiteral("A bug was found in previous versions of Halvane that has caused "
                                  "\rsome of the maps in your maps in your maps.dat (map data file) "

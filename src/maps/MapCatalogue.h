@@ -6,6 +6,8 @@
 #include <QString>
 #include <vector>
 
+class QFile;
+
 namespace halvane {
 
 class MessageBoxes;
@@ -59,15 +61,18 @@ public:
     qint16 FindMap(const QString& name) const;
     // Reads record n into RecordBuffer.
     bool readRecord(int number);
-    // Stores RecordBuffer as record n; one past the last appends.
+    // Stores RecordBuffer as record n; one past the last appends. A record
+    // the disk takes only in part is put back as it was (or cut off).
     bool writeRecord(int number);
     bool writeRecord(int number, const MapRecord& record);
-    // Appends records in one go; false when the file refused them.
-    bool append(const std::vector<MapRecord>& records);
+    // Appends records in order; false when not all of them could be stored.
+    // The whole records that reached the file stay (their count in appended),
+    // a torn one is cut off.
+    bool append(const std::vector<MapRecord>& records, qsizetype* appended = nullptr);
     // The whole file read once.
     MapSnapshot snapshot() const;
     // Copies maps.dat to maps.bak, replacing an older backup.
-    bool backup() const;
+    bool backup();
     // Blanks both names of record n; the slot keeps its place.
     bool deleteRecord(int number);
     // Gives every record, deleted slots included, these rules; names stay.
@@ -78,9 +83,19 @@ public:
     // missing, and repairs it when its first record is blank.
     void CheckMapDataFile(MessageBoxes& messages, const QString& contactAddress);
 
+    // True when the start-up check found maps.dat there but unreadable: for
+    // the rest of the run the catalogue is empty and the file is never
+    // written, so nothing the operator keeps in it is lost.
+    bool leftAlone() const { return m_leftAlone; }
+    // Why the last write, append, backup or rewrite failed.
+    QString errorString() const { return m_error; }
+
 private:
     bool ensureExists() const;
+    bool openForWriting(QFile& file);
     QString m_folder;
+    bool m_leftAlone = false;
+    QString m_error;
 };
 
 // A new record with the given names and rules.

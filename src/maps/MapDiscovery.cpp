@@ -26,8 +26,9 @@ QStringList filesMatching(const QString& folder, const QString& pattern) {
     if (folder.isEmpty())
         return {};
     // Patterns match without regard to letter case, as the game's own
-    // platform does.
-    return QDir(folder).entryList({pattern}, QDir::Files, QDir::Name | QDir::IgnoreCase);
+    // platform does; a name that begins with a dot is no hidden file there.
+    return QDir(folder).entryList({pattern}, QDir::Files | QDir::Hidden,
+                                  QDir::Name | QDir::IgnoreCase);
 }
 } // namespace
 
@@ -54,10 +55,9 @@ QString MapSearchWindow::status() const {
 
 QStringList looseMapNames(const QString& folder) {
     QStringList names;
-    for (const QString& file : filesMatching(folder, QStringLiteral("*.bsp"))) {
-        if (file.size() > 4)
-            names.append(file.left(file.size() - 4));
-    }
+    // ".bsp" alone names the empty map, which a deleted slot answers for.
+    for (const QString& file : filesMatching(folder, QStringLiteral("*.bsp")))
+        names.append(file.chopped(4));
     return names;
 }
 
@@ -90,10 +90,63 @@ void MapDiscovery::repaint() {
 
 void MapDiscovery::GetMapsFromBaseDir() {
     m_catalogue.DefaultRules = readDefaultRules(m_app.platform.store);
+    m_atStartup = true;
     if (searchAtStartup && searchAtStartup())
         searchArchives();
     if (!findLooseMaps() || !importMapList())
         m_catalogue.CurrentMapRecord = -1;
+    m_atStartup = false;
+    reportCutNames();
+}
+
+std::optional<MapRecord> MapDiscovery::newMap(const QString& name, const MapSnapshot& known,
+                                              const MapRules& rules) const {
+    const MapRecord record = makeMapRecord(name, name, rules);
+    if (known.find(record.get(MapField::FileName)) >= 0)
+        return std::nullopt;
+    return record;
+}
+
+bool MapDiscovery::store(const std::vector<MapRecord>& records, const QStringList& names,
+                         const QString& source) {
+    qsizetype stored = 0;
+    const bool all = m_catalogue.append(records, &stored);
+    for (qsizetype i = 0; i < stored; ++i)
+        noteIfCut(names[i]);
+    if (!all) {
+        m_app.platform.messages.tell(
+            QStringLiteral("Warning"),
+            QStringLiteral("%1 of the %2 new maps found in %3 could not be added to "
+                           "maps.dat:\r\r%4\r\rThey are looked for again at the next start.")
+                .arg(qsizetype(records.size()) - stored)
+                .arg(records.size())
+                .arg(source, m_catalogue.errorString()),
+            MsgIcon::Critical);
+    }
+    return all;
+}
+
+void MapDiscovery::noteIfCut(const QString& name) {
+    const int width = MapRecord::Fields[size_t(MapField::FileName)].width;
+    if (trimSpaces(name.left(width)) != trimSpaces(name))
+        m_cutNames.append(name);
+}
+
+void MapDiscovery::reportCutNames() {
+    if (m_cutNames.isEmpty())
+        return;
+    QStringList shown = m_cutNames.mid(0, 10);
+    if (m_cutNames.size() > shown.size())
+        shown.append(QStringLiteral("and %1 more").arg(m_cutNames.size() - shown.size()));
+    m_cutNames.clear();
+    m_app.platform.messages.tell(
+        QStringLiteral("Map Names Cut"),
+        QStringLiteral("maps.dat keeps 20 characters of a map's file name, so these maps were "
+                       "added under their first 20:\r\r") +
+            shown.join(QLatin1Char('\r')) +
+            QStringLiteral("\r\rThe game loads a map by its whole name: to play one of them, "
+                           "give its .bsp file a name of at most 20 characters."),
+        MsgIcon::Information);
 }
 
 bool MapDiscovery::findLooseMaps() {
@@ -104,14 +157,15 @@ bool MapDiscovery::findLooseMaps() {
         return true;
     MapSnapshot known = m_catalogue.snapshot();
     std::vector<MapRecord> added;
+    QStringList addedNames;
     for (const QString& name : names) {
-        if (known.find(name) >= 0)
-            continue;
-        const MapRecord record = makeMapRecord(name, name, m_catalogue.DefaultRules);
-        known.appended(record);
-        added.push_back(record);
+        if (const auto record = newMap(name, known, m_catalogue.DefaultRules)) {
+            known.appended(*record);
+            added.push_back(*record);
+            addedNames.append(name);
+        }
     }
-    return m_catalogue.append(added);
+    return store(added, addedNames, QStringLiteral("baseq3\\maps"));
 }
 
 bool MapDiscovery::importMapList() {
@@ -122,20 +176,28 @@ bool MapDiscovery::importMapList() {
     if (!file.open(QIODevice::ReadOnly))
         return false;
     const QStringList lines = splitTextLines(file.readAll());
+    if (file.error() != QFileDevice::NoError)
+        return false;
     file.close();
     MapSnapshot known = m_catalogue.snapshot();
     std::vector<MapRecord> added;
+    QStringList addedNames;
     for (const QString& line : lines) {
-        if (!isMapListEntry(line) || known.find(line) >= 0)
+        if (!isMapListEntry(line))
             continue;
-        const MapRecord record = makeMapRecord(line, line, importedRules());
-        known.appended(record);
-        added.push_back(record);
+        if (const auto record = newMap(line, known, importedRules())) {
+            known.appended(*record);
+            added.push_back(*record);
+            addedNames.append(line);
+        }
     }
-    const bool stored = m_catalogue.append(added);
-    // Read once: the list goes whether or not it added anything.
+    // Read once and gone, whether or not it added anything; but while some
+    // of its maps could not be stored it stays for the next start (those
+    // stored are found then and not added twice).
+    if (!store(added, addedNames, QStringLiteral("maplist.txt")))
+        return false;
     QFile::remove(path);
-    return stored;
+    return true;
 }
 
 void MapDiscovery::listArchives() {
@@ -179,16 +241,18 @@ void MapDiscovery::searchArchives() {
 
     MapSnapshot known = m_catalogue.snapshot();
     for (const QString& entry : std::as_const(pakMaps)) {
-        const QString name = entry.left(qMax<qsizetype>(0, entry.size() - 4));
-        if (name.isEmpty())
-            continue; // a member named "bsp" alone names no map
-        if (known.find(name) >= 0) {
-            m_window->setStatus(QStringLiteral("Skipping: ") + name);
-        } else {
-            const MapRecord record = makeMapRecord(name, name, m_catalogue.DefaultRules);
-            if (m_catalogue.append({record}))
-                known.appended(record);
+        if (entry.size() < 4)
+            continue; // a member named "bsp" alone has no name to take
+        // "xbsp" names the empty map, which a deleted slot answers for.
+        const QString name = entry.chopped(4);
+        if (const auto record = newMap(name, known, m_catalogue.DefaultRules)) {
+            if (m_catalogue.append({*record})) {
+                known.appended(*record);
+                noteIfCut(name);
+            }
             m_window->setStatus(QStringLiteral("Adding: ") + name);
+        } else {
+            m_window->setStatus(QStringLiteral("Skipping: ") + name);
         }
         pause();
     }
@@ -202,6 +266,8 @@ void MapDiscovery::searchArchives() {
         LoadMaps();
     m_app.platform.desktop.setBusy(false);
     m_searching = false;
+    if (!m_atStartup)
+        reportCutNames();
 }
 
 } // namespace halvane

@@ -1,9 +1,13 @@
 #pragma once
 
+#include "maps/MapCatalogue.h"
+
 #include <QDialog>
 #include <QStringList>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <vector>
 
 namespace Ui {
 class frmMapSearch;
@@ -12,7 +16,6 @@ class frmMapSearch;
 namespace halvane {
 
 struct AppContext;
-class MapCatalogue;
 
 // The progress window of the archive search.
 class MapSearchWindow : public QDialog {
@@ -63,11 +66,23 @@ private:
     bool importMapList();
     void listArchives();
     void repaint();
+    // A found map's record with the default rules, or nothing when the
+    // catalogue knows its name as the record would store it (cut to 20).
+    std::optional<MapRecord> newMap(const QString& name, const MapSnapshot& known,
+                                    const MapRules& rules) const;
+    // Appends what one step found; says what could not be stored.
+    bool store(const std::vector<MapRecord>& records, const QStringList& names,
+               const QString& source);
+    // Tells once about the names that were cut to fit the record.
+    void noteIfCut(const QString& name);
+    void reportCutNames();
 
     MapCatalogue& m_catalogue;
     AppContext& m_app;
     std::unique_ptr<MapSearchWindow> m_window;
     bool m_searching = false;
+    bool m_atStartup = false;
+    QStringList m_cutNames;
 };
 
 // The .bsp files of a folder, by name, without their extension.

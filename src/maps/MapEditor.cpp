@@ -140,9 +140,11 @@ void MapEditor::UpdateMap() {
     }
     const int index = ui->lblIndexNum->text().toInt();
     if (index >= 0 && index < main.MapList->count()) {
+        // The entry takes its new name where it stands, and stays current and
+        // highlighted, so later commits and deletes still act on this map.
         const QSignalBlocker blocker(main.MapList);
-        delete main.MapList->takeItem(index);
-        main.MapList->insertItem(index, file);
+        main.MapList->item(index)->setText(file);
+        main.MapList->setCurrentRow(index, QItemSelectionModel::ClearAndSelect);
     }
     main.MapList->setFocus();
     close();

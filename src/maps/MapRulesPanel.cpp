@@ -46,9 +46,13 @@ MapRules MapRulesPanel::shownRules() const {
 void MapRulesPanel::CommitShownMap() {
     if (m_catalogue.CurrentMapRecord <= 0 || trimSpaces(ui.lblMap->text()).isEmpty())
         return;
+    writeShownMap();
+}
+
+bool MapRulesPanel::writeShownMap() {
     m_catalogue.RecordBuffer =
         makeMapRecord(ui.lblMap->text(), trimSpaces(ui.lblMapFilename->text()), shownRules());
-    m_catalogue.writeRecord(m_catalogue.CurrentMapRecord);
+    return m_catalogue.writeRecord(m_catalogue.CurrentMapRecord);
 }
 
 void MapRulesPanel::cmdDefault() {

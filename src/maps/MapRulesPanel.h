@@ -21,6 +21,9 @@ public:
     // Writes the boxes back into record CurrentMapRecord, unless no record is
     // shown or the display name was blanked.
     void CommitShownMap();
+    // The write itself: the boxes into record CurrentMapRecord, whatever the
+    // name box holds. False when the record could not be written.
+    bool writeShownMap();
     // The shown values as rules.
     MapRules shownRules() const;
     // "Use Settings as Default": the shown rules become the defaults and the

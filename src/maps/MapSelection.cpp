@@ -8,6 +8,7 @@
 #include "ui_frmMain.h"
 
 #include <QMenu>
+#include <QMouseEvent>
 #include <chrono>
 #include <random>
 
@@ -49,11 +50,35 @@ MapSelection::MapSelection(Ui::frmMain& ui, MapCatalogue& catalogue, AppContext&
     connect(ui.mnuMapsSelectAll, &QAction::triggered, this, &MapSelection::cmdMapSelectAll);
 
     openPopup = [this](const QPoint& at) { this->ui.mnuMapList->popup(at); };
+    ui.MapList->viewport()->installEventFilter(this);
     ui.MapList->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(ui.MapList, &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
         prepareMapListMenu();
         openPopup(this->ui.MapList->viewport()->mapToGlobal(at));
     });
+}
+
+bool MapSelection::eventFilter(QObject* watched, QEvent* event) {
+    // The list would highlight the entry under a right click and make it
+    // current, which shows that map; the menu acts on the maps highlighted
+    // before the click, so the button only opens the menu.
+    if (watched == ui.MapList->viewport()) {
+        switch (event->type()) {
+        case QEvent::MouseButtonPress:
+        case QEvent::MouseButtonRelease:
+        case QEvent::MouseButtonDblClick:
+            if (static_cast<QMouseEvent*>(event)->button() == Qt::RightButton)
+                return true;
+            break;
+        case QEvent::MouseMove:
+            if (static_cast<QMouseEvent*>(event)->buttons() == Qt::RightButton)
+                return true;
+            break;
+        default:
+            break;
+        }
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 QString MapSelection::selectionFilePath() const {

@@ -60,6 +60,10 @@ public:
     // Runs before the popup menu opens; tests replace the opening itself.
     std::function<void(const QPoint& globalPosition)> openPopup;
 
+protected:
+    // Keeps the right mouse button off MapList's highlight and current entry.
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
 private:
     void mapListChosen(int row);
     void selMapChosen(int row);

@@ -1,26 +1,19 @@
 #include "maps/MapSelectionFile.h"
 
 #include "maps/MapCatalogue.h"
+#include "platform/WholeFile.h"
 
 #include <QFile>
-#include <QSaveFile>
 
 namespace halvane {
 
-bool writeMapSelection(const QString& path, const QStringList& entries) {
+bool writeMapSelection(const QString& path, const QStringList& entries, QString* reason) {
     QByteArray bytes;
     for (const QString& entry : entries) {
         bytes += entry.toLatin1();
         bytes += "\r\n";
     }
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    if (file.write(bytes) != bytes.size()) {
-        file.cancelWriting();
-        return false;
-    }
-    return file.commit();
+    return saveWholeFile(path, bytes, reason);
 }
 
 QStringList splitTextLines(const QByteArray& bytes) {

@@ -6,8 +6,9 @@ namespace halvane {
 
 class MapSnapshot;
 
-// mapsel.txt: the selected maps, one per line, CR LF, single-byte text.
-bool writeMapSelection(const QString& path, const QStringList& entries);
+// mapsel.txt: the selected maps, one per line, CR LF, single-byte text. The
+// file is replaced only once it is written whole; reason says why not.
+bool writeMapSelection(const QString& path, const QStringList& entries, QString* reason = nullptr);
 
 struct MapSelectionRead {
     bool ok = true;      // false when the file could not be read

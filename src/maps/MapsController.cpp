@@ -59,13 +59,24 @@ void MapsController::CommitShownMap() {
 }
 
 void MapsController::commitOnClose() {
-    if (ui.MapList->currentRow() > 0 && m_catalogue.CurrentMapRecord >= 1 &&
-        !m_catalogue.MapDataDamaged)
-        m_rules->CommitShownMap();
+    // The first map of either list is as much the shown map as any other, and
+    // a blank name box, which only holds back the commit of a map choice,
+    // keeps no edit from the file here.
+    const QString file = trimSpaces(ui.lblMapFilename->text());
+    if (m_catalogue.CurrentMapRecord < 1 || m_catalogue.MapDataDamaged || file.isEmpty())
+        return;
+    if (!m_rules->writeShownMap()) {
+        m_app.platform.messages.tell(QStringLiteral("Warning"),
+                                     QStringLiteral("The rules shown for ") + file +
+                                         QStringLiteral(" could not be written to maps.dat:\r\r") +
+                                         m_catalogue.errorString(),
+                                     MsgIcon::Critical);
+    }
 }
 
 void MapsController::SaveMaps() {
-    m_selection->SaveMaps();
+    if (!m_catalogue.leftAlone())
+        m_selection->SaveMaps();
 }
 
 QStringList MapsController::selectedMaps() const {

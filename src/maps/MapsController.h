@@ -39,9 +39,11 @@ public:
 
     // Writes the shown map's rules back into its record (map choice, launch).
     void CommitShownMap();
-    // Shut-down: the write-back, when an entry of MapList after the first is
-    // current, a record is shown and the catalogue was not found damaged.
+    // Shut-down: the write-back, whenever a record is shown and the catalogue
+    // was not found damaged; a failure is reported.
     void commitOnClose();
+    // Writes mapsel.txt, unless the catalogue could not be read this run:
+    // then no map was listed and the stored selection stays as it is.
     void SaveMaps();
 
     // The selected maps in play order, each to be looked up with FindMap.

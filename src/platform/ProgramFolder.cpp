@@ -30,35 +30,43 @@ bool FileExists(const QString& path) {
     return file.open(QIODevice::ReadOnly);
 }
 
+namespace {
+// The first existing path below folder that spells parts[from...] in any
+// letter case, or an empty text. The exact spelling of a name is tried
+// first, then every other: "Maps" and "maps" may both exist, each holding
+// other files.
+QString findBelow(const QString& folder, const QStringList& parts, qsizetype from) {
+    if (from == parts.size())
+        return folder;
+    const QDir dir(folder);
+    const QString& part = parts[from];
+    if (QFileInfo::exists(dir.filePath(part))) {
+        const QString found = findBelow(dir.filePath(part), parts, from + 1);
+        if (!found.isEmpty())
+            return found;
+    }
+    const QStringList entries =
+        dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    for (const QString& entry : entries) {
+        if (entry == part || entry.compare(part, Qt::CaseInsensitive) != 0)
+            continue;
+        const QString found = findBelow(dir.filePath(entry), parts, from + 1);
+        if (!found.isEmpty())
+            return found;
+    }
+    return QString();
+}
+} // namespace
+
 QString findIgnoringCase(const QString& base, const QString& relative) {
     const QString plain = QDir::cleanPath(base + QLatin1Char('/') + relative);
     if (QFileInfo::exists(plain))
         return plain;
-    QString current = base;
     const QStringList parts = QString(relative)
                                   .replace(QLatin1Char('\\'), QLatin1Char('/'))
                                   .split(QLatin1Char('/'), Qt::SkipEmptyParts);
-    for (const QString& part : parts) {
-        const QDir dir(current);
-        const QString exact = dir.filePath(part);
-        if (QFileInfo::exists(exact)) {
-            current = exact;
-            continue;
-        }
-        bool found = false;
-        const QStringList entries =
-            dir.entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
-        for (const QString& entry : entries) {
-            if (entry.compare(part, Qt::CaseInsensitive) == 0) {
-                current = dir.filePath(entry);
-                found = true;
-                break;
-            }
-        }
-        if (!found)
-            return plain;
-    }
-    return current;
+    const QString found = findBelow(base, parts, 0);
+    return found.isEmpty() ? plain : found;
 }
 
 } // namespace halvane

@@ -3,12 +3,12 @@
 #include "maps/ArchiveListing.h"
 #include "maps/MapSelectionFile.h"
 #include "platform/SettingsStore.h"
+#include "platform/WholeFile.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QRegularExpression>
-#include <QSaveFile>
 #include <QStandardPaths>
 #include <algorithm>
 
@@ -37,7 +37,8 @@ FirstRunResult failed(const QString& message) {
 
 } // namespace
 
-QStringList offerFreeGameMaps(const QStringList& archives, const QString& programFolder) {
+QStringList offerFreeGameMaps(const QStringList& archives, const QString& programFolder,
+                              QString* failure) {
     QStringList maps;
     for (const QString& archive : archives) {
         // An unreadable archive only means fewer maps on offer.
@@ -54,8 +55,9 @@ QStringList offerFreeGameMaps(const QStringList& archives, const QString& progra
         return maps;
     // Both files share one format: a name per line.
     const QString maplist = programFolder + QStringLiteral("/maplist.txt");
-    if (!QFileInfo::exists(maplist))
-        writeMapSelection(maplist, maps);
+    QString reason;
+    if (!QFileInfo::exists(maplist) && !writeMapSelection(maplist, maps, &reason) && failure)
+        *failure = QStringLiteral("cannot write ") + maplist + QStringLiteral(": ") + reason;
 
     const QString mapsel = programFolder + QStringLiteral("/mapsel.txt");
     if (!QFileInfo::exists(mapsel)) {
@@ -64,7 +66,8 @@ QStringList offerFreeGameMaps(const QStringList& archives, const QString& progra
             return a.mid(5).toInt() < b.mid(5).toInt();
         });
         const QStringList rotation = deathmatch.isEmpty() ? maps : deathmatch;
-        writeMapSelection(mapsel, rotation.mid(0, 3));
+        if (!writeMapSelection(mapsel, rotation.mid(0, 3), &reason) && failure)
+            *failure = QStringLiteral("cannot write ") + mapsel + QStringLiteral(": ") + reason;
     }
     return maps;
 }
@@ -115,14 +118,13 @@ FirstRunResult prepareFirstRun(SettingsStore& store, const QString& folder,
     if (!linkInto(sources.gameLibrary, baseoa))
         return failed(QStringLiteral("Cannot link the game code into ") + baseoa);
 
-    QSaveFile script(folder + QLatin1Char('/') + ExeName);
-    if (!script.open(QIODevice::WriteOnly) ||
-        script.write(freeGameScript(folder, sources.engine)) < 0 || !script.commit())
-        return failed(QStringLiteral("Cannot write ") + script.fileName());
-    QFile::setPermissions(script.fileName(), QFile::ReadOwner | QFile::WriteOwner |
-                                                 QFile::ExeOwner | QFile::ReadGroup |
-                                                 QFile::ExeGroup | QFile::ReadOther |
-                                                 QFile::ExeOther);
+    const QString script = folder + QLatin1Char('/') + ExeName;
+    QString reason;
+    if (!saveWholeFile(script, freeGameScript(folder, sources.engine), &reason))
+        return failed(QStringLiteral("Cannot write ") + script + QStringLiteral(": ") + reason);
+    QFile::setPermissions(script, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner |
+                                      QFile::ReadGroup | QFile::ExeGroup | QFile::ReadOther |
+                                      QFile::ExeOther);
 
     if (!store.write(QStringLiteral("Settings"), QStringLiteral("Path"), folder) ||
         !store.write(QStringLiteral("Settings"), QStringLiteral("Exe"), ExeName) || !store.flush())
@@ -137,7 +139,11 @@ FirstRunResult prepareFirstRun(SettingsStore& store, const QString& folder,
         QStringList paths;
         for (const QString& archive : archives)
             paths.append(baseoa + QLatin1Char('/') + archive);
-        offerFreeGameMaps(paths, programFolder);
+        QString failure;
+        offerFreeGameMaps(paths, programFolder, &failure);
+        if (!failure.isEmpty())
+            return failed(QStringLiteral("Prepared the free game in ") + folder +
+                          QStringLiteral(", but ") + failure);
     }
     return {FirstRunResult::Prepared, QStringLiteral("Prepared the free game in ") + folder};
 }

@@ -32,7 +32,8 @@ QByteArray freeGameScript(const QString& folder, const QString& engine);
 // free game (baseoa/ with links to its archives and game code, an empty
 // baseq3/, the executable quake3.exe) and stores it as the game location.
 // A stored location is never touched. With a program folder, the free game's
-// maps are offered there too (see offerFreeGameMaps).
+// maps are offered there too (see offerFreeGameMaps); when that file cannot
+// be written the answer is Failed and says why, the location stays stored.
 FirstRunResult prepareFirstRun(SettingsStore& store, const QString& folder,
                                const FreeGameSources& sources = {},
                                const QString& programFolder = {});
@@ -41,7 +42,9 @@ FirstRunResult prepareFirstRun(SettingsStore& store, const QString& folder,
 // So that a first launch plays at once, names every map of the archives in
 // the import list maplist.txt and picks the first three deathmatch maps as
 // the rotation in mapsel.txt, each written only when that file is missing.
-// Returns the map names found.
-QStringList offerFreeGameMaps(const QStringList& archives, const QString& programFolder);
+// Returns the map names found; failure, when given, says which file could
+// not be written and why.
+QStringList offerFreeGameMaps(const QStringList& archives, const QString& programFolder,
+                              QString* failure = nullptr);
 
 } // namespace halvane

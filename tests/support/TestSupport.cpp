@@ -58,6 +58,20 @@ QString TestPlatform::writeFile(const QString& path, const QByteArray& content) 
     return path;
 }
 
+FreeGameSources fakeFreeGame(TestPlatform& platform) {
+    FreeGameSources paths;
+    const QString usr = platform.root() + "/usr";
+    paths.engine = platform.writeFile(usr + "/lib/ioquake3/ioq3ded", "#!/bin/sh\n");
+    QFile::setPermissions(paths.engine, QFile::ReadOwner | QFile::ExeOwner);
+    paths.dataFolder = usr + "/share/baseoa";
+    makeArchive(paths.dataFolder + "/pak0.pk3",
+                {"maps/oa_dm10.bsp", "levelshots/oa_dm10.jpg", "maps/oa_dm2.bsp"});
+    makeArchive(paths.dataFolder + "/pak1-maps.pk3",
+                {"maps/oa_ctf4ish.bsp", "maps/oa_dm1.bsp", "maps/oa_dm2.bsp", "maps/oa_dm3.BSP"});
+    paths.gameLibrary = platform.writeFile(usr + "/lib/openarena-server/qagamex86_64.so", "ELF");
+    return paths;
+}
+
 QByteArray readAll(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))

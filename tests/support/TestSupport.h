@@ -3,6 +3,7 @@
 #include "app/AppContext.h"
 #include "platform/FakePlatform.h"
 #include "platform/QtPlatform.h"
+#include "ui/FirstRun.h"
 
 #include <QByteArray>
 #include <QStringList>
@@ -69,6 +70,9 @@ private:
 };
 
 QByteArray readAll(const QString& path);
+
+// The free game as Debian installs it, below the test's folder.
+FreeGameSources fakeFreeGame(TestPlatform& platform);
 
 // Compares two byte strings line by line and says where they first differ.
 QString firstDifference(const QByteArray& actual, const QByteArray& expected);

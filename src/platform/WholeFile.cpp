@@ -1,0 +1,39 @@
+#include "platform/WholeFile.h"
+
+#include <QFile>
+#include <QSaveFile>
+
+namespace halvane {
+
+bool saveWholeFile(const QString& path, const QByteArray& bytes, QString* reason) {
+    QSaveFile file(path);
+    // Qt 6.4's commit() ignores a failure of its own final flush and renames
+    // the short file over the old one; so every byte is flushed and checked
+    // here first.
+    const bool saved = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
+                       file.flush() && file.commit();
+    if (!saved) {
+        if (reason)
+            *reason = file.errorString();
+        file.cancelWriting();
+    }
+    return saved;
+}
+
+bool copyWholeFile(const QString& from, const QString& to, QString* reason) {
+    QFile source(from);
+    if (!source.open(QIODevice::ReadOnly)) {
+        if (reason)
+            *reason = source.errorString();
+        return false;
+    }
+    const QByteArray bytes = source.readAll();
+    if (source.error() != QFileDevice::NoError) {
+        if (reason)
+            *reason = source.errorString();
+        return false;
+    }
+    return saveWholeFile(to, bytes, reason);
+}
+
+} // namespace halvane
