@@ -54,6 +54,7 @@ void fill(QComboBox* combo, const QStringList& entries) {
 } // namespace
 
 MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::frmMain>()) {
+    speakSelectorsByName();
     ui->setupUi(this);
     m_interlocks = std::make_unique<OptionInterlocks>(*ui, m_app);
     m_statusPanel =
