@@ -42,7 +42,9 @@ class MapCatalogue {
 public:
     static constexpr int MaxRecords = 32766;
 
-    explicit MapCatalogue(QString programFolder);
+    // The installed catalogue instmaps.dat lies in installedFolder, by
+    // default the program's folder.
+    explicit MapCatalogue(QString programFolder, QString installedFolder = {});
 
     MapRecord RecordBuffer;
     qint16 CurrentMapRecord = 0;
@@ -81,6 +83,7 @@ public:
 private:
     bool ensureExists() const;
     QString m_folder;
+    QString m_installedFolder;
 };
 
 // A new record with the given names and rules.
