@@ -140,37 +140,30 @@ void DesktopTest::firstRunKeepsTheOperatorsRotation() {
 }
 
 void DesktopTest::programFolderOfEveryInstall_data() {
-    QTest::addColumn<QString>("executable"); // folders below the test's folder
-    QTest::addColumn<QString>("delivered");
-    QTest::addColumn<QString>("systemData"); // the data folders all users share
+    // Below the test's folder: the executable's folder, the delivered
+    // files' folder, and the data folders all users share (or none).
+    QTest::addColumn<QStringList>("folders");
     QTest::addColumn<bool>("readOnly");
     QTest::addColumn<bool>("perUser");
-    QTest::newRow("build or folder install") << "/hv"
-                                             << "/hv"
-                                             << "" << false << false;
-    QTest::newRow("read-only folder") << "/hv"
-                                      << "/hv"
-                                      << "" << true << true;
-    QTest::newRow("own prefix") << "/hv/bin"
-                                << "/hv/share/halvane"
-                                << "" << false << false;
-    QTest::newRow("system prefix") << "/usr/bin"
-                                   << "/usr/share/halvane"
-                                   << "/usr/share" << false << true;
+    QTest::newRow("build or folder install") << QStringList{"/hv", "/hv", ""} << false << false;
+    QTest::newRow("read-only folder") << QStringList{"/hv", "/hv", ""} << true << true;
+    QTest::newRow("own prefix") << QStringList{"/hv/bin", "/hv/share/halvane", ""} << false
+                                << false;
+    QTest::newRow("system prefix")
+        << QStringList{"/usr/bin", "/usr/share/halvane", "/usr/share"} << false << true;
 }
 
 // The first start fills the user's folder from the installed files, the
 // operator's edits land there, and the next start reads them; an install the
 // user can write to keeps everything as it always did.
 void DesktopTest::programFolderOfEveryInstall() {
-    QFETCH(QString, executable);
-    QFETCH(QString, delivered);
-    QFETCH(QString, systemData);
+    QFETCH(QStringList, folders);
     QFETCH(bool, readOnly);
     QFETCH(bool, perUser);
     TestPlatform platform;
     platform.makeGameFolder();
     const QString root = platform.root(), user = root + "/user/program";
+    const QString &executable = folders[0], &delivered = folders[1], &systemData = folders[2];
     const QByteArray catalogue = catalogueOf({"q3dm1", "q3dm17"});
     platform.writeFile(root + delivered + "/instmaps.dat", catalogue);
     platform.writeFile(root + delivered + "/botlist.txt", "Grunt\r\n");
