@@ -23,8 +23,10 @@ int prepareFirstRunOnly(int argc, char* argv[]) {
     QCoreApplication application(argc, argv);
     nameApplication();
     QtSettingsStore store;
+    const ProgramFolder folder =
+        locateProgramFolder(QCoreApplication::applicationDirPath(), userProgramFolder());
     const FirstRunResult result =
-        prepareFirstRun(store, defaultFreeGameFolder(), {}, QCoreApplication::applicationDirPath());
+        prepareFirstRun(store, defaultFreeGameFolder(), {}, folder.path());
     std::fprintf(stderr, "halvane: %s\n", qPrintable(result.message));
     return result.outcome == FirstRunResult::Failed ? 1 : 0;
 }
@@ -45,8 +47,9 @@ int main(int argc, char* argv[]) {
     QtShell shell;
     QtDesktop desktop;
     QtSettingsStore store;
-    ProgramFolder folder(QCoreApplication::applicationDirPath());
-    QApplication::setWindowIcon(QIcon(folder.file(QStringLiteral("halvane.png"))));
+    ProgramFolder folder =
+        locateProgramFolder(QCoreApplication::applicationDirPath(), userProgramFolder());
+    QApplication::setWindowIcon(QIcon(folder.installedFile(QStringLiteral("halvane.png"))));
     AppContext app{{messages, dialogs, processes, shell, desktop, store, folder}, {}};
 
     MainWindow window(app);

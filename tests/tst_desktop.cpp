@@ -1,10 +1,12 @@
-// A first run points Halvane at the free game, if Debian has it installed.
+// A first run points Halvane at the free game, if Debian has it installed;
+// the program keeps its files where its user can write them.
 #include "TestSupport.h"
 
 #include "ui/FirstRun.h"
 #include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 
+#include <QProcess>
 #include <QtTest>
 
 using namespace halvane;
@@ -13,6 +15,27 @@ using namespace halvane::test;
 namespace {
 
 const QByteArray OfferedMaps = "oa_dm10\r\noa_dm2\r\noa_ctf4ish\r\noa_dm1\r\n";
+
+// A folder its user cannot write to while this lives: by its permissions, and
+// for root, whom they do not stop, by a read-only mount of it over itself.
+struct ReadOnlyFolder {
+    QString path;
+    bool mounted = false;
+    explicit ReadOnlyFolder(const QString& folder) : path(folder) {
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::ExeOwner);
+        if (!holds())
+            mounted = QProcess::execute("mount", {"--bind", "-o", "ro", path, path}) == 0;
+    }
+    ~ReadOnlyFolder() {
+        if (mounted)
+            QProcess::execute("umount", {path});
+        QFile::setPermissions(path, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    }
+    bool holds() const {
+        QFile probe(path + "/probe");
+        return !probe.open(QIODevice::WriteOnly) || !probe.remove();
+    }
+};
 
 } // namespace
 
@@ -23,6 +46,8 @@ private slots:
     void firstRunStoresNothing_data();
     void firstRunStoresNothing();
     void firstRunKeepsTheOperatorsRotation();
+    void programFolderOfEveryInstall_data();
+    void programFolderOfEveryInstall();
 };
 
 void DesktopTest::firstRunPreparesTheFreeGame() {
@@ -97,6 +122,71 @@ void DesktopTest::firstRunKeepsTheOperatorsRotation() {
                     platform.programFolder());
     QCOMPARE(readAll(platform.programFolder() + "/mapsel.txt"), QByteArray("q3dm17\r\n"));
     QCOMPARE(readAll(platform.programFolder() + "/maplist.txt"), OfferedMaps);
+}
+
+void DesktopTest::programFolderOfEveryInstall_data() {
+    // Below the test's folder: the executable's folder, the delivered
+    // files' folder, and the data folders all users share (or none).
+    QTest::addColumn<QStringList>("folders");
+    QTest::addColumn<bool>("readOnly");
+    QTest::addColumn<bool>("perUser");
+    QTest::newRow("build or folder install") << QStringList{"/hv", "/hv", ""} << false << false;
+    QTest::newRow("read-only folder") << QStringList{"/hv", "/hv", ""} << true << true;
+    QTest::newRow("own prefix") << QStringList{"/hv/bin", "/hv/share/halvane", ""} << false
+                                << false;
+    QTest::newRow("system prefix")
+        << QStringList{"/usr/bin", "/usr/share/halvane", "/usr/share"} << false << true;
+}
+
+// The first start fills the user's folder from the installed files, the
+// operator's edits land there, and the next start reads them; an install the
+// user can write to keeps everything as it always did.
+void DesktopTest::programFolderOfEveryInstall() {
+    QFETCH(QStringList, folders);
+    QFETCH(bool, readOnly);
+    QFETCH(bool, perUser);
+    TestPlatform platform;
+    platform.makeGameFolder();
+    const QString root = platform.root(), user = root + "/user/program";
+    const QString &executable = folders[0], &delivered = folders[1], &systemData = folders[2];
+    const QByteArray catalogue = catalogueOf({"q3dm1", "q3dm17"});
+    platform.writeFile(root + delivered + "/instmaps.dat", catalogue);
+    platform.writeFile(root + delivered + "/botlist.txt", "Grunt\r\n");
+    QDir().mkpath(root + executable);
+    const QByteArray shared = qgetenv("XDG_DATA_DIRS");
+    qputenv("XDG_DATA_DIRS", (systemData.isEmpty() ? shared : (root + systemData).toUtf8()));
+    const auto restore = qScopeGuard([&] { qputenv("XDG_DATA_DIRS", shared); });
+    std::optional<ReadOnlyFolder> locked;
+    if (readOnly && !locked.emplace(root + delivered).holds())
+        QSKIP("No read-only folder can be made here");
+
+    const QString program = perUser ? user : root + delivered;
+    for (const bool firstStart : {true, false}) {
+        *platform.folder =
+            locateProgramFolder(root + executable, user, platform.folder->stateFolder());
+        QCOMPARE(platform.folder->path(), program);
+        QCOMPARE(platform.folder->installed(), root + delivered);
+        MainWindow window(*platform.app);
+        window.start();
+        QVERIFY(platform.messages.shown.isEmpty());
+        if (firstStart) {
+            QCOMPARE(readAll(program + "/maps.dat"), catalogue);
+            QCOMPARE(readAll(program + "/botlist.txt"), QByteArray("Grunt\r\n"));
+            window.form().MapList->clearSelection();
+            window.form().MapList->item(1)->setSelected(true);
+            window.form().cmdAddSelMap->click();
+            platform.writeFile(program + "/botlist.txt", "Orbb\r\n");
+        } else {
+            QCOMPARE(window.form().SelMap->item(0)->text(), QStringLiteral("q3dm17"));
+            QCOMPARE(window.form().BotList->item(0)->text(), QStringLiteral("Orbb"));
+        }
+        window.close();
+        platform.reopenStore();
+    }
+    QCOMPARE(readAll(program + "/mapsel.txt"), QByteArray("q3dm17\r\n"));
+    QCOMPARE(QFileInfo::exists(user), perUser);
+    if (perUser) // nothing written into the install
+        QCOMPARE(readAll(root + delivered + "/botlist.txt"), QByteArray("Grunt\r\n"));
 }
 
 QTEST_MAIN(DesktopTest)

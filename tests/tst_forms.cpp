@@ -1,31 +1,27 @@
 // Checks the Designer forms of the program's windows: every control the code and the tips
-// refer to exists with the right class and caption, the menus carry their captions and
-// shortcut keys, and the main window fits the heights the status panel works with.
+// refer to exists with the right class and caption, a screen reader can name and reach every
+// control, and the main window fits the heights the status panel works with.
 
+#include "TestSupport.h"
+#include "server/ServerControl.h"
+#include "server/ServerWindow.h"
+#include "ui/MainWindow.h"
+#include "ui/SecretWindow.h"
 #include "ui_frmMain.h"
-#include "ui_frmMap.h"
-#include "ui_frmMapSearch.h"
-#include "ui_frmPath.h"
-#include "ui_frmSecret.h"
 
 #include <QAbstractButton>
-#include <QAction>
+#include <QAccessible>
 #include <QApplication>
 #include <QComboBox>
 #include <QDialog>
-#include <QGroupBox>
-#include <QKeySequence>
+#include <QFormLayout>
+#include <QGridLayout>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
 #include <QMainWindow>
-#include <QMenu>
 #include <QMenuBar>
-#include <QPushButton>
-#include <QRadioButton>
 #include <QScopedPointer>
-#include <QStackedWidget>
-#include <QStatusBar>
 #include <QTabWidget>
 #include <QtTest>
 
@@ -50,6 +46,59 @@ QList<QWidget*> namedControls(QWidget* root) {
     return result;
 }
 
+// The controls of a tab or window that take the focus, as a screen reader meets them: not
+// the parts of Qt's own widgets, nor the lists the program keeps hidden. A window is met
+// itself too: its title is spoken when it opens.
+QList<QWidget*> focusable(QWidget* root) {
+    QList<QWidget*> result;
+    if (root->isWindow())
+        result.append(root);
+    for (QWidget* w : root->findChildren<QWidget*>()) {
+        bool skip = w->window() != root->window() || w->focusProxy() ||
+                    !(w->focusPolicy() & Qt::TabFocus) ||
+                    (w->isHidden() && w->testAttribute(Qt::WA_WState_ExplicitShowHide));
+        for (QWidget* up = w; up != root && !skip; up = up->parentWidget())
+            skip =
+                up->objectName().startsWith(QLatin1String("qt_")) || qobject_cast<QTabWidget*>(up);
+        if (!skip)
+            result.append(w);
+    }
+    return result;
+}
+
+// Widgets in the order their layouts place them: box layouts item by item, grids and
+// forms row by row.
+void readingOrder(QWidget* w, QList<QWidget*>& order);
+void readingOrder(QLayout* layout, QList<QWidget*>& order) {
+    std::vector<std::tuple<int, int, QLayoutItem*>> items;
+    for (int i = 0; i < layout->count(); ++i) {
+        int row = i, column = 0, span = 0;
+        QFormLayout::ItemRole role = QFormLayout::LabelRole;
+        if (auto* grid = qobject_cast<QGridLayout*>(layout))
+            grid->getItemPosition(i, &row, &column, &span, &span);
+        else if (auto* form = qobject_cast<QFormLayout*>(layout))
+            form->getItemPosition(i, &row, &role), column = role;
+        items.emplace_back(row, column, layout->itemAt(i));
+    }
+    std::stable_sort(items.begin(), items.end(), [](const auto& a, const auto& b) {
+        return std::pair(std::get<0>(a), std::get<1>(a)) <
+               std::pair(std::get<0>(b), std::get<1>(b));
+    });
+    for (const auto& [row, column, item] : items) {
+        if (item->widget())
+            readingOrder(item->widget(), order);
+        else if (item->layout())
+            readingOrder(item->layout(), order);
+    }
+}
+void readingOrder(QWidget* w, QList<QWidget*>& order) {
+    order.append(w);
+    if (w->layout())
+        return readingOrder(w->layout(), order);
+    for (QWidget* child : w->findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
+        readingOrder(child, order);
+}
+
 QRect rectIn(const QWidget* w, const QWidget* ancestor) {
     return QRect(w->mapTo(ancestor, QPoint(0, 0)), w->size());
 }
@@ -60,63 +109,52 @@ class TestForms : public QObject {
     Q_OBJECT
 
 private slots:
+    void initTestCase();
     void init();
     void cleanup();
 
     void tabCaptions_data();
     void tabCaptions();
-    void everyInputHasAnAccessibleName_data();
-    void everyInputHasAnAccessibleName();
+    void screenReaderMeetsEveryControl_data();
+    void screenReaderMeetsEveryControl();
 
     void tabFitsClosedWindow_data();
     void tabFitsClosedWindow();
     void windowLayoutFitsClosedHeight();
 
 private:
-    QWidget* form(const QString& name);
     void showMainWindow(int height);
 
     QScopedPointer<QMainWindow> m_main;
     Ui::frmMain m_mainUi;
-    QScopedPointer<QDialog> m_path;
-    Ui::frmPath m_pathUi;
-    QScopedPointer<QDialog> m_map;
-    Ui::frmMap m_mapUi;
-    QScopedPointer<QDialog> m_search;
-    Ui::frmMapSearch m_searchUi;
-    QScopedPointer<QDialog> m_secret;
-    Ui::frmSecret m_secretUi;
+
+    // The real windows, named as the program names them at start-up.
+    std::unique_ptr<halvane::test::TestPlatform> m_platform;
+    std::unique_ptr<halvane::MainWindow> m_window;
+    QList<QWidget*> m_readerRoots;
 };
+
+void TestForms::initTestCase() {
+    m_platform = std::make_unique<halvane::test::TestPlatform>();
+    m_platform->makeGameFolder();
+    m_window = std::make_unique<halvane::MainWindow>(*m_platform->app);
+    m_window->start();
+    new halvane::SecretWindow(*m_window); // made on demand by the program
+    m_readerRoots = {m_window.get(), &m_window->pathDialog()};
+    for (int i = 0; i < m_window->form().SSTab1->count(); ++i)
+        m_readerRoots.append(m_window->form().SSTab1->widget(i));
+    for (QDialog* dialog : m_window->findChildren<QDialog*>())
+        m_readerRoots.append(dialog);
+    m_readerRoots.append(&m_window->servers().serverWindow());
+}
 
 void TestForms::init() {
     m_main.reset(new QMainWindow);
     m_mainUi.setupUi(m_main.data());
-    m_path.reset(new QDialog);
-    m_pathUi.setupUi(m_path.data());
-    m_map.reset(new QDialog);
-    m_mapUi.setupUi(m_map.data());
-    m_search.reset(new QDialog);
-    m_searchUi.setupUi(m_search.data());
-    m_secret.reset(new QDialog);
-    m_secretUi.setupUi(m_secret.data());
 }
 
 void TestForms::cleanup() {
     m_main.reset();
-    m_path.reset();
-    m_map.reset();
-    m_search.reset();
-    m_secret.reset();
-}
-
-QWidget* TestForms::form(const QString& name) {
-    const QList<QWidget*> forms{m_main.data(), m_path.data(), m_map.data(), m_search.data(),
-                                m_secret.data()};
-    for (QWidget* w : forms) {
-        if (w->objectName() == name)
-            return w;
-    }
-    return nullptr;
 }
 
 void TestForms::showMainWindow(int height) {
@@ -161,42 +199,46 @@ void TestForms::tabCaptions() {
     QVERIFY(m_mainUi.SSTab1->widget(index)->isAncestorOf(w));
 }
 
-// A screen reader names every box by its label (buddy) or by an accessible name.
-void TestForms::everyInputHasAnAccessibleName_data() {
-    QTest::addColumn<QString>("formName");
-    for (const char* name : {"frmMain", "frmPath", "frmMap", "frmMapSearch", "frmSecret"})
-        QTest::newRow(name) << QString::fromLatin1(name);
-}
-
-void TestForms::everyInputHasAnAccessibleName() {
-    QFETCH(QString, formName);
-    QWidget* root = form(formName);
-    QVERIFY(root);
-
-    QHash<const QWidget*, QString> labelled;
-    for (QLabel* label : root->findChildren<QLabel*>()) {
-        if (label->buddy())
-            labelled.insert(label->buddy(), label->text());
-    }
-    for (QWidget* w : namedControls(root)) {
-        if (w->isHidden())
-            continue; // the hidden helper lists are never shown to anyone
-        if (qobject_cast<QLabel*>(w) && !w->objectName().startsWith(QLatin1String("img")) &&
-            w->objectName() != QLatin1String("Image1") &&
-            w->objectName() != QLatin1String("txtTip"))
-            continue; // a label speaks its own text
-        QString name = w->accessibleName();
-        if (name.isEmpty())
-            name = labelled.value(w);
-        if (name.isEmpty()) {
-            if (auto* button = qobject_cast<QAbstractButton*>(w))
-                name = button->text();
-        }
-        QVERIFY2(!name.isEmpty(), qPrintable(w->objectName() + " has no accessible name"));
+// A screen reader names every control that takes the focus, and never two controls of a
+// tab or window alike; Tab moves on to the control the eye reads next.
+void TestForms::screenReaderMeetsEveryControl_data() {
+    QTest::addColumn<QWidget*>("root");
+    QTest::addColumn<QWidget*>("control");
+    for (QWidget* root : std::as_const(m_readerRoots)) {
+        for (QWidget* w : focusable(root))
+            QTest::addRow("%s/%s", qPrintable(root->objectName()), qPrintable(w->objectName()))
+                << root << w;
     }
 }
 
-// ------------------------------------------------------------------ menus
+void TestForms::screenReaderMeetsEveryControl() {
+    QFETCH(QWidget*, root);
+    QFETCH(QWidget*, control);
+    const QList<QWidget*> controls = focusable(root);
+    QStringList names;
+    for (QWidget* w : controls)
+        names.append(QAccessible::queryAccessibleInterface(w)->text(QAccessible::Name).trimmed());
+    const QString name = names.at(controls.indexOf(control));
+    QVERIFY2(!name.isEmpty(), "no accessible name");
+    QVERIFY2(names.count(name) == 1, qPrintable(name + " names another control here too"));
+
+    QList<QWidget*> reading;
+    readingOrder(root, reading);
+    reading.removeIf([&](QWidget* w) { return !controls.contains(w); });
+    QVERIFY2(reading.contains(control), "not in its window's layout");
+    QList<QWidget*> tabbing;
+    QWidget* w = root->window();
+    do {
+        if (controls.contains(w) && !tabbing.contains(w))
+            tabbing.append(w);
+        w = w->nextInFocusChain();
+    } while (w != root->window());
+    const auto before = [&](const QList<QWidget*>& order) {
+        const qsizetype i = order.indexOf(control);
+        return i > 0 ? order[i - 1]->objectName() : QStringLiteral("(first)");
+    };
+    QCOMPARE(before(tabbing), before(reading));
+}
 
 // ------------------------------------------------------------------ sizes
 

@@ -167,7 +167,7 @@ void ShellTest::savesOnABrokenDisk() {
         if (small)
             QProcess::execute("umount", {"-l", disk});
     });
-    *platform.folder = ProgramFolder(program);
+    *platform.folder = ProgramFolder(program, platform.folder->stateFolder());
     platform.ini->write("Settings", "Path", disk + "/game");
     QHash<QString, QByteArray> files{{"game/quake3.exe", "#!/bin/sh\n"},
                                      {"game/baseq3/default.cfg", "// mine\r\n"},

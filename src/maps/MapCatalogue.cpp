@@ -122,13 +122,17 @@ bool looksWiped(const MapRecord& record) {
 }
 } // namespace
 
-MapCatalogue::MapCatalogue(QString programFolder) : m_folder(std::move(programFolder)) {}
+MapCatalogue::MapCatalogue(QString programFolder, QString installedFolder)
+    : m_folder(std::move(programFolder)), m_installedFolder(std::move(installedFolder)) {
+    if (m_installedFolder.isEmpty())
+        m_installedFolder = m_folder;
+}
 
 QString MapCatalogue::dataPath() const {
     return m_folder + QStringLiteral("/maps.dat");
 }
 QString MapCatalogue::installedPath() const {
-    return m_folder + QStringLiteral("/instmaps.dat");
+    return m_installedFolder + QStringLiteral("/instmaps.dat");
 }
 QString MapCatalogue::backupPath() const {
     return m_folder + QStringLiteral("/maps.bak");

@@ -44,7 +44,9 @@ class MapCatalogue {
 public:
     static constexpr int MaxRecords = 32766;
 
-    explicit MapCatalogue(QString programFolder);
+    // The installed catalogue instmaps.dat lies in installedFolder, by
+    // default the program's folder.
+    explicit MapCatalogue(QString programFolder, QString installedFolder = {});
 
     MapRecord RecordBuffer;
     qint16 CurrentMapRecord = 0;
@@ -96,6 +98,7 @@ private:
     QString m_folder;
     bool m_leftAlone = false;
     QString m_error;
+    QString m_installedFolder;
 };
 
 // A new record with the given names and rules.

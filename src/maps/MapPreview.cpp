@@ -60,7 +60,7 @@ MapPreview::MapPreview(Ui::frmMain& ui, AppContext& app) : ui(ui), m_app(app) {}
 
 void MapPreview::showPreview(const QString& entry) {
     const PreviewSource source =
-        findPreview(m_app.platform.folder.path(), m_app.state.GameFolder, entry);
+        findPreview(m_app.platform.folder.installed(), m_app.state.GameFolder, entry);
     switch (source.kind) {
     case PreviewSource::Jpeg:
         showJpeg(source.path);
@@ -112,7 +112,7 @@ void MapPreview::ShowTGA(const QString& path) {
 }
 
 void MapPreview::showStartupPicture() {
-    const QString path = m_app.platform.folder.file(QStringLiteral("maps/default.jpg"));
+    const QString path = m_app.platform.folder.installedFile(QStringLiteral("maps/default.jpg"));
     if (FileExists(path))
         showJpeg(path);
 }

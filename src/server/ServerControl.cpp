@@ -30,6 +30,7 @@ ServerControl::ServerControl(QMainWindow& window, Ui::frmMain& ui, AppContext& a
     statusButton->setToolTip(QStringLiteral("Shows the servers Halvane started and lets you "
                                             "steer them"));
     ui.boxButtons->insertWidget(ui.boxButtons->indexOf(ui.cmdSetPath) + 1, statusButton);
+    QWidget::setTabOrder(ui.cmdSetPath, statusButton); // tabbing follows the row
     connect(statusButton, &QPushButton::clicked, this, &ServerControl::showServerWindow);
 
     launch.hooks().startServer = [this, &ui](const QString& program, const QStringList& arguments,

@@ -3,6 +3,7 @@
 #include <QAbstractButton>
 #include <QAbstractItemView>
 #include <QAbstractSpinBox>
+#include <QAccessibleWidget>
 #include <QComboBox>
 #include <QGroupBox>
 #include <QLabel>
@@ -25,6 +26,61 @@ QString spoken(QString caption) {
         caption.chop(1);
     return caption.trimmed();
 }
+
+// Qt names a selector by its current entry on Linux and macOS and leaves its
+// label to a relation, so a screen reader's list of controls shows "Hard
+// core" twice where the operator needs to know which skill it is. This one
+// is named as every other control is (its accessible name, else its label)
+// on every platform; the entry is its value.
+class NamedSelector : public QAccessibleWidget {
+public:
+    explicit NamedSelector(QComboBox* combo) : QAccessibleWidget(combo, QAccessible::ComboBox) {}
+
+    QString text(QAccessible::Text t) const override {
+        return t == QAccessible::Value ? combo()->currentText() : QAccessibleWidget::text(t);
+    }
+    // The drop-down list, and the edit box of an editable selector.
+    int childCount() const override { return combo()->isEditable() ? 2 : 1; }
+    QAccessibleInterface* child(int index) const override {
+        if (index == 0)
+            return QAccessible::queryAccessibleInterface(combo()->view());
+        if (index == 1 && combo()->isEditable())
+            return QAccessible::queryAccessibleInterface(combo()->lineEdit());
+        return nullptr;
+    }
+    int indexOfChild(const QAccessibleInterface* child) const override {
+        if (child->object() == combo()->view())
+            return 0;
+        return combo()->isEditable() && child->object() == combo()->lineEdit() ? 1 : -1;
+    }
+    QAccessibleInterface* focusChild() const override {
+        return combo()->isEditable() ? child(1) : nullptr;
+    }
+    QAccessible::State state() const override {
+        QAccessible::State s = QAccessibleWidget::state();
+        s.expandable = true;
+        s.expanded = combo()->view()->isVisible();
+        s.editable = combo()->isEditable();
+        return s;
+    }
+    QStringList actionNames() const override { return {showMenuAction(), pressAction()}; }
+    void doAction(const QString& action) override {
+        if (action != showMenuAction() && action != pressAction())
+            return QAccessibleWidget::doAction(action);
+        if (combo()->view()->isVisible())
+            combo()->hidePopup();
+        else
+            combo()->showPopup();
+    }
+
+private:
+    QComboBox* combo() const { return static_cast<QComboBox*>(widget()); }
+};
+
+QAccessibleInterface* namedSelectors(const QString& className, QObject* object) {
+    auto* combo = qobject_cast<QComboBox*>(object);
+    return combo && className == QLatin1String("QComboBox") ? new NamedSelector(combo) : nullptr;
+}
 } // namespace
 
 bool isInputControl(const QWidget& widget) {
@@ -36,6 +92,11 @@ bool isInputControl(const QWidget& widget) {
            qobject_cast<const QAbstractItemView*>(&widget) ||
            qobject_cast<const QAbstractButton*>(&widget) ||
            qobject_cast<const QAbstractSpinBox*>(&widget);
+}
+
+void speakSelectorsByName() {
+    static const bool installed = (QAccessible::installFactory(namedSelectors), true);
+    Q_UNUSED(installed);
 }
 
 void nameControls(QWidget& root) {

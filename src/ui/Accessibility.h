@@ -10,6 +10,11 @@ namespace halvane {
 // a control array, "Additional Master Servers 2"). Names set in the form stay.
 void nameControls(QWidget& root);
 
+// From now on selectors are spoken by their name, their entry being their
+// value. Called before the first form is built: Qt keeps the interface it
+// made for a control, and a form that names a selector already makes one.
+void speakSelectorsByName();
+
 // True for the controls an operator types into, chooses from or clicks.
 bool isInputControl(const QWidget& widget);
 

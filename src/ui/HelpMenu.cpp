@@ -18,7 +18,7 @@ HelpMenu::HelpMenu(QMainWindow& window, Ui::frmMain& form, AppContext& app, QObj
     connect(ui.mnuViewNews, &QAction::triggered, this,
             [this, site] { OpenDocument(site() + QStringLiteral("/news.shtml")); });
     connect(ui.mnuHelpHalvane, &QAction::triggered, this, [this] {
-        OpenDocument(m_app.platform.folder.path() + QStringLiteral("/help/help.htm"));
+        OpenDocument(m_app.platform.folder.installed() + QStringLiteral("/help/help.htm"));
     });
     connect(ui.mnuHelpContext, &QAction::triggered, this,
             [this] { OpenDocument(helpTarget(ui.SSTab1->currentIndex())); });
@@ -53,7 +53,7 @@ QString HelpMenu::helpPage(int tab) {
 }
 
 QString HelpMenu::helpTarget(int tab) const {
-    return m_app.platform.folder.path() + QStringLiteral("/help/") + helpPage(tab);
+    return m_app.platform.folder.installed() + QStringLiteral("/help/") + helpPage(tab);
 }
 
 QString HelpMenu::mailLink() const {

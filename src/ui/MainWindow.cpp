@@ -55,6 +55,7 @@ void fill(QComboBox* combo, const QStringList& entries) {
 } // namespace
 
 MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::frmMain>()) {
+    speakSelectorsByName();
     ui->setupUi(this);
     m_interlocks = std::make_unique<OptionInterlocks>(*ui, m_app);
     m_statusPanel =
@@ -78,7 +79,8 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::fr
     // open, and a child would be disabled with it.
     m_pathDialog = std::make_unique<PathDialog>(m_app, *this);
     m_random = std::make_unique<TimeSeededRandom>();
-    m_catalogue = std::make_unique<MapCatalogue>(m_app.platform.folder.path());
+    m_catalogue = std::make_unique<MapCatalogue>(m_app.platform.folder.path(),
+                                                 m_app.platform.folder.installed());
     m_maps = std::make_unique<MapsController>(*this, *ui, m_app, *m_catalogue);
     m_maps->closeMainWindow = [this] { close(); };
     m_interlocks->suggestMaps = [this](int gameType) { m_maps->suggestMaps(gameType); };
