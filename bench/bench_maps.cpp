@@ -5,6 +5,8 @@
 //   halvane_bench config                 WriteConfig against cp -r
 //   halvane_bench make-archives <dir> [count]   writes <count> test archives
 //   halvane_bench list-archives <dir>    prints "archive<TAB>member" lines
+#include "BenchSupport.h"
+
 #include "app/AppContext.h"
 #include "maps/ArchiveListing.h"
 #include "maps/MapCatalogue.h"
@@ -23,8 +25,10 @@
 #include <zip.h>
 
 using namespace halvane;
+using namespace halvane::bench;
 
-int benchConfig(); // bench_config.cpp
+int benchConfig();                                  // bench_config.cpp
+int benchWindow(const QList<int>& sizes, int runs); // bench_window.cpp
 
 namespace {
 
@@ -89,30 +93,6 @@ int listArchives(const QString& folder) {
     }
     return 0;
 }
-
-struct BenchPlatform {
-    QTemporaryDir dir;
-    FakeMessageBoxes messages;
-    FakeFileDialogs dialogs;
-    FakeProcesses processes;
-    FakeShell shell;
-    FakeDesktop desktop;
-    std::unique_ptr<QtSettingsStore> store;
-    std::unique_ptr<ProgramFolder> folder;
-    std::unique_ptr<AppContext> app;
-    BenchPlatform() {
-        QDir().mkpath(program());
-        QDir().mkpath(game() + QStringLiteral("/baseq3/maps"));
-        store = std::make_unique<QtSettingsStore>(dir.filePath(QStringLiteral("Halvane.ini")));
-        folder = std::make_unique<ProgramFolder>(program());
-        app.reset(
-            new AppContext{{messages, dialogs, processes, shell, desktop, *store, *folder}, {}});
-        app->state.GameFolder = game();
-        app->state.GameExeName = QStringLiteral("quake3.exe");
-    }
-    QString program() const { return dir.filePath(QStringLiteral("program")); }
-    QString game() const { return dir.filePath(QStringLiteral("game")); }
-};
 
 int benchMaps() {
     QElapsedTimer clock;
@@ -194,6 +174,14 @@ int main(int argc, char* argv[]) {
         return benchMaps();
     if (command == QLatin1String("config"))
         return benchConfig();
+    if (command == QLatin1String("window")) {
+        QList<int> sizes;
+        for (int i = 2; i < argc; ++i)
+            sizes.append(atoi(argv[i]));
+        if (sizes.isEmpty())
+            sizes = {1000, 4000, 16000, MapCatalogue::MaxRecords};
+        return benchWindow(sizes, 3);
+    }
     if (command == QLatin1String("make-archives") && argc > 2)
         return makeArchives(QString::fromLocal8Bit(argv[2]), argc > 3 ? atoi(argv[3]) : 500) ? 0
                                                                                              : 1;
