@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QStringList>
 #include <functional>
 #include <memory>
@@ -14,7 +15,8 @@ namespace halvane {
 struct AppContext;
 class MapCatalogue;
 
-// The progress window of the archive search.
+// The progress window of the archive search, with a Cancel button that asks
+// the search to stop.
 class MapSearchWindow : public QDialog {
     Q_OBJECT
 public:
@@ -24,6 +26,11 @@ public:
     void setStatus(const QString& text);
     QString header() const;
     QString status() const;
+    void setCancelEnabled(bool enabled);
+
+signals:
+    // Cancel pressed, or the window closed by its frame or Escape.
+    void cancelRequested();
 
 private:
     std::unique_ptr<Ui::frmMapSearch> ui;
@@ -47,27 +54,35 @@ public:
     std::function<bool()> searchAtStartup;
     // Refills the map lists.
     std::function<void()> LoadMaps;
-    // Lets the progress window repaint and slows the run down enough to read
-    // it; tests make it record or do nothing.
+    // Lets the progress window repaint and holds the line shown long enough
+    // to read it; tests make it record or do nothing.
     std::function<void()> pause;
+
+    // How long one search may hold its lines in all, and one line at most.
+    static constexpr int PacingBudgetMs = 1000;
+    static constexpr int LineHoldMs = 30;
 
     MapSearchWindow& searchWindow() { return *m_window; }
     // The map files found in archives by the last search, and the archives.
     QStringList pakMaps;
     QStringList pakList;
 
-    static void repaintAndPause(int milliseconds);
-
 private:
     bool findLooseMaps();
     bool importMapList();
     void listArchives();
     void repaint();
+    void holdLine();
 
     MapCatalogue& m_catalogue;
     AppContext& m_app;
     std::unique_ptr<MapSearchWindow> m_window;
     bool m_searching = false;
+    bool m_cancelled = false;
+    // Pacing of the search under way: the lines it will show, the ones shown.
+    QElapsedTimer m_pacing;
+    int m_lines = 0;
+    int m_linesShown = 0;
 };
 
 // The .bsp files of a folder, by name, without their extension.
