@@ -61,27 +61,32 @@ void writeCatalogue(const QString& path, int records) {
     file.write(bytes);
 }
 
+// One archive holding these members, each with a few bytes.
+bool writeArchive(const QString& path, const QStringList& members) {
+    static const char content[] = "IBSP and some bytes of map data";
+    int error = 0;
+    zip_t* archive =
+        zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &error);
+    if (!archive)
+        return false;
+    for (const QString& member : members) {
+        zip_source_t* source = zip_source_buffer(archive, content, sizeof content, 0);
+        zip_file_add(archive, member.toLatin1().constData(), source, 0);
+    }
+    return zip_close(archive) == 0;
+}
+
 bool makeArchives(const QString& folder, int count) {
     QDir().mkpath(folder);
-    static const char content[] = "IBSP and some bytes of map data";
     for (int a = 0; a < count; ++a) {
-        const QString path =
-            QStringLiteral("%1/custom%2.pk3").arg(folder).arg(a, 4, 10, QLatin1Char('0'));
-        int error = 0;
-        zip_t* archive =
-            zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &error);
-        if (!archive)
-            return false;
         QStringList members{QStringLiteral("maps/"), QStringLiteral("maps/bench%1.bsp").arg(a),
                             QStringLiteral("levelshots/bench%1.jpg").arg(a),
                             QStringLiteral("maps/BENCH%1.BSP").arg(a)};
         for (int t = 0; t < 30; ++t)
             members.append(QStringLiteral("textures/bench%1/wall%2.tga").arg(a).arg(t));
-        for (const QString& member : members) {
-            zip_source_t* source = zip_source_buffer(archive, content, sizeof content, 0);
-            zip_file_add(archive, member.toLatin1().constData(), source, 0);
-        }
-        if (zip_close(archive) != 0)
+        if (!writeArchive(
+                QStringLiteral("%1/custom%2.pk3").arg(folder).arg(a, 4, 10, QLatin1Char('0')),
+                members))
             return false;
     }
     return true;
@@ -196,22 +201,6 @@ SearchRun timedSearch(BenchPlatform& platform, int cancelAfterMs = -1) {
     return run;
 }
 
-bool makeBigArchive(const QString& path, int maps) {
-    int error = 0;
-    zip_t* archive =
-        zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &error);
-    if (!archive)
-        return false;
-    static const char content[] = "IBSP";
-    for (int m = 0; m < maps; ++m) {
-        zip_source_t* source = zip_source_buffer(archive, content, sizeof content - 1, 0);
-        const QByteArray member =
-            QStringLiteral("maps/big%1.bsp").arg(m, 4, 10, QLatin1Char('0')).toLatin1();
-        zip_file_add(archive, member.constData(), source, 0);
-    }
-    return zip_close(archive) == 0;
-}
-
 int benchSearch(int runs) {
     const QString freeGame = QStringLiteral("/usr/share/games/openarena/baseoa");
     const QStringList archives = archiveNames(freeGame);
@@ -253,7 +242,10 @@ int benchSearch(int runs) {
     {
         BenchPlatform platform;
         constexpr int Maps = 3000;
-        if (!makeBigArchive(platform.game() + QStringLiteral("/baseq3/big.pk3"), Maps)) {
+        QStringList members;
+        for (int m = 0; m < Maps; ++m)
+            members.append(QStringLiteral("maps/big%1.bsp").arg(m, 4, 10, QLatin1Char('0')));
+        if (!writeArchive(platform.game() + QStringLiteral("/baseq3/big.pk3"), members)) {
             std::fprintf(stderr, "cannot write the archive of %d maps\n", Maps);
             return 1;
         }
