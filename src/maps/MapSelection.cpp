@@ -28,6 +28,7 @@ std::mt19937_64 seededFromTimeOfDay() {
     std::seed_seq seed{quint32(sinceMidnight), quint32(quint64(sinceMidnight) >> 32)};
     return std::mt19937_64(seed);
 }
+
 // The highlighted rows of a list in ascending order, read from the selection
 // ranges rather than asked of every entry.
 QList<int> highlightedRows(const QListWidget& list) {
