@@ -4,7 +4,7 @@
 // then reading, parsing and showing the answers. Against it, in the same
 // rounds, an idle pass of the same event loop. A section of halvane_bench
 // (bench_maps.cpp owns main); never run by the tests.
-#include "BenchPlatform.h"
+#include "BenchSupport.h"
 #include "server/ServerManager.h"
 #include "server/ServerWindow.h"
 
@@ -19,6 +19,7 @@
 #include <vector>
 
 using namespace halvane;
+using namespace halvane::bench;
 
 namespace {
 
@@ -38,11 +39,6 @@ QByteArray statusAnswer(int server) {
         answer += QByteArray::number(i * 3) + ' ' + QByteArray::number(40 + i) + " \"^" +
                   QByteArray::number(i % 8) + "Player " + QByteArray::number(i) + "\"\n";
     return answer;
-}
-
-double median(std::vector<double> values) {
-    std::sort(values.begin(), values.end());
-    return values[values.size() / 2];
 }
 
 } // namespace

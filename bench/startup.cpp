@@ -1,12 +1,16 @@
 // Start-up to the main window shown, timed from outside as a whole process.
 //
-//   halvane_startup --prepare DIR delivered|largest   makes a fixture in DIR
-//   halvane_startup DIR                                starts on it and ends
-//                                                      once the window is shown
+//   halvane_startup --prepare DIR delivered|largest|selected [tab]
+//                                      makes a fixture in DIR
+//   halvane_startup DIR [--cpu]        starts on it and ends once the window
+//                                      is shown; --cpu prints the processor
+//                                      time used, in milliseconds
 //
 // "delivered": the files delivered beside the executable. "largest": the
 // same with a catalogue of 32,766 maps and 300 archives in baseq3, with the
-// search for new maps at start-up off.
+// search for new maps at start-up off. "selected": the largest, with every
+// map selected in mapsel.txt and the tab last shown stored as "LastTab"
+// (default 2, the Maps tab).
 #include "app/AppContext.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapRecord.h"
@@ -19,6 +23,7 @@
 #include <QFile>
 #include <QTest>
 #include <cstdio>
+#include <ctime>
 #include <zip.h>
 
 using namespace halvane;
@@ -71,7 +76,17 @@ bool writeArchive(const QString& path, int n) {
     return zip_close(archive) == 0;
 }
 
-int prepare(const QString& dir, const QString& kind) {
+bool writeSelection(const QString& path) {
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    QByteArray lines;
+    for (int n = 1; n <= MapCatalogue::MaxRecords; ++n)
+        lines += QStringLiteral("bench%1\r\n").arg(n, 5, 10, QLatin1Char('0')).toLatin1();
+    return file.write(lines) == lines.size();
+}
+
+int prepare(const QString& dir, const QString& kind, const QString& lastTab) {
     const QString program = dir + QStringLiteral("/program");
     const QString game = dir + QStringLiteral("/game");
     QDir(dir).removeRecursively();
@@ -84,7 +99,10 @@ int prepare(const QString& dir, const QString& kind) {
         return 1;
     exe.close();
     exe.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-    if (kind == QLatin1String("largest")) {
+    const bool selected = kind == QLatin1String("selected");
+    if (selected && !writeSelection(program + QStringLiteral("/mapsel.txt")))
+        return 1;
+    if (kind == QLatin1String("largest") || selected) {
         if (!writeCatalogue(program + QStringLiteral("/maps.dat")))
             return 1;
         for (int n = 1; n <= 300; ++n) {
@@ -98,6 +116,8 @@ int prepare(const QString& dir, const QString& kind) {
     store.write(QStringLiteral("Settings"), QStringLiteral("Exe"), QStringLiteral("quake3.exe"));
     store.write(QStringLiteral("Settings"), QStringLiteral("CheckNewMaps"),
                 QStringLiteral("False"));
+    if (selected)
+        store.write(QStringLiteral("Settings"), QStringLiteral("LastTab"), lastTab);
     return store.flush() ? 0 : 1;
 }
 
@@ -106,10 +126,12 @@ int prepare(const QString& dir, const QString& kind) {
 int main(int argc, char* argv[]) {
     QApplication application(argc, argv);
     const QStringList args = application.arguments();
-    if (args.size() == 4 && args[1] == QLatin1String("--prepare"))
-        return prepare(args[2], args[3]);
-    if (args.size() != 2) {
-        std::fprintf(stderr, "usage: halvane_startup --prepare DIR delivered|largest | DIR\n");
+    if (args.size() >= 4 && args[1] == QLatin1String("--prepare"))
+        return prepare(args[2], args[3], args.value(4, QStringLiteral("2")));
+    const bool reportCpu = args.size() == 3 && args[2] == QLatin1String("--cpu");
+    if (args.size() != 2 && !reportCpu) {
+        std::fprintf(stderr, "usage: halvane_startup --prepare DIR delivered|largest|selected "
+                             "[tab] | DIR [--cpu]\n");
         return 2;
     }
     const QString dir = args[1];
@@ -126,5 +148,7 @@ int main(int argc, char* argv[]) {
     window.start();
     if (!window.isVisible() || !QTest::qWaitForWindowExposed(&window))
         return 1;
+    if (reportCpu)
+        std::printf("%.1f\n", std::clock() * 1000.0 / CLOCKS_PER_SEC);
     return 0;
 }

@@ -152,6 +152,8 @@ void TestConfigWriter::workedExamples() {
         f.addMap(name, maps == 2 ? rules("15", "20") : rules("10", "25"));
         s.selectedMaps.append(name);
     }
+    if (maps == 11) // an old script named in capitals is replaced, not joined by a second
+        f.platform.writeFile(f.baseq3("srvmaps/MAPSET3.CFG"), "old");
     // The second write replaces the files rather than adding to them.
     for (int run = 0; run < 2; ++run)
         QVERIFY(f.write(s, commandLine));

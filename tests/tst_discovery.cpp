@@ -6,6 +6,7 @@
 #include "maps/MapCatalogue.h"
 #include "maps/MapDiscovery.h"
 
+#include <QPushButton>
 #include <QtTest>
 
 using namespace halvane;
@@ -51,6 +52,7 @@ class DiscoveryTest : public QObject {
 private slots:
     void memberRule_data();
     void memberRule();
+    void archiveSearch_data();
     void archiveSearch();
     void looseMapsAndImportList();
     void damagedInputs();
@@ -72,7 +74,20 @@ void DiscoveryTest::memberRule() {
     QCOMPARE(bspMemberName(member).value_or(QString()), map);
 }
 
+void DiscoveryTest::archiveSearch_data() {
+    QTest::addColumn<QString>("cancelAt"); // the line on which Cancel is pressed
+    QTest::addColumn<QStringList>("maps");
+    QTest::addColumn<int>("lines"); // entry lines shown
+    QTest::newRow("whole search") << "" << QStringList({"q3dm1", "", "newmap", "capmap", "nodo"})
+                                  << 6;
+    // Stops after the entry under way, keeps what it added, ends as usual.
+    QTest::newRow("Cancel") << "Skipping: q3dm1" << QStringList({"q3dm1", "", "newmap"}) << 2;
+}
+
 void DiscoveryTest::archiveSearch() {
+    QFETCH(QString, cancelAt);
+    QFETCH(QStringList, maps);
+    QFETCH(int, lines);
     Fixture f;
     f.known({"q3dm1", ""});
     QVERIFY(makeArchive(f.baseq3() + "/b.pk3", {"maps/newmap.bsp", "maps/q3dm1.bsp"}));
@@ -82,18 +97,24 @@ void DiscoveryTest::archiveSearch() {
     QVERIFY(makeArchive(f.baseq3() + "/zz.pk3", {"levelshots/newmap.jpg", "maps/newmap.bsp",
                                                  "maps/upper.BSP", "maps/nodotbsp", "maps/xbsp"}));
     f.platform.writeFile(f.baseq3() + "/notes.txt", "not an archive");
+    const auto record = f.discovery.pause;
+    f.discovery.pause = [&] {
+        record();
+        if (f.discovery.searchWindow().status() == cancelAt)
+            f.discovery.searchWindow().findChild<QPushButton*>("cmdCancel")->click();
+    };
 
     f.discovery.searchArchives();
 
-    QCOMPARE(f.fileNames(), QStringList({"q3dm1", "", "newmap", "capmap", "nodo"}));
-    QCOMPARE(f.shown, QStringList({"Getting Map Names...|baseq3\\zz.pk3",
-                                   "Searching for PK3 files...|Adding: newmap",
-                                   "Searching for PK3 files...|Skipping: q3dm1",
-                                   "Searching for PK3 files...|Adding: capmap",
-                                   "Searching for PK3 files...|Skipping: newmap",
-                                   "Searching for PK3 files...|Adding: nodo",
-                                   "Searching for PK3 files...|Skipping: ", // the deleted slot
-                                   "Done|Finished loading maps"}));
+    QCOMPARE(f.fileNames(), maps);
+    const QStringList entries{"Searching for PK3 files...|Adding: newmap",
+                              "Searching for PK3 files...|Skipping: q3dm1",
+                              "Searching for PK3 files...|Adding: capmap",
+                              "Searching for PK3 files...|Skipping: newmap",
+                              "Searching for PK3 files...|Adding: nodo",
+                              "Searching for PK3 files...|Skipping: "}; // the deleted slot
+    QCOMPARE(f.shown, QStringList{"Getting Map Names...|baseq3\\zz.pk3"} + entries.mid(0, lines) +
+                          QStringList{"Done|Finished loading maps"});
     // The damaged archive is named and the search goes on past it.
     QCOMPARE(onlyMessage(f.platform.messages),
              message("Error", "Error: " + QDir::toNativeSeparators(f.baseq3() + "/bad.pk3"),

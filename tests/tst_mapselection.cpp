@@ -10,6 +10,7 @@
 #include "ui_frmMain.h"
 #include "ui_frmMap.h"
 
+#include <QScrollBar>
 #include <QtTest>
 
 using namespace halvane;
@@ -52,6 +53,7 @@ class MapSelectionTest : public QObject {
     Q_OBJECT
 private slots:
     void selectionFileRoundTrip();
+    void wideEntryScrolls();
     void addInsertsAfterTheHighlightedSelection();
     void upAndDown_data();
     void upAndDown();
@@ -73,6 +75,15 @@ void MapSelectionTest::selectionFileRoundTrip() {
     w.window->close();
     QCOMPARE(readAll(w.platform.programFolder() + "/mapsel.txt"),
              QByteArray("  Q3DM2 \r\nq3dm1\r\nq3dm2\r\n"));
+}
+
+// The lists size every entry alike; a wide entry that is not the last must
+// still widen the scrolled area.
+void MapSelectionTest::wideEntryScrolls() {
+    Window w({"q3dm1"}, QByteArray(200, ' ') + "q3dm1\r\nq3dm1\r\n");
+    w.ui->SSTab1->setCurrentIndex(2);
+    QCoreApplication::processEvents();
+    QVERIFY(w.ui->SelMap->horizontalScrollBar()->maximum() > 0);
 }
 
 void MapSelectionTest::addInsertsAfterTheHighlightedSelection() {

@@ -46,8 +46,10 @@ private:
     bool m_ok = false;
 };
 
-// Finds the names of one folder without regard to letter case, listing the
-// folder once however many files are looked up.
+// Finds the names of one folder without regard to letter case. A name that
+// exists as spelled is taken with one look at that file; the folder is listed
+// only for a name that does not, and then once however many more follow, so
+// thousands of old scripts in the folder cost nothing when they are replaced.
 class FolderNames {
 public:
     explicit FolderNames(QString folder);
@@ -56,7 +58,8 @@ public:
 
 private:
     QString m_folder;
-    QHash<QString, QString> m_entries; // lower-cased name -> name on disk
+    mutable bool m_listed = false;
+    mutable QHash<QString, QString> m_entries; // lower-cased name -> name on disk
 };
 
 } // namespace halvane

@@ -9,8 +9,9 @@
 
 #include <QCoreApplication>
 #include <QDir>
-#include <QElapsedTimer>
+#include <QEventLoop>
 #include <QFile>
+#include <QTimer>
 
 namespace halvane {
 
@@ -36,6 +37,8 @@ MapSearchWindow::MapSearchWindow(QWidget* owner)
     : QDialog(owner), ui(std::make_unique<Ui::frmMapSearch>()) {
     ui->setupUi(this);
     setModal(false);
+    connect(ui->cmdCancel, &QAbstractButton::clicked, this, &MapSearchWindow::cancelRequested);
+    connect(this, &QDialog::rejected, this, &MapSearchWindow::cancelRequested);
 }
 
 MapSearchWindow::~MapSearchWindow() = default;
@@ -51,6 +54,9 @@ QString MapSearchWindow::header() const {
 }
 QString MapSearchWindow::status() const {
     return ui->lblStatus->text();
+}
+void MapSearchWindow::setCancelEnabled(bool enabled) {
+    ui->cmdCancel->setEnabled(enabled);
 }
 
 QStringList looseMapNames(const QString& folder) {
@@ -71,17 +77,32 @@ bool isMapListEntry(const QString& line) {
 
 MapDiscovery::MapDiscovery(MapCatalogue& catalogue, AppContext& app, QWidget* owner)
     : m_catalogue(catalogue), m_app(app), m_window(std::make_unique<MapSearchWindow>(owner)) {
-    pause = [] { repaintAndPause(30); };
+    pause = [this] { holdLine(); };
+    QObject::connect(m_window.get(), &MapSearchWindow::cancelRequested,
+                     [this] { m_cancelled = true; });
 }
 
 MapDiscovery::~MapDiscovery() = default;
 
-void MapDiscovery::repaintAndPause(int milliseconds) {
-    QElapsedTimer clock;
-    clock.start();
-    do {
-        QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
-    } while (clock.elapsed() < milliseconds);
+// Each line stays up for an equal share of the search's pacing budget, at
+// most LineHoldMs, so that a few lines can be read and thousands still end
+// within the budget. The time goes idle in an event loop: the window repaints
+// and Cancel answers meanwhile, and no processor is kept busy.
+void MapDiscovery::holdLine() {
+    repaint();
+    if (m_lines <= 0) {
+        m_lines = int(pakMaps.size()) + 2; // "Getting Map Names...", the entries, "Done"
+        m_linesShown = 0;
+        m_pacing.start();
+    }
+    ++m_linesShown;
+    const double hold = qMin<double>(LineHoldMs, double(PacingBudgetMs) / m_lines);
+    const qint64 remaining = qint64(hold * m_linesShown) - m_pacing.elapsed();
+    if (remaining <= 0)
+        return;
+    QEventLoop idle;
+    QTimer::singleShot(int(remaining), &idle, &QEventLoop::quit);
+    idle.exec();
 }
 
 void MapDiscovery::repaint() {
@@ -231,6 +252,9 @@ void MapDiscovery::searchArchives() {
     if (m_searching)
         return;
     m_searching = true;
+    m_cancelled = false;
+    m_lines = 0;
+    m_window->setCancelEnabled(true);
     m_app.platform.desktop.setBusy(true);
     listArchives();
 
@@ -255,8 +279,12 @@ void MapDiscovery::searchArchives() {
             m_window->setStatus(QStringLiteral("Skipping: ") + name);
         }
         pause();
+        // Cancel stops after the entry under way; what was added stays.
+        if (m_cancelled)
+            break;
     }
 
+    m_window->setCancelEnabled(false);
     m_window->setHeader(QStringLiteral("Done"));
     m_window->setStatus(QStringLiteral("Finished loading maps"));
     pause();

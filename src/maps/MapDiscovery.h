@@ -3,6 +3,7 @@
 #include "maps/MapCatalogue.h"
 
 #include <QDialog>
+#include <QElapsedTimer>
 #include <QStringList>
 #include <functional>
 #include <memory>
@@ -17,7 +18,8 @@ namespace halvane {
 
 struct AppContext;
 
-// The progress window of the archive search.
+// The progress window of the archive search, with a Cancel button that asks
+// the search to stop.
 class MapSearchWindow : public QDialog {
     Q_OBJECT
 public:
@@ -27,6 +29,11 @@ public:
     void setStatus(const QString& text);
     QString header() const;
     QString status() const;
+    void setCancelEnabled(bool enabled);
+
+signals:
+    // Cancel pressed, or the window closed by its frame or Escape.
+    void cancelRequested();
 
 private:
     std::unique_ptr<Ui::frmMapSearch> ui;
@@ -50,16 +57,18 @@ public:
     std::function<bool()> searchAtStartup;
     // Refills the map lists.
     std::function<void()> LoadMaps;
-    // Lets the progress window repaint and slows the run down enough to read
-    // it; tests make it record or do nothing.
+    // Lets the progress window repaint and holds the line shown long enough
+    // to read it; tests make it record or do nothing.
     std::function<void()> pause;
+
+    // How long one search may hold its lines in all, and one line at most.
+    static constexpr int PacingBudgetMs = 1000;
+    static constexpr int LineHoldMs = 30;
 
     MapSearchWindow& searchWindow() { return *m_window; }
     // The map files found in archives by the last search, and the archives.
     QStringList pakMaps;
     QStringList pakList;
-
-    static void repaintAndPause(int milliseconds);
 
 private:
     bool findLooseMaps();
@@ -76,6 +85,7 @@ private:
     // Tells once about the names that were cut to fit the record.
     void noteIfCut(const QString& name);
     void reportCutNames();
+    void holdLine();
 
     MapCatalogue& m_catalogue;
     AppContext& m_app;
@@ -83,6 +93,11 @@ private:
     bool m_searching = false;
     bool m_atStartup = false;
     QStringList m_cutNames;
+    bool m_cancelled = false;
+    // Pacing of the search under way: the lines it will show, the ones shown.
+    QElapsedTimer m_pacing;
+    int m_lines = 0;
+    int m_linesShown = 0;
 };
 
 // The .bsp files of a folder, by name, without their extension.

@@ -22,7 +22,15 @@ MapRecord MapRecord::fromBytes(const char* bytes) {
 
 QString MapRecord::get(MapField field) const {
     const Layout layout = Fields[size_t(field)];
-    return trimSpaces(QString::fromLatin1(m_bytes.data() + layout.offset, layout.width));
+    // Trimmed as bytes, so that the text is made once: a catalogue load
+    // reads tens of thousands of names.
+    const char* begin = m_bytes.data() + layout.offset;
+    const char* end = begin + layout.width;
+    while (begin < end && *begin == ' ')
+        ++begin;
+    while (end > begin && end[-1] == ' ')
+        --end;
+    return QString::fromLatin1(begin, end - begin);
 }
 
 void MapRecord::set(MapField field, const QString& text) {

@@ -5,12 +5,15 @@
 #include "maps/MapPreview.h"
 #include "maps/MapRulesPanel.h"
 #include "maps/MapSelectionFile.h"
+#include "maps/WidestEntryDelegate.h"
 #include "ui_frmMain.h"
 
 #include <QMenu>
 #include <QMouseEvent>
+#include <algorithm>
 #include <chrono>
 #include <random>
+#include <vector>
 
 namespace halvane {
 
@@ -25,6 +28,20 @@ std::mt19937_64 seededFromTimeOfDay() {
     const auto sinceMidnight = duration_cast<nanoseconds>(now % hours(24)).count();
     std::seed_seq seed{quint32(sinceMidnight), quint32(quint64(sinceMidnight) >> 32)};
     return std::mt19937_64(seed);
+}
+
+// The highlighted rows of a list in ascending order, read from the selection
+// ranges rather than asked of every entry.
+QList<int> highlightedRows(const QListWidget& list) {
+    QList<int> rows;
+    const QItemSelection selection = list.selectionModel()->selection();
+    for (const QItemSelectionRange& range : selection) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.append(row);
+    }
+    std::sort(rows.begin(), rows.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return rows;
 }
 } // namespace
 
@@ -48,6 +65,10 @@ MapSelection::MapSelection(Ui::frmMain& ui, MapCatalogue& catalogue, AppContext&
     connect(ui.cmdRandomize, &QAbstractButton::clicked, this, &MapSelection::cmdRandomize);
     connect(ui.mnuMapSelect, &QAction::triggered, this, &MapSelection::cmdAddSelMap);
     connect(ui.mnuMapsSelectAll, &QAction::triggered, this, &MapSelection::cmdMapSelectAll);
+
+    // Long lists lay themselves out without measuring every entry.
+    new WidestEntryDelegate(*ui.MapList);
+    new WidestEntryDelegate(*ui.SelMap);
 
     openPopup = [this](const QPoint& at) { this->ui.mnuMapList->popup(at); };
     ui.MapList->viewport()->installEventFilter(this);
@@ -204,22 +225,29 @@ int MapSelection::selHighlighted() const {
 
 void MapSelection::cmdAddSelMap() {
     const int p = selHighlighted();
-    int lastAdded = -1;
-    {
+    const QList<int> rows = highlightedRows(*ui.MapList);
+    if (!rows.isEmpty()) {
+        QStringList names;
+        names.reserve(rows.size());
+        for (int row : rows)
+            names.append(ui.MapList->item(row)->text());
+        // One insertion for the lot. Inserted one by one right after p, each
+        // new map would land before the ones added before it: the lot goes in
+        // reversed, and the one highlighted at the end is the last one added.
         const QSignalBlocker blocker(ui.SelMap);
-        for (int i = 0; i < ui.MapList->count(); ++i) {
-            QListWidgetItem* item = ui.MapList->item(i);
-            if (!item->isSelected())
-                continue;
-            const int at = p < 0 ? ui.SelMap->count() : p + 1;
-            ui.SelMap->insertItem(at, item->text());
-            ui.SelMap->setCurrentRow(at, QItemSelectionModel::ClearAndSelect);
-            item->setSelected(false);
-            lastAdded = i;
+        int highlighted = p + 1;
+        if (p < 0) {
+            ui.SelMap->addItems(names);
+            highlighted = ui.SelMap->count() - 1;
+        } else {
+            std::reverse(names.begin(), names.end());
+            ui.SelMap->insertItems(p + 1, names);
         }
+        ui.SelMap->setCurrentRow(highlighted, QItemSelectionModel::ClearAndSelect);
     }
-    if (lastAdded >= 0)
-        highlightMapList(lastAdded);
+    // Each added map loses its highlight, and the last one added is chosen.
+    if (!rows.isEmpty())
+        highlightMapList(rows.last());
     else if (ui.MapList->count() > 0)
         highlightMapList(0);
     updateSelectedCaption();
@@ -357,10 +385,13 @@ void MapSelection::suggestMaps(int gameTypeIndex) {
     } else {
         return;
     }
+    std::vector<bool> highlighted(size_t(ui.MapList->count()), false);
+    for (int row : highlightedRows(*ui.MapList))
+        highlighted[size_t(row)] = true;
     bool differs = false;
     for (int i = 0; i < ui.MapList->count() && !differs; ++i) {
-        const QListWidgetItem* item = ui.MapList->item(i);
-        differs = item->text().contains(mark, Qt::CaseSensitive) != item->isSelected();
+        differs =
+            ui.MapList->item(i)->text().contains(mark, Qt::CaseSensitive) != highlighted[size_t(i)];
     }
     if (!differs || !m_app.platform.messages.askYesNo(title, text, MsgIcon::Question))
         return;

@@ -142,8 +142,11 @@ void MainWindow::showMainWindow() {
             return;
     }
     setEnabled(true);
-    show();
+    // The first tab before the window shows: shown on the tab "LastTab"
+    // restored, the window would lay that tab out (the long map lists) only
+    // to leave it. The tab change runs its frame rules all the same.
     ui->SSTab1->setCurrentIndex(0);
+    show();
     ui->txtMOTD->setFocus();
     activateWindow();
 }

@@ -1,14 +1,19 @@
+// What the sections of halvane_bench share: a platform of fakes over real
+// temporary folders, medians, and letting the windows lay out and paint.
 #pragma once
 
 #include "app/AppContext.h"
 #include "platform/FakePlatform.h"
 #include "platform/QtPlatform.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
+#include <algorithm>
 #include <memory>
+#include <vector>
 
-namespace halvane {
+namespace halvane::bench {
 
 // Fakes over a temporary program folder, game folder, state folder and a
 // real settings file, for the timed sections.
@@ -36,4 +41,30 @@ struct BenchPlatform {
     QString game() const { return dir.filePath(QStringLiteral("game")); }
 };
 
-} // namespace halvane
+inline double median(std::vector<double> values) {
+    if (values.empty())
+        return 0;
+    std::sort(values.begin(), values.end());
+    const size_t middle = values.size() / 2;
+    return values.size() % 2 ? values[middle] : (values[middle - 1] + values[middle]) / 2;
+}
+
+// The median of the ratios of pairs timed one after the other.
+inline double medianRatio(const std::vector<double>& measured, const std::vector<double>& base) {
+    std::vector<double> ratios;
+    for (size_t i = 0; i < measured.size() && i < base.size(); ++i) {
+        if (base[i] > 0)
+            ratios.push_back(measured[i] / base[i]);
+    }
+    return median(ratios);
+}
+
+// Runs what a click left pending: the lists' delayed layout, then the paint.
+inline void settle() {
+    for (int i = 0; i < 3; ++i) {
+        QCoreApplication::sendPostedEvents();
+        QCoreApplication::processEvents();
+    }
+}
+
+} // namespace halvane::bench

@@ -1,0 +1,103 @@
+// Start-up to the main window shown, as whole processes: halvane_startup on
+// each fixture, each run paired with a run of the empty six-tab window
+// (halvane_emptywindow) just before it. The ratio is the median of the
+// pairs' ratios. A section of halvane_bench (bench_maps.cpp owns main).
+#include "BenchSupport.h"
+
+#include <QElapsedTimer>
+#include <QProcess>
+#include <cstdio>
+
+using namespace halvane::bench;
+
+namespace {
+
+struct Run {
+    double wallMs = -1;
+    double cpuMs = -1;
+};
+
+QString program(const char* name) {
+    return QCoreApplication::applicationDirPath() + QLatin1Char('/') + QLatin1String(name);
+}
+
+// Runs a program offscreen with its own runtime folder, so that a copy of
+// Halvane running elsewhere on the machine is not taken for a second copy.
+Run runProgram(const QString& path, const QStringList& arguments, const QString& runtime) {
+    QProcess process;
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
+    environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), runtime);
+    process.setProcessEnvironment(environment);
+    process.setStandardErrorFile(QProcess::nullDevice());
+    QElapsedTimer clock;
+    clock.start();
+    process.start(path, arguments);
+    if (!process.waitForFinished(120000) || process.exitStatus() != QProcess::NormalExit ||
+        process.exitCode() != 0) {
+        process.kill();
+        process.waitForFinished();
+        return {};
+    }
+    Run run;
+    run.wallMs = clock.nsecsElapsed() / 1e6;
+    bool ok = false;
+    run.cpuMs = process.readAllStandardOutput().trimmed().toDouble(&ok);
+    if (!ok)
+        run.cpuMs = -1;
+    return run;
+}
+
+} // namespace
+
+int benchStartup(int pairs) {
+    QTemporaryDir dir;
+    QTemporaryDir runtime;
+    QFile::setPermissions(runtime.path(), QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+    struct Fixture {
+        QString name;
+        QStringList prepare;
+    };
+    QList<Fixture> fixtures{{QStringLiteral("delivered files"), {QStringLiteral("delivered")}},
+                            {QStringLiteral("largest catalogue"), {QStringLiteral("largest")}}};
+    for (int tab = 0; tab < 6; ++tab) {
+        fixtures.append({QStringLiteral("largest, all selected, LastTab %1").arg(tab),
+                         {QStringLiteral("selected"), QString::number(tab)}});
+    }
+    const QString startup = program("halvane_startup");
+    const QString empty = program("halvane_emptywindow");
+    const QString cpu = QStringLiteral("--cpu");
+
+    std::printf("\nStart-up to the window shown, whole processes, %d pairs each, "
+                "each run after one of the empty six-tab window:\n",
+                pairs);
+    std::printf("%-36s %10s %10s %8s %10s %10s %8s\n", "fixture", "wall ms", "empty ms", "ratio",
+                "cpu ms", "empty cpu", "ratio");
+    for (int f = 0; f < fixtures.size(); ++f) {
+        const QString folder = dir.filePath(QStringLiteral("fixture%1").arg(f));
+        if (QProcess::execute(startup, QStringList{QStringLiteral("--prepare"), folder} +
+                                           fixtures[f].prepare) != 0) {
+            std::fprintf(stderr, "cannot prepare %s\n", qPrintable(fixtures[f].name));
+            return 1;
+        }
+        std::vector<double> wall, emptyWall, cpuTime, emptyCpu;
+        for (int pair = 0; pair < pairs; ++pair) {
+            const Run base = runProgram(empty, {cpu}, runtime.path());
+            const Run measured = runProgram(startup, {folder, cpu}, runtime.path());
+            if (base.wallMs < 0 || measured.wallMs < 0) {
+                std::fprintf(stderr, "a start-up on %s failed\n", qPrintable(fixtures[f].name));
+                return 1;
+            }
+            emptyWall.push_back(base.wallMs);
+            wall.push_back(measured.wallMs);
+            emptyCpu.push_back(base.cpuMs);
+            cpuTime.push_back(measured.cpuMs);
+        }
+        std::printf("%-36s %10.1f %10.1f %7.2fx %10.1f %10.1f %7.2fx\n",
+                    qPrintable(fixtures[f].name), median(wall), median(emptyWall),
+                    medianRatio(wall, emptyWall), median(cpuTime), median(emptyCpu),
+                    medianRatio(cpuTime, emptyCpu));
+        std::fflush(stdout);
+    }
+    return 0;
+}
