@@ -28,8 +28,7 @@ private slots:
     void resizePlacesTheStatusPanel();
     void toggleAtThreshold_data();
     void toggleAtThreshold();
-    void animationLetsEventsRunAndIgnoresReentry();
-    void tipLineAppearsAbove6000();
+    void rollingOutLetsEventsRunAndShowsTheTipAbove6000();
     void panelStateIsRestoredAtNextStart_data();
     void panelStateIsRestoredAtNextStart();
 };
@@ -289,45 +288,29 @@ void ShellTest::toggleAtThreshold() {
         QVERIFY(f.ui().txtTip->isVisible());
 }
 
-void ShellTest::animationLetsEventsRunAndIgnoresReentry() {
+void ShellTest::rollingOutLetsEventsRunAndShowsTheTipAbove6000() {
     Fixture f;
     f.window->showMainWindow();
     f.panel().setHeightTwips(5790);
-    QList<int> seenHeights;
+    f.ui().scrTip->hide();
     // Timers fire while the panel rolls: the window stays usable. A second
     // click meanwhile is ignored rather than starting a second animation.
+    QList<QPair<int, bool>> seen;
     QTimer timer;
     timer.setInterval(0);
     connect(&timer, &QTimer::timeout, [&] {
-        seenHeights << f.panel().heightTwips();
+        seen << qMakePair(f.panel().heightTwips(), f.ui().scrTip->isVisible());
         f.ui().btnStatus->click();
     });
     timer.start();
     f.ui().btnStatus->click();
     timer.stop();
-    QVERIFY(seenHeights.size() > 10);
-    QVERIFY(seenHeights.first() < seenHeights.last());
-    QCOMPARE(f.panel().heightTwips(), 6450);
-    QVERIFY(f.ui().mnuViewStatusBar->isChecked());
-}
-
-void ShellTest::tipLineAppearsAbove6000() {
-    Fixture f;
-    f.window->showMainWindow();
-    f.panel().setHeightTwips(5790);
-    f.ui().scrTip->hide();
-    QList<QPair<int, bool>> seen;
-    QTimer timer;
-    timer.setInterval(0);
-    connect(&timer, &QTimer::timeout,
-            [&] { seen << qMakePair(f.panel().heightTwips(), f.ui().scrTip->isVisible()); });
-    timer.start();
-    f.panel().RollOut();
-    timer.stop();
     QVERIFY(seen.size() > 10);
+    QVERIFY(seen.first().first < seen.last().first);
     for (const auto& [height, visible] : seen)
         QVERIFY2(visible == (height > 6000), qPrintable(QString::number(height)));
-    QVERIFY(f.ui().scrTip->isVisible());
+    QCOMPARE(f.panel().heightTwips(), 6450);
+    QVERIFY(f.ui().mnuViewStatusBar->isChecked() && f.ui().scrTip->isVisible());
     // Rolling in leaves it shown; at the closed height it has no height.
     f.panel().Rollin();
     QVERIFY(f.ui().scrTip->isVisible());
