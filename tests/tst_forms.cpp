@@ -9,20 +9,10 @@
 #include "ui/SecretWindow.h"
 #include "ui_frmMain.h"
 
-#include <QAbstractButton>
 #include <QAccessible>
-#include <QApplication>
-#include <QComboBox>
 #include <QDialog>
 #include <QFormLayout>
-#include <QGridLayout>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMainWindow>
-#include <QMenuBar>
 #include <QScopedPointer>
-#include <QTabWidget>
 #include <QtTest>
 
 namespace {

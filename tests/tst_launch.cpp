@@ -10,8 +10,6 @@
 #include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 
-#include <QDir>
-#include <QFile>
 #include <QtTest>
 
 using namespace halvane;

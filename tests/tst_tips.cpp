@@ -5,15 +5,11 @@
 
 #include "app/AppInfo.h"
 #include "ui/MainWindow.h"
-#include "ui/TipLine.h"
 #include "ui/Tips.h"
 #include "ui_frmMain.h"
 
-#include <QLineEdit>
-#include <QListWidget>
 #include <QMouseEvent>
 #include <QRegularExpression>
-#include <QStackedWidget>
 #include <QtTest>
 #include <optional>
 
