@@ -90,9 +90,7 @@ private:
     QtProcesses realProcesses;
     QStringList events;
     QStringList writtenCommandLines;
-    std::function<void()> beforeWrite;
     LaunchHooks wired; // the hooks as the main window wired them
-    bool writerSucceeds = true;
 };
 
 void LaunchTest::init() {
@@ -100,8 +98,6 @@ void LaunchTest::init() {
     platform->makeGameFolder();
     events.clear();
     writtenCommandLines.clear();
-    beforeWrite = nullptr;
-    writerSucceeds = true;
 }
 
 void LaunchTest::cleanup() {
@@ -141,15 +137,9 @@ void LaunchTest::makeWindow(Processes& processes) {
     hooks.WriteConfig = [this](const QString& path, bool withCommandLine, const QString& line) {
         events << "write " + path + (withCommandLine ? " with" : " without");
         writtenCommandLines << line;
-        if (beforeWrite)
-            beforeWrite();
-        if (!writerSucceeds)
-            return false;
         QFile file(path);
-        if (!file.open(QIODevice::WriteOnly))
-            return false;
-        file.write("// " + app->state.GameExeName.toLatin1() + line.toLatin1() + "\r\n");
-        return true;
+        return file.open(QIODevice::WriteOnly) &&
+               file.write("// " + app->state.GameExeName.toLatin1() + line.toLatin1() + "\r\n") > 0;
     };
     hooks.now = [] { return Now; };
     platform->messages.onShow = [this](const ShownMessage& m) { events << "ask " + m.title; };
@@ -430,19 +420,18 @@ void LaunchTest::failures() {
     makeStandInGame(*platform);
     makeWindow(realProcesses);
     const QString exe = platform->gameFolder() + "/quake3.exe";
-    const auto removeGame = [this] { QDir(platform->gameFolder()).removeRecursively(); };
-    if (fault.endsWith("before the write")) {
-        beforeWrite = removeGame;
-    } else if (fault.endsWith("after the write")) {
-        // A writer that succeeds without its folder: only the start can notice.
-        window->launch().hooks().WriteConfig = [this, removeGame](const QString&, bool,
-                                                                  const QString& line) {
+    if (fault.contains("write")) {
+        // The folder vanishes before the write, which fails, or after a write
+        // that succeeded, which only the start can notice; or the writer fails.
+        window->launch().hooks().WriteConfig = [this, fault](const QString& path, bool,
+                                                             const QString& line) {
             writtenCommandLines << line;
-            removeGame();
-            return true;
+            if (fault == "writer fails")
+                return false;
+            QDir(platform->gameFolder()).removeRecursively();
+            return fault.endsWith("after the write") || QFile(path).open(QIODevice::WriteOnly);
         };
     }
-    writerSucceeds = fault != "writer fails";
     if (fault == "executable missing")
         QFile::remove(exe);
     if (fault == "executable cannot run")
