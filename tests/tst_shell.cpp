@@ -20,6 +20,7 @@ class ShellTest : public QObject {
     Q_OBJECT
 private slots:
     void startUpRunsItsStepsInOrder();
+    void shutDownSavesParametersBeforeSettings_data();
     void shutDownSavesParametersBeforeSettings();
     void secondCopyEndsWithoutStoring();
     void savesOnABrokenDisk_data();
@@ -29,8 +30,6 @@ private slots:
     void toggleAtThreshold_data();
     void toggleAtThreshold();
     void rollingOutLetsEventsRunAndShowsTheTipAbove6000();
-    void panelStateIsRestoredAtNextStart_data();
-    void panelStateIsRestoredAtNextStart();
 };
 
 namespace {
@@ -89,9 +88,19 @@ void ShellTest::startUpRunsItsStepsInOrder() {
     QVERIFY(f.platform.store->writes.isEmpty()); // start-up stores nothing
 }
 
+void ShellTest::shutDownSavesParametersBeforeSettings_data() {
+    QTest::addColumn<bool>("open"); // the status panel when closing
+    QTest::newRow("panel open") << true;
+    QTest::newRow("panel closed") << false;
+}
+
 void ShellTest::shutDownSavesParametersBeforeSettings() {
+    QFETCH(bool, open);
     Fixture f;
     f.window->showMainWindow();
+    QVERIFY(f.panel().isOpen()); // the default is open
+    if (!open)
+        f.ui().mnuViewStatusBar->trigger();
     f.ui().txtCmdParameters->setEditText("+set sv_fps 30");
     QStringList steps;
     QList<int> writesAtStep;
@@ -112,6 +121,14 @@ void ShellTest::shutDownSavesParametersBeforeSettings() {
     QVERIFY(writes.mid(0, writesAtStep[3]).join('\n').contains("+set sv_fps 30"));
     QVERIFY(writes.mid(writesAtStep[3]).contains("Settings/LastTab=0"));
     QVERIFY(f.window->hasEnded());
+    // The next start shows the status panel as it was left.
+    QCOMPARE(f.platform.ini->read("Settings", "StatusBar", ""), open ? "True" : "False");
+    f.platform.reopenStore();
+    MainWindow second(*f.platform.app);
+    second.showMainWindow();
+    QCOMPARE(second.statusPanel().isOpen(), open);
+    QCOMPARE(second.statusPanel().heightTwips(), open ? 6450 : 5790);
+    QCOMPARE(second.form().mnuViewStatusBar->isChecked(), open);
 }
 
 void ShellTest::secondCopyEndsWithoutStoring() {
@@ -315,33 +332,6 @@ void ShellTest::rollingOutLetsEventsRunAndShowsTheTipAbove6000() {
     f.panel().Rollin();
     QVERIFY(f.ui().scrTip->isVisible());
     QCOMPARE(f.ui().scrTip->height(), 0);
-}
-
-void ShellTest::panelStateIsRestoredAtNextStart_data() {
-    QTest::addColumn<bool>("open");
-    QTest::newRow("closed") << false;
-    QTest::newRow("open") << true;
-}
-
-void ShellTest::panelStateIsRestoredAtNextStart() {
-    QFETCH(bool, open);
-    TestPlatform platform;
-    platform.makeGameFolder();
-    {
-        MainWindow first(*platform.app);
-        first.showMainWindow();
-        QVERIFY(first.statusPanel().isOpen()); // the default is open
-        if (!open)
-            first.form().mnuViewStatusBar->trigger();
-        first.close();
-    }
-    QCOMPARE(platform.ini->read("Settings", "StatusBar", ""), open ? "True" : "False");
-    platform.reopenStore();
-    MainWindow second(*platform.app);
-    second.showMainWindow();
-    QCOMPARE(second.statusPanel().isOpen(), open);
-    QCOMPARE(second.statusPanel().heightTwips(), open ? 6450 : 5790);
-    QCOMPARE(second.form().mnuViewStatusBar->isChecked(), open);
 }
 
 QTEST_MAIN(ShellTest)
