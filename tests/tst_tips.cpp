@@ -25,7 +25,6 @@ private slots:
     void mouseMoveShowsTheTip();
     void exactTexts_data();
     void exactTexts();
-    void dateCodedLogName();
     void builtTips();
     void focusSelectsWholeText_data();
     void focusSelectsWholeText();
@@ -185,7 +184,7 @@ void TipsTest::exactTexts() {
     QCOMPARE(tipAfterMove(widget), expected);
 }
 
-void TipsTest::dateCodedLogName() {
+void TipsTest::builtTips() {
     const QDateTime before = QDateTime::currentDateTime();
     const QString tip = tipAfterMove(m_window->form().chkDateLog);
     const QDateTime after = QDateTime::currentDateTime();
@@ -197,18 +196,15 @@ void TipsTest::dateCodedLogName() {
              qPrintable(name));
     QVERIFY(name.startsWith(before.toString("yyyyMMdd-HHmm")) ||
             name.startsWith(after.toString("yyyyMMdd-HHmm")));
-}
 
-void TipsTest::builtTips() {
     auto& ui = m_window->form();
     ui.BotList->clear();
-    for (const char* bot : {"Anarki", "Bitterman", "Crash", "Doom"}) {
-        auto* item = new QListWidgetItem(QString::fromLatin1(bot), ui.BotList);
+    const QStringList bots{"Anarki", "Bitterman", "Crash", "Doom"};
+    for (int i = 0; i < bots.size(); ++i) {
+        auto* item = new QListWidgetItem(bots[i], ui.BotList);
         item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
-        item->setCheckState(Qt::Unchecked);
+        item->setCheckState(i % 2 ? Qt::Checked : Qt::Unchecked); // Bitterman and Doom
     }
-    ui.BotList->item(1)->setCheckState(Qt::Checked);
-    ui.BotList->item(3)->setCheckState(Qt::Checked);
     QCOMPARE(tipAfterMove(ui.lblBotCount),
              QStringLiteral("2 bots selected - This is the total amount of bots that you have "
                             "selected"));
