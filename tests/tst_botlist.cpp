@@ -47,8 +47,7 @@ class TestBotList : public QObject {
 private slots:
     void fileRules_data();
     void fileRules();
-    void countCaptionAndTip();
-    void teamAndSkillByPosition();
+    void countCaptionTipTeamAndSkill();
     void refreshAndEditList();
     void leavingRandomBots_data();
     void leavingRandomBots();
@@ -62,12 +61,10 @@ void TestBotList::fileRules_data() {
     QTest::newRow("the five-line example")
         << QByteArray(" Sarge \r\n\r\n   \r\n// comment\r\n  //Visor\r\n")
         << QStringList{"Sarge", "//Visor"} << none;
-    QTest::newRow("LF only, no final line end, inner blanks kept")
-        << QByteArray("Tank Jr\n//x\nuRIEL") << QStringList{"Tank Jr", "uRIEL"} << none;
-    QTest::newRow("one byte per character")
-        << QByteArray("Fr\xe9"
-                      "d\xe9ric\r\n")
-        << QStringList{QStringLiteral("Fr\u00e9d\u00e9ric")} << none;
+    QTest::newRow("LF only, no final line end, inner blanks kept, one byte per character")
+        << QByteArray("Tank Jr\n//x\nuRIEL\nFr\xe9"
+                      "d\xe9ric")
+        << QStringList{"Tank Jr", "uRIEL", QStringLiteral("Fr\u00e9d\u00e9ric")} << none;
     QTest::newRow("empty") << QByteArray() << QStringList{} << ReadError;
     QTest::newRow("missing") << QByteArray("-") << QStringList{} << ReadError;
     QByteArray many;
@@ -95,7 +92,7 @@ void TestBotList::fileRules() {
     QVERIFY(w.window->isLoaded() && !w.window->hasEnded());
 }
 
-void TestBotList::countCaptionAndTip() {
+void TestBotList::countCaptionTipTeamAndSkill() {
     const QByteArray list = "Sarge\r\nGrunt\r\nMajor\r\n";
     Window w(&list);
     QCOMPARE(w.ui->lblBotCount->text(), QStringLiteral("No bots selected"));
@@ -107,11 +104,8 @@ void TestBotList::countCaptionAndTip() {
     w.ui->BotList->item(0)->setCheckState(Qt::Checked);
     QCOMPARE(w.ui->lblBotCount->text(), QStringLiteral("2 bots selected"));
     QCOMPARE(w.window->bots().Countbots(), 2);
-}
 
-void TestBotList::teamAndSkillByPosition() {
-    const QByteArray list = "Sarge\r\nGrunt\r\nMajor\r\n";
-    Window w(&list);
+    // Team and skill by position.
     w.window->botTables().setTeam(2, 1);
     w.window->botTables().setSkill(2, 4);
     w.ui->BotList->setCurrentRow(2);
@@ -147,14 +141,13 @@ void TestBotList::leavingRandomBots_data() {
     QTest::addColumn<QString>("randomBots");
     QTest::addColumn<QString>("maxPlayers");
     QTest::addColumn<bool>("warned");
-    QTest::newRow("as many as players") << "8"
-                                        << "8" << false;
-    QTest::newRow("numbers, not texts, compared") << "10"
-                                                  << "9" << true;
-    QTest::newRow("no number") << ""
-                               << "8" << false;
-    QTest::newRow("players not a number") << "1"
-                                          << "" << true;
+    const auto row = [](const char* name, const char* bots, const char* players, bool warned) {
+        QTest::newRow(name) << QString(bots) << QString(players) << warned;
+    };
+    row("as many as players", "8", "8", false);
+    row("numbers, not texts, compared", "10", "9", true);
+    row("no number", "", "8", false);
+    row("players not a number", "1", "", true);
 }
 
 void TestBotList::leavingRandomBots() {

@@ -6,8 +6,6 @@
 #include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 
-#include <QDir>
-#include <QFile>
 #include <QtTest>
 
 using namespace halvane;
@@ -28,8 +26,7 @@ private slots:
     void cleanup();
     void commands_data();
     void commands();
-    void editButtonFollowsTheScriptText();
-    void editOpensTheScriptBelowBaseq3();
+    void editButton();
 
 private:
     std::unique_ptr<TestPlatform> platform;
@@ -76,7 +73,6 @@ void ConfigCommandsTest::commands_data() {
     QTest::addColumn<QString>("fault");    // "", "invalid", "write fails", "cancel"
     QTest::addColumn<MsgAnswer>("answer"); // to the success question
     QTest::addColumn<QString>("told");     // the message, "<target>" for the file written
-    QTest::addColumn<bool>("stored");      // settings stored (validation passed)
     const QString created = message("Success!",
                                     "halvane.cfg has been created in your baseq3 folder, would "
                                     "you like to view it now?",
@@ -84,27 +80,23 @@ void ConfigCommandsTest::commands_data() {
     const QString savedAs =
         message("Success!", "<target> was created successfully!\r\rwould you like to view it now?",
                 MsgButtons::YesNo, MsgIcon::Question);
-    QTest::newRow("create, view it") << false << "" << MsgAnswer::Yes << created << true;
-    QTest::newRow("create, don't view") << false << "" << MsgAnswer::No << created << true;
+    const auto warning = [](const char* text) {
+        return message("Warning!", text, MsgButtons::Ok, MsgIcon::Critical);
+    };
+    const MsgAnswer yes = MsgAnswer::Yes, no = MsgAnswer::No;
+    QTest::newRow("create, view it") << false << "" << yes << created;
+    QTest::newRow("create, don't view") << false << "" << no << created;
     QTest::newRow("create, validation refuses")
-        << false << "invalid" << MsgAnswer::No
-        << message("Warning!", "Server name is required", MsgButtons::Ok, MsgIcon::Critical)
-        << false;
+        << false << "invalid" << no << warning("Server name is required");
     QTest::newRow("create, write fails")
-        << false << "write fails" << MsgAnswer::No
-        << message("Warning!", "An error occured while creating the config file.", MsgButtons::Ok,
-                   MsgIcon::Critical)
-        << true;
+        << false << "write fails" << no
+        << warning("An error occured while creating the config file.");
     // Saving elsewhere neither validates nor stores: refused values stay.
-    QTest::newRow("save as, view it") << true << "invalid" << MsgAnswer::Yes << savedAs << false;
-    QTest::newRow("save as, don't view") << true << "" << MsgAnswer::No << savedAs << false;
+    QTest::newRow("save as, view it") << true << "invalid" << yes << savedAs;
+    QTest::newRow("save as, don't view") << true << "" << no << savedAs;
     QTest::newRow("save as, write fails")
-        << true << "write fails" << MsgAnswer::No
-        << message("Warning!", "An error occured while creating <target>", MsgButtons::Ok,
-                   MsgIcon::Critical)
-        << false;
-    QTest::newRow("save as, cancelled")
-        << true << "cancel" << MsgAnswer::No << "0 messages" << false;
+        << true << "write fails" << no << warning("An error occured while creating <target>");
+    QTest::newRow("save as, cancelled") << true << "cancel" << no << QString("0 messages");
 }
 
 void ConfigCommandsTest::commands() {
@@ -112,7 +104,7 @@ void ConfigCommandsTest::commands() {
     QFETCH(QString, fault);
     QFETCH(MsgAnswer, answer);
     QFETCH(QString, told);
-    QFETCH(bool, stored);
+    const bool stored = !saveAs && fault != "invalid"; // settings stored: validation passed
     const QString target = saveAs ? platform->root() + "/elsewhere/my server.cfg"
                                   : platform->gameFolder() + "/baseq3/halvane.cfg";
     QDir().mkpath(platform->root() + "/elsewhere");
@@ -148,32 +140,25 @@ void ConfigCommandsTest::commands() {
     }
 }
 
-void ConfigCommandsTest::editButtonFollowsTheScriptText() {
+// Usable while the script box holds a name, picked or typed; opens the
+// script below baseq3, found without regard to letter case where it exists.
+void ConfigCommandsTest::editButton() {
+    platform->writeFile(platform->gameFolder() + "/baseq3/Server.cfg", "set x 1\r\n");
     ui->txtCfg->addItem("server.cfg");
     ui->txtCfg->setEditText("");
     QVERIFY(!ui->cmdEditCfg->isEnabled());
     ui->txtCfg->setCurrentIndex(ui->txtCfg->findText("server.cfg"));
-    QCOMPARE(ui->txtCfg->currentText(), QStringLiteral("server.cfg"));
     QVERIFY(ui->cmdEditCfg->isEnabled());
-    // Typed, as the operator does.
+    ui->cmdEditCfg->click();
+    QCOMPARE(platform->shell.edited, QStringList{platform->gameFolder() + "/baseq3/Server.cfg"});
     ui->txtCfg->lineEdit()->clear();
     QVERIFY(!ui->cmdEditCfg->isEnabled());
-    QTest::keyClicks(ui->txtCfg->lineEdit(), "x.cfg");
+    window->configCommands().cmdEditCfg(); // nothing to open
+    QTest::keyClicks(ui->txtCfg->lineEdit(), "new.cfg");
     QVERIFY(ui->cmdEditCfg->isEnabled());
-}
-
-void ConfigCommandsTest::editOpensTheScriptBelowBaseq3() {
-    platform->writeFile(platform->gameFolder() + "/baseq3/Server.cfg", "set x 1\r\n");
-    ui->txtCfg->setEditText("server.cfg");
     ui->cmdEditCfg->click();
-    // Found without regard to letter case where it exists.
-    QCOMPARE(platform->shell.edited, QStringList{platform->gameFolder() + "/baseq3/Server.cfg"});
-    ui->txtCfg->setEditText("new.cfg");
-    window->configCommands().cmdEditCfg();
-    QCOMPARE(platform->shell.edited.last(), platform->gameFolder() + "/baseq3/new.cfg");
-    ui->txtCfg->setEditText("");
-    window->configCommands().cmdEditCfg();
     QCOMPARE(platform->shell.edited.size(), 2);
+    QCOMPARE(platform->shell.edited.last(), platform->gameFolder() + "/baseq3/new.cfg");
     QCOMPARE(platform->messages.shown.size(), 0);
 }
 

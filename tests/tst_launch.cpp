@@ -10,8 +10,6 @@
 #include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 
-#include <QDir>
-#include <QFile>
 #include <QtTest>
 
 using namespace halvane;
@@ -21,27 +19,15 @@ Q_DECLARE_METATYPE(LaunchOptions)
 
 namespace {
 
-const QDateTime Feb15{QDate(2000, 2, 15), QTime(5, 23, 40)};
-
-LaunchOptions workedExample() {
-    LaunchOptions o;
-    o.serverType = 2;
-    o.hunkMegs = "32";
-    o.botType = 1;
-    o.netPort = "27960";
-    return o;
-}
+const QDateTime Now{QDate(2000, 2, 5), QTime(17, 4, 40)};
 
 // A game executable that writes its working folder and arguments, then ends.
 void makeStandInGame(TestPlatform& platform) {
-    const QString record = platform.root() + "/started.txt";
     const QString script = platform.gameFolder() + "/quake3.exe";
-    platform.writeFile(script, ("#!/bin/sh\n"
-                                "{ pwd; for a in \"$@\"; do printf '[%s]\\n' \"$a\"; done; } > '" +
-                                record +
-                                ".tmp'\n"
-                                "mv '" +
-                                record + ".tmp' '" + record + "'\n")
+    platform.writeFile(script, QStringLiteral("#!/bin/sh\n{ pwd; for a in \"$@\"; do printf "
+                                              "'[%s]\\n' \"$a\"; done; } > '%1.tmp'\n"
+                                              "mv '%1.tmp' '%1'\n")
+                                   .arg(platform.root() + "/started.txt")
                                    .toUtf8());
     QFile::setPermissions(script,
                           QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
@@ -69,24 +55,6 @@ QStringList childProcesses() {
     return children;
 }
 
-struct Recorded {
-    QString folder;
-    QStringList arguments;
-};
-
-Recorded readRecord(const QString& path) {
-    Recorded recorded;
-    QStringList lines = QString::fromUtf8(readAll(path)).split('\n');
-    if (!lines.isEmpty() && lines.last().isEmpty())
-        lines.removeLast();
-    if (lines.isEmpty())
-        return recorded;
-    recorded.folder = lines.takeFirst();
-    for (const QString& line : lines)
-        recorded.arguments << line.mid(1, line.size() - 2);
-    return recorded;
-}
-
 } // namespace
 
 class LaunchTest : public QObject {
@@ -104,7 +72,6 @@ private slots:
     void fixedBotScript_data();
     void fixedBotScript();
     void duplicateServer();
-    void noQuestionOnceTheServerHasEnded();
     void afterTheStart_data();
     void afterTheStart();
 
@@ -123,9 +90,7 @@ private:
     QtProcesses realProcesses;
     QStringList events;
     QStringList writtenCommandLines;
-    std::function<void()> beforeWrite;
     LaunchHooks wired; // the hooks as the main window wired them
-    bool writerSucceeds = true;
 };
 
 void LaunchTest::init() {
@@ -133,8 +98,6 @@ void LaunchTest::init() {
     platform->makeGameFolder();
     events.clear();
     writtenCommandLines.clear();
-    beforeWrite = nullptr;
-    writerSucceeds = true;
 }
 
 void LaunchTest::cleanup() {
@@ -174,17 +137,11 @@ void LaunchTest::makeWindow(Processes& processes) {
     hooks.WriteConfig = [this](const QString& path, bool withCommandLine, const QString& line) {
         events << "write " + path + (withCommandLine ? " with" : " without");
         writtenCommandLines << line;
-        if (beforeWrite)
-            beforeWrite();
-        if (!writerSucceeds)
-            return false;
         QFile file(path);
-        if (!file.open(QIODevice::WriteOnly))
-            return false;
-        file.write("// " + app->state.GameExeName.toLatin1() + line.toLatin1() + "\r\n");
-        return true;
+        return file.open(QIODevice::WriteOnly) &&
+               file.write("// " + app->state.GameExeName.toLatin1() + line.toLatin1() + "\r\n") > 0;
     };
-    hooks.now = [] { return Feb15; };
+    hooks.now = [] { return Now; };
     platform->messages.onShow = [this](const ShownMessage& m) { events << "ask " + m.title; };
     platform->messages.clear();
     platform->store->writes.clear();
@@ -194,118 +151,77 @@ void LaunchTest::setLaunchReady() {
     ui->cmbGameType->setCurrentIndex(0);
     ui->cmbServerType->setCurrentIndex(2);
     ui->cmbBotType->setCurrentIndex(1);
-    ui->chkAutoSelectBots->setChecked(false);
-    ui->chkNOP->setChecked(false);
-    ui->chkRequirePassword->setChecked(false);
-    ui->chkSpecifyCD->setChecked(false);
-    ui->chkLogFile->setChecked(false);
-    ui->chkStartState->setChecked(false);
+    for (QCheckBox* box : {ui->chkAutoSelectBots, ui->chkNOP, ui->chkRequirePassword,
+                           ui->chkSpecifyCD, ui->chkLogFile, ui->chkStartState})
+        box->setChecked(false);
+    for (QLineEdit* box : {ui->txtNetIP, ui->txtAdminName, ui->txtAdminEmail, ui->txtAdminURL})
+        box->clear();
     ui->txtServerName->setText("Arena");
     ui->txtMaxPlayers->setText("8");
     ui->txtHunkMegs->setText("32");
-    ui->txtNetIP->clear();
     ui->txtNetPort->setText("27960");
     ui->txtCmdParameters->setEditText("");
-    ui->txtAdminName->clear();
-    ui->txtAdminEmail->clear();
-    ui->txtAdminURL->clear();
 }
 
 void LaunchTest::commandLine_data() {
     QTest::addColumn<LaunchOptions>("options");
-    QTest::addColumn<QDateTime>("now");
     QTest::addColumn<QString>("expected");
-
-    QTest::newRow("worked example")
-        << workedExample() << Feb15
-        << " +set dedicated 2 +sets configured_by Halvane_2.07 +set com_hunkmegs 32 +set "
-           "g_needpass 0 +set net_port 27960 +exec halvane.cfg";
-
-    LaunchOptions nop = workedExample();
-    nop.nop = true;
-    QTest::newRow("N-0-P afternoon in 24 hours")
-        << nop << QDateTime(QDate(2026, 11, 3), QTime(17, 4))
-        << " +set dedicated 2 +sets gamestartup \"11/03/2026 17:04\" +sets configured_by "
-           "Halvane_2.07 +set com_hunkmegs 32 +set g_needpass 0 +set net_port 27960 +exec "
-           "halvane.cfg";
-
-    LaunchOptions listen;
-    listen.serverType = 0;
-    listen.hunkMegs = "64";
-    listen.botType = 0;
-    listen.netIp = "192.168.1.10";
-    listen.netPort = "27961";
-    QTest::newRow("listen server, bots disabled, address kept")
-        << listen << Feb15
-        << " +set dedicated 0 +sets configured_by Halvane_2.07 +set com_hunkmegs 64 +set "
-           "bot_enable 0 +set g_needpass 0 +set net_ip 192.168.1.10 +set net_port 27961 +exec "
-           "halvane.cfg";
-
-    LaunchOptions everything;
-    everything.serverType = 1;
-    everything.nop = true;
-    everything.hunkMegs = "48x";
-    everything.botType = 2;
-    everything.requirePassword = true;
-    everything.serverPassword = "open sesame";
-    everything.netIp = "10.0.0.1";
-    everything.parameters = "   +set fs_game osp +set sv_fps 30  ";
-    everything.specifyCd = true;
-    everything.cdDrive = "D:";
-    everything.adminName = "Ann Admin";
-    everything.adminEmail = "ann@example.org";
-    everything.adminUrl = "http://example.org";
-    QTest::newRow("every piece")
-        << everything << Feb15
-        << " +set dedicated 1 +sets gamestartup \"02/15/2000 05:23\" +sets configured_by "
-           "Halvane_2.07 +set com_hunkmegs 48x +set g_password open sesame +set g_needpass 1 +set "
-           "net_ip 10.0.0.1 +set fs_game osp +set sv_fps 30 +set fs_cdpath D:\\Quake3\\ +sets "
-           "admin_name Ann Admin +sets admin_email ann@example.org +sets admin_website "
-           "http://example.org +exec halvane.cfg";
-
-    LaunchOptions blanks = workedExample();
-    blanks.netPort.clear();
-    blanks.parameters = "    ";
-    blanks.specifyCd = false;
-    blanks.cdDrive = "E:";
-    blanks.adminEmail = "only@mail";
-    QTest::newRow("blank parameters, stored CD unused, mail without name")
-        << blanks << Feb15
-        << " +set dedicated 2 +sets configured_by Halvane_2.07 +set com_hunkmegs 32 +set "
-           "g_needpass 0 +sets admin_email only@mail +exec halvane.cfg";
-
-    LaunchOptions empty;
-    empty.serverType = -1;
-    empty.botType = -1;
-    empty.requirePassword = true;
-    QTest::newRow("nothing chosen, empty password")
-        << empty << Feb15
-        << " +sets configured_by Halvane_2.07 +set com_hunkmegs  +set g_password  +set g_needpass "
-           "1 +exec halvane.cfg";
+    // Type, N-0-P, memory, bots, password?, password, IP, port, parameters,
+    // CD?, CD, admin name, mail, web site.
+    const struct {
+        const char* name;
+        LaunchOptions options;
+        const char* expected;
+    } rows[] = {
+        {"every piece, afternoon in 24 hours",
+         {1, true, "48x", 2, true, "open sesame", "10.0.0.1", "",
+          "   +set fs_game osp +set sv_fps 30  ", true, "D:", "Ann Admin", "ann@example.org",
+          "http://example.org"},
+         " +set dedicated 1 +sets gamestartup \"02/05/2000 17:04\" +sets configured_by "
+         "Halvane_2.07 +set com_hunkmegs 48x +set g_password open sesame +set g_needpass 1 +set "
+         "net_ip 10.0.0.1 +set fs_game osp +set sv_fps 30 +set fs_cdpath D:\\Quake3\\ +sets "
+         "admin_name Ann Admin +sets admin_email ann@example.org +sets admin_website "
+         "http://example.org +exec halvane.cfg"},
+        {"listen server, bots disabled, address kept",
+         {0, false, "64", 0, false, "", "192.168.1.10", "27961", "", false, "", "", "", ""},
+         " +set dedicated 0 +sets configured_by Halvane_2.07 +set com_hunkmegs 64 +set "
+         "bot_enable 0 +set g_needpass 0 +set net_ip 192.168.1.10 +set net_port 27961 +exec "
+         "halvane.cfg"},
+        {"blank parameters, stored CD unused, mail without name",
+         {2, false, "32", 1, false, "", "", "", "    ", false, "E:", "", "only@mail", ""},
+         " +set dedicated 2 +sets configured_by Halvane_2.07 +set com_hunkmegs 32 +set "
+         "g_needpass 0 +sets admin_email only@mail +exec halvane.cfg"},
+        {"nothing chosen, empty password",
+         {-1, false, "", -1, true, "", "", "", "", false, "", "", "", ""},
+         " +sets configured_by Halvane_2.07 +set com_hunkmegs  +set g_password  +set g_needpass 1 "
+         "+exec halvane.cfg"},
+    };
+    for (const auto& row : rows)
+        QTest::newRow(row.name) << row.options << QString(row.expected);
 }
 
 void LaunchTest::commandLine() {
     QFETCH(LaunchOptions, options);
-    QFETCH(QDateTime, now);
     QFETCH(QString, expected);
-    QCOMPARE(buildCommandLine(options, now), expected);
+    QCOMPARE(buildCommandLine(options, Now), expected);
 }
 
 void LaunchTest::split_data() {
     QTest::addColumn<QString>("line");
     QTest::addColumn<QStringList>("arguments");
-    QTest::newRow("empty") << "" << QStringList{};
-    QTest::newRow("blanks only") << "   \t " << QStringList{};
-    QTest::newRow("leading blank") << " +set dedicated 2" << QStringList{"+set", "dedicated", "2"};
-    QTest::newRow("runs of blanks and tabs") << "a  b\t\tc " << QStringList{"a", "b", "c"};
-    QTest::newRow("quoted words") << " +sets gamestartup \"02/15/2000 05:23\" +exec x"
-                                  << QStringList{"+sets", "gamestartup", "02/15/2000 05:23",
-                                                 "+exec", "x"};
-    QTest::newRow("quotes inside a word") << "a\"b c\"d e" << QStringList{"ab cd", "e"};
-    QTest::newRow("empty quotes") << "a \"\" b" << QStringList{"a", "", "b"};
-    QTest::newRow("unclosed quote runs to the end") << "a \"b  c" << QStringList{"a", "b  c"};
-    QTest::newRow("backslashes stay") << "+set fs_cdpath D:\\Quake3\\ +x"
-                                      << QStringList{"+set", "fs_cdpath", "D:\\Quake3\\", "+x"};
+    const struct {
+        const char* name;
+        const char* line;
+        QStringList arguments;
+    } rows[] = {
+        {"blanks only", "   \t ", {}},
+        {"runs of blanks and tabs, backslashes", " a  D:\\Q3\\\t\tc ", {"a", "D:\\Q3\\", "c"}},
+        {"quotes inside a word", "a\"b c\"d e", {"ab cd", "e"}},
+        {"empty quotes", "a \"\" b", {"a", "", "b"}},
+        {"unclosed quote runs to the end", "a \"b  c", {"a", "b  c"}},
+    };
+    for (const auto& row : rows)
+        QTest::newRow(row.name) << QString(row.line) << row.arguments;
 }
 
 void LaunchTest::split() {
@@ -322,7 +238,7 @@ void LaunchTest::stepsRunInOrder() {
     const QString config = platform->gameFolder() + "/baseq3/halvane.cfg";
     QCOMPARE(events, (QStringList{"save parameters", "load parameters", "commit map", "bot script",
                                   "validate", "write " + config + " with"}));
-    const QString line = buildCommandLine(launchOptionsFrom(*ui), Feb15);
+    const QString line = buildCommandLine(launchOptionsFrom(*ui), Now);
     QCOMPARE(line, QStringLiteral(" +set dedicated 2 +sets configured_by Halvane_2.07 +set "
                                   "com_hunkmegs 32 +set g_needpass 0 +set net_port 27960 +set "
                                   "sv_fps 30 +exec halvane.cfg"));
@@ -341,8 +257,7 @@ void LaunchTest::stepsRunInOrder() {
     QVERIFY(platform->store->writes.contains("General/Name=Arena"));
     QCOMPARE(platform->store->read("Advanced", "Parameter0", ""), QStringLiteral("+set sv_fps 30"));
     QCOMPARE(ui->txtCmdParameters->count(), 1);
-    QVERIFY(window->isVisible());
-    QVERIFY(!window->isMinimized());
+    QVERIFY(window->isVisible() && !window->isMinimized());
 }
 
 void LaunchTest::fixedBotScript_data() {
@@ -376,19 +291,16 @@ void LaunchTest::fixedBotScript() {
 
 // Answering No; the Yes path starts a second real server end to end.
 void LaunchTest::duplicateServer() {
-    const MsgAnswer answer = MsgAnswer::No;
     makeWindow(platform->processes);
     // No server yet: nothing to ask about, nothing activated.
     ui->cmdStart->click();
     QCOMPARE(platform->processes.activated, QList<qint64>{});
     QCOMPARE(platform->messages.shown.size(), 0);
-    QCOMPARE(window->launch().ServerTaskID, qint64(1000));
 
     events.clear();
     QFile::remove(platform->gameFolder() + "/baseq3/halvane.cfg");
-    platform->messages.answers = {answer};
+    platform->messages.answers = {MsgAnswer::No};
     ui->cmdStart->click();
-
     QCOMPARE(platform->processes.activated, QList<qint64>{1000});
     QCOMPARE(onlyMessage(platform->messages),
              message("Duplicate Server Confirmation",
@@ -399,63 +311,45 @@ void LaunchTest::duplicateServer() {
                      MsgButtons::YesNo, MsgIcon::Information));
     QCOMPARE(platform->desktop.busyDepth, 0);
     QVERIFY(platform->desktop.busyCalls >= 4); // the pointer was busy while asking the system
-
     QCOMPARE(events, (QStringList{"save parameters", "load parameters", "commit map",
                                   "ask Duplicate Server Confirmation"}));
     QVERIFY(!QFile::exists(platform->gameFolder() + "/baseq3/halvane.cfg"));
     QCOMPARE(platform->processes.started.size(), 1);
     QCOMPARE(window->launch().ServerTaskID, qint64(1000));
-}
 
-void LaunchTest::noQuestionOnceTheServerHasEnded() {
-    makeWindow(platform->processes);
-    ui->cmdStart->click();
+    // Once that server has ended, nothing is asked.
     platform->processes.alive.clear();
     ui->cmdStart->click();
-    QCOMPARE(platform->processes.activated, QList<qint64>{1000});
-    QCOMPARE(platform->messages.shown.size(), 0);
+    QCOMPARE(platform->messages.shown.size(), 1);
     QCOMPARE(platform->processes.started.size(), 2);
 }
 
 void LaunchTest::afterTheStart_data() {
     QTest::addColumn<bool>("startState");
-    QTest::addColumn<QString>("choice");
-    QTest::addColumn<QString>("expected");
-    QTest::newRow("stay") << false << "optClose"
-                          << "visible";
-    QTest::newRow("minimise") << true << "optMinimize"
-                              << "minimized";
-    QTest::newRow("close") << true << "optClose"
-                           << "closed";
+    QTest::addColumn<bool>("minimize"); // or close
+    QTest::newRow("stay, though close is chosen") << false << false;
+    QTest::newRow("minimise") << true << true;
+    QTest::newRow("close") << true << false;
 }
 
 void LaunchTest::afterTheStart() {
     QFETCH(bool, startState);
-    QFETCH(QString, choice);
-    QFETCH(QString, expected);
+    QFETCH(bool, minimize);
     makeWindow(platform->processes);
     ui->chkStartState->setChecked(startState);
-    ui->optClose->setChecked(false);
-    ui->optMinimize->setChecked(false);
-    if (!choice.isEmpty())
-        window->findChild<QRadioButton*>(choice)->setChecked(true);
+    (minimize ? ui->optMinimize : ui->optClose)->setChecked(true);
     ui->txtCmdParameters->setEditText("+set typed 1");
     ui->cmdStart->click();
 
     QCOMPARE(platform->processes.started.size(), 1);
     QCOMPARE(platform->desktop.busyDepth, 0);
     QCOMPARE(platform->messages.shown.size(), 0);
-    if (expected == "visible") {
-        QVERIFY(window->isVisible() && !window->isMinimized());
-    } else if (expected == "minimized") {
-        QVERIFY(window->isMinimized());
-        QVERIFY(!window->hasEnded());
-    } else {
-        // The shut-down ran: everything stored, the program ended.
-        QVERIFY(!window->isVisible());
-        QVERIFY(window->hasEnded());
-        QVERIFY(platform->store->writes.contains("Options/StartClose=True"));
-    }
+    const bool closed = startState && !minimize;
+    QCOMPARE(window->isVisible(), !closed);
+    QCOMPARE(window->isMinimized(), startState && minimize);
+    // Closing runs the shut-down: everything stored, the program ended.
+    QCOMPARE(window->hasEnded(), closed);
+    QVERIFY(!closed || platform->store->writes.contains("Options/StartClose=True"));
 }
 
 void LaunchTest::realStartRunsTheWrittenLine() {
@@ -463,6 +357,7 @@ void LaunchTest::realStartRunsTheWrittenLine() {
     makeWindow(realProcesses);
     window->launch().hooks().WriteConfig = wired.WriteConfig;
     window->launch().hooks().MakeBotScript = wired.MakeBotScript;
+    window->launch().hooks().now = [] { return QDateTime(QDate(2000, 2, 5), QTime(5, 3)); };
     ui->chkNOP->setChecked(true);
     // Quotes group words; shell characters are plain text to the game.
     const QString typed = "+set g_motd \"hello  there\" +set a `touch made1`;touch made2 "
@@ -475,8 +370,6 @@ void LaunchTest::realStartRunsTheWrittenLine() {
     QCOMPARE(onlyMessage(platform->messages), "0 messages");
     const QString record = platform->root() + "/started.txt";
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(record), 10000);
-    const Recorded recorded = readRecord(record);
-    QCOMPARE(recorded.folder, QFileInfo(platform->gameFolder()).canonicalFilePath());
     // The configuration's last comment holds the very line the game received.
     QStringList lines =
         QString::fromLatin1(readAll(platform->gameFolder() + "/baseq3/halvane.cfg")).split("\r\n");
@@ -484,34 +377,40 @@ void LaunchTest::realStartRunsTheWrittenLine() {
     const QString prefix = QStringLiteral("// Command Line:  \"quake3.exe");
     QVERIFY2(lines.value(lines.size() - 1).startsWith(prefix), qPrintable(lines.join('\n')));
     const QString line = lines.last().mid(prefix.size()).chopped(1);
-    QCOMPARE(line, " +set dedicated 2 +sets gamestartup \"02/15/2000 05:23\" +sets configured_by "
+    QCOMPARE(line, " +set dedicated 2 +sets gamestartup \"02/05/2000 05:03\" +sets configured_by "
                    "Halvane_2.07 +set com_hunkmegs 32 +set g_password x;touch made6 +set "
                    "g_needpass 1 +set net_port 27960 " +
                        typed + " +exec halvane.cfg");
-    QCOMPARE(recorded.arguments, splitCommandLine(line));
-    QVERIFY(recorded.arguments.contains("hello  there"));
-    for (const QString& folder : {platform->root(), platform->gameFolder()})
-        QCOMPARE(QDir(folder).entryList({"made*"}), QStringList{});
-    QVERIFY(QDir::currentPath() != recorded.folder); // our own folder did not move
+    // The stand-in ran in the game folder, one argument per line.
+    const QString folder = QFileInfo(platform->gameFolder()).canonicalFilePath();
+    QString started = folder + '\n';
+    for (const QString& argument : splitCommandLine(line))
+        started += '[' + argument + "]\n";
+    QCOMPARE(QString::fromUtf8(readAll(record)), started);
+    QVERIFY(started.contains("\n[hello  there]\n"));
+    for (const QString& place : {platform->root(), platform->gameFolder()})
+        QCOMPARE(QDir(place).entryList({"made*"}), QStringList{});
+    QVERIFY(QDir::currentPath() != folder); // our own folder did not move
 }
 
 void LaunchTest::failures_data() {
     QTest::addColumn<QString>("fault");
     QTest::addColumn<QString>("stepText"); // "<exe>" stands for the whole command
     QTest::addColumn<int>("code");
-    QTest::newRow("folder vanishes after the write") << "vanish after write"
-                                                     << "Error changing directories" << 2;
-    QTest::newRow("folder vanishes before the write") << "vanish before write"
-                                                      << "" << 2;
-    QTest::newRow("writer fails") << "writer fails"
-                                  << "" << 5;
-    QTest::newRow("executable not executable") << "not executable"
-                                               << "<exe>" << 13;
-    QTest::newRow("executable missing") << "missing"
-                                        << "<exe>" << 2;
-    // Executable by its mode but no program the system can run.
-    QTest::newRow("executable cannot run") << "cannot run"
-                                           << "<exe>" << 5;
+    const struct {
+        const char* fault;
+        const char* stepText;
+        int code;
+    } rows[] = {
+        {"folder vanishes after the write", "Error changing directories", 2},
+        {"folder vanishes before the write", "", 2},
+        {"writer fails", "", 5},
+        {"executable not executable", "<exe>", 13},
+        {"executable missing", "<exe>", 2},
+        {"executable cannot run", "<exe>", 5}, // executable by its mode, but no program
+    };
+    for (const auto& row : rows)
+        QTest::newRow(row.fault) << QString(row.fault) << QString(row.stepText) << row.code;
 }
 
 void LaunchTest::failures() {
@@ -521,38 +420,32 @@ void LaunchTest::failures() {
     makeStandInGame(*platform);
     makeWindow(realProcesses);
     const QString exe = platform->gameFolder() + "/quake3.exe";
-    if (fault == "vanish after write") {
-        beforeWrite = [this] { QDir(platform->gameFolder()).removeRecursively(); };
-        writerSucceeds = true;
-    } else if (fault == "vanish before write") {
-        beforeWrite = [this] { QDir(platform->gameFolder()).removeRecursively(); };
-    } else if (fault == "writer fails") {
-        writerSucceeds = false;
-    } else if (fault == "not executable") {
-        QFile::setPermissions(exe, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
-    } else if (fault == "missing") {
-        QFile::remove(exe);
-    } else if (fault == "cannot run") {
-        platform->writeFile(exe, QByteArray("\x01\x02 not a program\r\n"));
-        QFile::setPermissions(exe, QFileDevice::ReadOwner | QFileDevice::WriteOwner |
-                                       QFileDevice::ExeOwner);
-    }
-    // A writer that succeeds without its folder: only the start can notice.
-    if (fault == "vanish after write") {
-        window->launch().hooks().WriteConfig = [this](const QString&, bool, const QString& line) {
+    if (fault.contains("write")) {
+        // The folder vanishes before the write, which fails, or after a write
+        // that succeeded, which only the start can notice; or the writer fails.
+        window->launch().hooks().WriteConfig = [this, fault](const QString& path, bool,
+                                                             const QString& line) {
             writtenCommandLines << line;
+            if (fault == "writer fails")
+                return false;
             QDir(platform->gameFolder()).removeRecursively();
-            return true;
+            return fault.endsWith("after the write") || QFile(path).open(QIODevice::WriteOnly);
         };
     }
+    if (fault == "executable missing")
+        QFile::remove(exe);
+    if (fault == "executable cannot run")
+        platform->writeFile(exe, QByteArray("\x01\x02 not a program\r\n"));
+    if (fault == "executable not executable")
+        QFile::setPermissions(exe, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
 
     ui->cmdStart->click();
 
     if (stepText == "<exe>")
         stepText = "quake3.exe" + writtenCommandLines.value(0);
     QCOMPARE(onlyMessage(platform->messages),
-             message("Warning!", stepText + "\r\rError: " + QStringLiteral(" %1").arg(code),
-                     MsgButtons::Ok, MsgIcon::Critical));
+             message("Warning!", stepText + "\r\rError:  " + QString::number(code), MsgButtons::Ok,
+                     MsgIcon::Critical));
     QCOMPARE(platform->desktop.busyDepth, 0);
     QCOMPARE(window->launch().ServerTaskID, qint64(0));
     // Nothing was started: the stand-in would have left its record.

@@ -23,10 +23,8 @@ private slots:
     void editingKeysStayWithTextBoxes();
     void f1OpensTheHelpOfTheTabShown_data();
     void f1OpensTheHelpOfTheTabShown();
-    void menuTargets_data();
-    void menuTargets();
-    void aboutLinks_data();
-    void aboutLinks();
+    void links_data();
+    void links();
     void f8ShowsAboutAndDisablesTheTabLeft();
     void shiftClickOnTabStripShowsHiddenWindow_data();
     void shiftClickOnTabStripShowsHiddenWindow();
@@ -36,14 +34,12 @@ namespace {
 struct Fixture {
     TestPlatform platform;
     std::unique_ptr<MainWindow> window;
-    explicit Fixture(bool active = true) {
+    Fixture() {
         platform.makeGameFolder();
         window = std::make_unique<MainWindow>(*platform.app);
         window->showMainWindow();
-        if (active) {
-            QApplication::setActiveWindow(window.get());
-            QVERIFY(QTest::qWaitForWindowActive(window.get()));
-        }
+        QApplication::setActiveWindow(window.get());
+        QVERIFY(QTest::qWaitForWindowActive(window.get()));
     }
     Ui::frmMain& ui() { return window->form(); }
     QString help(const QString& page) const { return platform.programFolder() + "/help/" + page; }
@@ -103,12 +99,10 @@ void MenusTest::editingKeysStayWithTextBoxes() {
 void MenusTest::f1OpensTheHelpOfTheTabShown_data() {
     QTest::addColumn<int>("tab");
     QTest::addColumn<QString>("page");
-    QTest::newRow("General") << 0 << "general.htm";
-    QTest::newRow("Bots") << 1 << "bots.htm";
-    QTest::newRow("Maps") << 2 << "maps.htm";
-    QTest::newRow("Options") << 3 << "options.htm";
-    QTest::newRow("Advanced") << 4 << "advanced.htm";
-    QTest::newRow("About") << 5 << "about.htm";
+    const char* pages[] = {"general.htm", "bots.htm",     "maps.htm",
+                           "options.htm", "advanced.htm", "about.htm"};
+    for (int tab = 0; tab < 6; ++tab)
+        QTest::newRow(pages[tab]) << tab << QString(pages[tab]);
 }
 
 void MenusTest::f1OpensTheHelpOfTheTabShown() {
@@ -124,53 +118,43 @@ void MenusTest::f1OpensTheHelpOfTheTabShown() {
              qPrintable(page));
 }
 
-void MenusTest::menuTargets_data() {
-    QTest::addColumn<QString>("action");
+void MenusTest::links_data() {
+    QTest::addColumn<QString>("control"); // a menu item, or a label of the About tab to click
+    QTest::addColumn<QString>("caption"); // the label's text
     QTest::addColumn<QString>("target");
-    const QString site = AppInfo::productSiteAddress();
-    QTest::newRow("news") << "mnuViewNews" << site + "/news.shtml";
-    QTest::newRow("online") << "mnuHelpOnline" << site;
-    QTest::newRow("FAQ") << "mnuHelpFAQ" << site + "/FAQ.shtml";
-    QTest::newRow("index") << "mnuHelpHalvane"
-                           << "<program>/help/help.htm";
+    const auto row = [](const char* name, const char* control, const QString& caption,
+                        const QString& target) {
+        QTest::newRow(name) << QString(control) << caption << target;
+    };
+    const QString site = AppInfo::productSiteAddress(), mail = AppInfo::authorMailAddress();
+    row("news", "mnuViewNews", "", site + "/news.shtml");
+    row("online", "mnuHelpOnline", "", site);
+    row("FAQ", "mnuHelpFAQ", "", site + "/FAQ.shtml");
+    row("index", "mnuHelpHalvane", "", "<program>/help/help.htm");
+    row("web site", "Label20", site, site);
+    row("feedback mail", "Label23", mail,
+        "mailto:" + mail + "?subject=Halvane Version 2.07 Feedback");
+    row("bug report form", "Label27", "Bug report form", site + "/bugreport.shtml");
+    row("N-0-P", "Label6", "N-0-P", AppInfo::nopSiteAddress());
 }
 
-void MenusTest::menuTargets() {
-    QFETCH(QString, action);
-    QFETCH(QString, target);
-    Fixture f(false);
-    target.replace("<program>", f.platform.programFolder());
-    f.window->findChild<QAction*>(action)->trigger();
-    QCOMPARE(f.platform.shell.opened, QStringList{target});
-    QVERIFY(f.platform.messages.shown.isEmpty());
-}
-
-void MenusTest::aboutLinks_data() {
-    QTest::addColumn<QString>("label");
-    QTest::addColumn<QString>("caption");
-    QTest::addColumn<QString>("target");
-    const QString site = AppInfo::productSiteAddress();
-    const QString mail = AppInfo::authorMailAddress();
-    QTest::newRow("web site") << "Label20" << site << site;
-    QTest::newRow("feedback mail")
-        << "Label23" << mail << "mailto:" + mail + "?subject=Halvane Version 2.07 Feedback";
-    QTest::newRow("bug report form") << "Label27"
-                                     << "Bug report form" << site + "/bugreport.shtml";
-    QTest::newRow("N-0-P") << "Label6"
-                           << "N-0-P" << AppInfo::nopSiteAddress();
-}
-
-void MenusTest::aboutLinks() {
-    QFETCH(QString, label);
+void MenusTest::links() {
+    QFETCH(QString, control);
     QFETCH(QString, caption);
     QFETCH(QString, target);
     Fixture f;
-    auto* link = f.window->findChild<QLabel*>(label);
-    QVERIFY(link);
-    QCOMPARE(link->text(), caption);
-    f.ui().SSTab1->setCurrentIndex(label == "Label6" ? 4 : 5);
-    QTest::mouseClick(link, Qt::LeftButton, Qt::NoModifier, QPoint(2, 2));
-    QCOMPARE(f.platform.shell.opened, QStringList{target});
+    if (auto* item = f.window->findChild<QAction*>(control)) {
+        item->trigger();
+    } else {
+        auto* link = f.window->findChild<QLabel*>(control);
+        QVERIFY(link);
+        QCOMPARE(link->text(), caption);
+        f.ui().SSTab1->setCurrentIndex(control == "Label6" ? 4 : 5);
+        QTest::mouseClick(link, Qt::LeftButton, Qt::NoModifier, QPoint(2, 2));
+    }
+    QCOMPARE(f.platform.shell.opened,
+             QStringList{target.replace("<program>", f.platform.programFolder())});
+    QVERIFY(f.platform.messages.shown.isEmpty());
 }
 
 void MenusTest::f8ShowsAboutAndDisablesTheTabLeft() {

@@ -29,27 +29,15 @@ QStringList lines(int from, int to) {
     return result;
 }
 
-// A store whose every read of one key breaks down.
-class BrokenStore : public SettingsStore {
-public:
-    explicit BrokenStore(SettingsStore& inner, QString brokenKey)
-        : m_inner(inner), m_brokenKey(std::move(brokenKey)) {}
+// A store whose every read of the CD letter breaks down.
+struct BrokenStore : RecordingStore {
+    using RecordingStore::RecordingStore;
     QString read(const QString& section, const QString& key,
-                 const QString& defaultText) const override {
-        if (key == m_brokenKey)
+                 const QString& fallback) const override {
+        if (key == "CDLetter")
             throw std::runtime_error("unreadable");
-        return m_inner.read(section, key, defaultText);
+        return RecordingStore::read(section, key, fallback);
     }
-    bool write(const QString& section, const QString& key, const QString& value) override {
-        return m_inner.write(section, key, value);
-    }
-    bool flush() override { return m_inner.flush(); }
-    QString location() const override { return m_inner.location(); }
-    QString failureReason() const override { return m_inner.failureReason(); }
-
-private:
-    SettingsStore& m_inner;
-    QString m_brokenKey;
 };
 
 } // namespace
@@ -64,7 +52,6 @@ private slots:
     void saving();
     void cdDriveLoading_data();
     void cdDriveLoading();
-    void cdDriveFallsBackToC();
 
 private:
     void store(const QStringList& parameters, const QString& cdLine = QString());
@@ -123,30 +110,19 @@ void ParameterMemoryTest::loadingSkipsEmptyLinesAndNeverReadsTheEleventh() {
 void ParameterMemoryTest::saving_data() {
     QTest::addColumn<QStringList>("stored");      // Parameter0.. before
     QTest::addColumn<QString>("text");            // what the operator launches with
-    QTest::addColumn<QStringList>("afterwards");  // Parameter0..10 afterwards
+    QTest::addColumn<QStringList>("afterwards");  // Parameter0..10 afterwards, "" when empty
     QTest::addColumn<QStringList>("offeredNext"); // the list after reloading
-
-    QTest::newRow("new line goes first")
-        << QStringList{"a", "b", "c"} << "new"
-        << QStringList{"new", "a", "b", "c"} + QStringList(7, QString())
-        << QStringList{"new", "a", "b", "c"};
-    QTest::newRow("known line does not move")
-        << QStringList{"a", "b", "c"} << "b" << QStringList{"a", "b", "c"} + QStringList(8, "")
-        << QStringList{"a", "b", "c"};
-    QTest::newRow("equal to Parameter4")
-        << lines(0, 9) << "+set line 4" << lines(0, 9) + QStringList{""} << lines(0, 9);
-    QTest::newRow("letter case counts")
-        << QStringList{"abc"} << "ABC" << QStringList{"ABC", "abc"} + QStringList(9, "")
-        << QStringList{"ABC", "abc"};
-    QTest::newRow("ten lines and a new one: the oldest goes to Parameter10")
-        << lines(0, 9) << "newest" << QStringList{"newest"} + lines(0, 9)
-        << QStringList{"newest"} + lines(0, 8);
-    QTest::newRow("gaps close up when shifting")
-        << QStringList{"a", "", "c"} << "new" << QStringList{"new", "a", "c"} + QStringList(8, "")
-        << QStringList{"new", "a", "c"};
-    QTest::newRow("blanks only change nothing")
-        << QStringList{"a", "b"} << "   " << QStringList{"a", "b"} + QStringList(9, "")
-        << QStringList{"a", "b"};
+    const auto row = [](const char* name, const QStringList& stored, const char* text,
+                        QStringList afterwards, const QStringList& offered) {
+        afterwards.resize(11);
+        QTest::newRow(name) << stored << QString(text) << afterwards << offered;
+    };
+    row("equal to Parameter4: nothing moves", lines(0, 9), "+set line 4", lines(0, 9), lines(0, 9));
+    row("letter case counts", {"abc"}, "ABC", {"ABC", "abc"}, {"ABC", "abc"});
+    row("ten lines and a new one: the oldest goes to Parameter10", lines(0, 9), "newest",
+        QStringList{"newest"} + lines(0, 9), QStringList{"newest"} + lines(0, 8));
+    row("gaps close up when shifting", {"a", "", "c"}, "new", {"new", "a", "c"}, {"new", "a", "c"});
+    row("blanks only change nothing", {"a", "b"}, "   ", {"a", "b"}, {"a", "b"});
 }
 
 void ParameterMemoryTest::saving() {
@@ -174,49 +150,35 @@ void ParameterMemoryTest::saving() {
 }
 
 void ParameterMemoryTest::cdDriveLoading_data() {
-    QTest::addColumn<QString>("stored");
     QTest::addColumn<bool>("checked");
-    QTest::addColumn<QString>("shown");
-    QTest::newRow("E:, checked") << "E:" << true << "E:";
-    QTest::newRow("E:, unchecked keeps the letter") << "E:" << false << "E:";
+    QTest::addColumn<bool>("broken"); // the stored letter cannot be read
+    QTest::newRow("checked") << true << false;
+    QTest::newRow("unchecked keeps the letter") << false << false;
+    QTest::newRow("unreadable, checked") << true << true;
+    QTest::newRow("unreadable, unchecked") << false << true;
 }
 
 void ParameterMemoryTest::cdDriveLoading() {
-    QFETCH(QString, stored);
     QFETCH(bool, checked);
-    QFETCH(QString, shown);
-    if (!stored.isNull()) {
-        platform->ini->write("Advanced", "CDLetter", stored);
-        platform->ini->flush();
-    }
-    cdDrive->setText("old");
+    QFETCH(bool, broken);
+    platform->ini->write("Advanced", "CDLetter", "E:");
+    BrokenStore brokenStore(*platform->ini);
+    AppContext app{{platform->messages, platform->dialogs, platform->processes, platform->shell,
+                    platform->desktop, broken ? brokenStore : *platform->store, *platform->folder},
+                   AppState{}};
+    ParameterMemory loading(*combo, *specifyCd, *cdDrive, app);
+    cdDrive->setText("X:");
     cdDrive->setEnabled(!checked);
     specifyCd->setChecked(checked);
-    memory->loadCdDrive();
-    QCOMPARE(cdDrive->text(), shown);
+    loading.loadCdDrive();
+    QCOMPARE(cdDrive->text(), QString(broken ? "C:" : "E:"));
     QCOMPARE(cdDrive->isEnabled(), checked);
-    QCOMPARE(platform->messages.shown.size(), 0);
-}
-
-void ParameterMemoryTest::cdDriveFallsBackToC() {
-    for (const bool checked : {true, false}) {
-        platform->messages.clear();
-        BrokenStore broken(*platform->ini, "CDLetter");
-        AppContext app{{platform->messages, platform->dialogs, platform->processes, platform->shell,
-                        platform->desktop, broken, *platform->folder},
-                       AppState{}};
-        ParameterMemory failing(*combo, *specifyCd, *cdDrive, app);
-        specifyCd->setChecked(checked);
-        cdDrive->setText("X:");
-        failing.loadCdDrive();
-        QCOMPARE(cdDrive->text(), QStringLiteral("C:"));
-        QCOMPARE(cdDrive->isEnabled(), checked);
-        QCOMPARE(onlyMessage(platform->messages),
-                 message("Warning!",
-                         "Halvane was unable to locate a valid CD Rom drive.\r\rThe C: Drive has "
-                         "been selected by default.",
-                         MsgButtons::Ok, MsgIcon::Critical));
-    }
+    QCOMPARE(onlyMessage(platform->messages),
+             broken ? message("Warning!",
+                              "Halvane was unable to locate a valid CD Rom drive.\r\rThe C: Drive "
+                              "has been selected by default.",
+                              MsgButtons::Ok, MsgIcon::Critical)
+                    : "0 messages");
 }
 
 QTEST_MAIN(ParameterMemoryTest)

@@ -63,26 +63,24 @@ private slots:
 void ServerTest::status_data() {
     QTest::addColumn<QByteArray>("datagram");
     QTest::addColumn<QString>("expected");
+    const auto row = [](const char* name, const QByteArray& datagram, const char* expected) {
+        QTest::newRow(name) << datagram << QString(expected);
+    };
     const QByteArray head = Oob + "statusResponse\n";
-    QTest::newRow("players with colours and blanks")
-        << head + "\\sv_hostname\\^1Red ^7Arena\\mapname\\oa_dm1\n3 50 \"^4Blue Bot\"\n-2 0 \"x\"\n"
-        << "mapname=oa_dm1,sv_hostname=^1Red ^7Arena|^4Blue Bot:3:50|x:-2:0";
-    QTest::newRow("quotes inside a name run to the last one")
-        << head + "\\g\\1\n0 9 \"say \"hi\"\"\n"
-        << "g=1|say \"hi\":0:9";
-    QTest::newRow("no players") << head + "\\g_gametype\\4\\sv_maxclients\\12\n"
-                                << "g_gametype=4,sv_maxclients=12";
-    QTest::newRow("cut short: half a pair, an open name") << head + "\\a\\1\\mapna\n7 20 \"Sar"
-                                                          << "a=1|Sar:7:20";
-    QTest::newRow("line that is no player") << head + "\\a\\1\nabc 5 \"x\"\n5\n1 2 3 \"y\"\n"
-                                            << "a=1";
-    QTest::newRow("header only") << Oob + "statusResponse"
-                                 << "error: sent a status answer that was cut short";
-    QTest::newRow("garbage") << QByteArray("\x01garbage", 8)
-                             << "error: answered with something that is not a status (8 bytes)";
-    QTest::newRow("oversized") << head + "\\a\\" + QByteArray(MaxPacket, 'x')
-                               << "error: answered with 16406 bytes, more than a status answer "
-                                  "can hold";
+    row("players with colours and blanks",
+        head + "\\sv_hostname\\^1Red ^7Arena\\mapname\\oa_dm1\n3 50 \"^4Blue Bot\"\n-2 0 \"x\"\n",
+        "mapname=oa_dm1,sv_hostname=^1Red ^7Arena|^4Blue Bot:3:50|x:-2:0");
+    row("quotes inside a name run to the last one", head + "\\g\\1\n0 9 \"say \"hi\"\"\n",
+        "g=1|say \"hi\":0:9");
+    row("no players", head + "\\g_gametype\\4\\sv_maxclients\\12\n",
+        "g_gametype=4,sv_maxclients=12");
+    row("cut short: half a pair, an open name", head + "\\a\\1\\mapna\n7 20 \"Sar", "a=1|Sar:7:20");
+    row("line that is no player", head + "\\a\\1\nabc 5 \"x\"\n5\n1 2 3 \"y\"\n", "a=1");
+    row("header only", Oob + "statusResponse", "error: sent a status answer that was cut short");
+    row("garbage", QByteArray("\x01garbage", 8),
+        "error: answered with something that is not a status (8 bytes)");
+    row("oversized", head + "\\a\\" + QByteArray(MaxPacket, 'x'),
+        "error: answered with 16406 bytes, more than a status answer can hold");
 }
 
 void ServerTest::status() {
@@ -95,21 +93,20 @@ void ServerTest::rcon_data() {
     QTest::addColumn<QList<QByteArray>>("datagrams");
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("error");
+    const auto row = [](const char* name, const QList<QByteArray>& datagrams, const char* text,
+                        const char* error) {
+        QTest::newRow(name) << datagrams << QString(text) << QString(error);
+    };
     const QByteArray print = Oob + "print\n";
-    QTest::newRow("several packets, a stray one among them")
-        << QList<QByteArray>{print + "map: oa_dm1\nnum sc", Oob + "statusResponse\n\\a\\b",
-                             print + "ore ping\n", print + " 0 0 0 Sarge\n"}
-        << "map: oa_dm1\nnum score ping\n 0 0 0 Sarge\n"
-        << "";
-    QTest::newRow("wrong password")
-        << QList<QByteArray>{print + "Bad rconpassword.\n"} << "Bad rconpassword.\n"
-        << "the server refused the Console (rcon) Password";
-    QTest::newRow("no password on the server")
-        << QList<QByteArray>{print + "No rconpassword set on the server.\n"}
-        << "No rconpassword set on the server.\n"
-        << "the server has no Console (rcon) Password";
-    QTest::newRow("silence") << QList<QByteArray>{} << ""
-                             << "no answer from the server's console";
+    row("several packets, a stray one among them",
+        {print + "map: oa_dm1\nnum sc", Oob + "statusResponse\n\\a\\b", print + "ore ping\n",
+         print + " 0 0 0 Sarge\n"},
+        "map: oa_dm1\nnum score ping\n 0 0 0 Sarge\n", "");
+    row("wrong password", {print + "Bad rconpassword.\n"}, "Bad rconpassword.\n",
+        "the server refused the Console (rcon) Password");
+    row("no password on the server", {print + "No rconpassword set on the server.\n"},
+        "No rconpassword set on the server.\n", "the server has no Console (rcon) Password");
+    row("silence", {}, "", "no answer from the server's console");
 }
 
 void ServerTest::rcon() {
@@ -125,17 +122,14 @@ void ServerTest::colours_data() {
     QTest::addColumn<QString>("text");
     QTest::addColumn<QString>("plain");
     QTest::addColumn<QString>("html");
-    QTest::newRow("colours, white is plain")
-        << "^1Red^7 <b>&"
-        << "Red <b>&"
-        << "<span style=\"color:#cc0000\">Red</span> &lt;b&gt;&amp;";
-    QTest::newRow("caret before a code, letter code, caret at the end")
-        << "^^2x^ay^"
-        << "^xy^"
-        << "^<span style=\"color:#008800\">x</span><span style=\"color:#cc0000\">y^</span>";
-    QTest::newRow("control characters go, line ends stay") << "a\x01\nb"
-                                                           << "a\nb"
-                                                           << "ab";
+    const auto row = [](const char* name, const char* text, const char* plain, const char* html) {
+        QTest::newRow(name) << QString(text) << QString(plain) << QString(html);
+    };
+    row("colours, white is plain", "^1Red^7 <b>&", "Red <b>&",
+        "<span style=\"color:#cc0000\">Red</span> &lt;b&gt;&amp;");
+    row("caret before a code, letter code, caret at the end", "^^2x^ay^", "^xy^",
+        "^<span style=\"color:#008800\">x</span><span style=\"color:#cc0000\">y^</span>");
+    row("control characters go, line ends stay", "a\x01\nb", "a\nb", "ab");
 }
 
 void ServerTest::colours() {
@@ -175,6 +169,7 @@ void ServerTest::records_data() {
     QTest::addColumn<QString>("expected"); // id:state of each record, then the problem line
     const QByteArray a = recordLine("a", 1000, 7000);
     const QByteArray b = recordLine("b", 1001, 7007);
+    const QString kept = " the file as it was is kept as <state>/servers.jsonl.damaged";
     QTest::newRow("running, and an id reused by another process")
         << a + recordLine("reused", 1001, 5)
         << "a:running reused:ended while Halvane was not running";
@@ -182,12 +177,13 @@ void ServerTest::records_data() {
         << a + "\x01\xfe garbage\n" + recordLine("noport", 1000, 7000, 0) + "{\"id\":\"x\"}\n" + b +
                b.left(40)
         << "a:running b:running Damaged server list <state>/servers.jsonl: line 2: illegal value; "
-           "line 3: no port; line 4: no process id; line 6: unterminated string; the file as it "
-           "was is kept as <state>/servers.jsonl.damaged";
-    QTest::newRow("not records at all") << QByteArray("[1,2]\n\"x\"\n")
-                                        << "Damaged server list <state>/servers.jsonl: line 1: not "
-                                           "a record; line 2: illegal value; the file as it was is "
-                                           "kept as <state>/servers.jsonl.damaged";
+           "line 3: no port; line 4: no process id; line 6: unterminated string;" +
+               kept;
+    QTest::newRow("not records at all")
+        << QByteArray("[1,2]\n\"x\"\n")
+        << "Damaged server list <state>/servers.jsonl: line 1: not a record; line 2: illegal "
+           "value;" +
+               kept;
 }
 
 void ServerTest::records() {

@@ -20,6 +20,7 @@ class ShellTest : public QObject {
     Q_OBJECT
 private slots:
     void startUpRunsItsStepsInOrder();
+    void shutDownSavesParametersBeforeSettings_data();
     void shutDownSavesParametersBeforeSettings();
     void secondCopyEndsWithoutStoring();
     void savesOnABrokenDisk_data();
@@ -28,10 +29,7 @@ private slots:
     void resizePlacesTheStatusPanel();
     void toggleAtThreshold_data();
     void toggleAtThreshold();
-    void animationLetsEventsRunAndIgnoresReentry();
-    void tipLineAppearsAbove6000();
-    void panelStateIsRestoredAtNextStart_data();
-    void panelStateIsRestoredAtNextStart();
+    void rollingOutLetsEventsRunAndShowsTheTipAbove6000();
 };
 
 namespace {
@@ -90,9 +88,19 @@ void ShellTest::startUpRunsItsStepsInOrder() {
     QVERIFY(f.platform.store->writes.isEmpty()); // start-up stores nothing
 }
 
+void ShellTest::shutDownSavesParametersBeforeSettings_data() {
+    QTest::addColumn<bool>("open"); // the status panel when closing
+    QTest::newRow("panel open") << true;
+    QTest::newRow("panel closed") << false;
+}
+
 void ShellTest::shutDownSavesParametersBeforeSettings() {
+    QFETCH(bool, open);
     Fixture f;
     f.window->showMainWindow();
+    QVERIFY(f.panel().isOpen()); // the default is open
+    if (!open)
+        f.ui().mnuViewStatusBar->trigger();
     f.ui().txtCmdParameters->setEditText("+set sv_fps 30");
     QStringList steps;
     QList<int> writesAtStep;
@@ -113,6 +121,14 @@ void ShellTest::shutDownSavesParametersBeforeSettings() {
     QVERIFY(writes.mid(0, writesAtStep[3]).join('\n').contains("+set sv_fps 30"));
     QVERIFY(writes.mid(writesAtStep[3]).contains("Settings/LastTab=0"));
     QVERIFY(f.window->hasEnded());
+    // The next start shows the status panel as it was left.
+    QCOMPARE(f.platform.ini->read("Settings", "StatusBar", ""), open ? "True" : "False");
+    f.platform.reopenStore();
+    MainWindow second(*f.platform.app);
+    second.showMainWindow();
+    QCOMPARE(second.statusPanel().isOpen(), open);
+    QCOMPARE(second.statusPanel().heightTwips(), open ? 6450 : 5790);
+    QCOMPARE(second.form().mnuViewStatusBar->isChecked(), open);
 }
 
 void ShellTest::secondCopyEndsWithoutStoring() {
@@ -289,76 +305,33 @@ void ShellTest::toggleAtThreshold() {
         QVERIFY(f.ui().txtTip->isVisible());
 }
 
-void ShellTest::animationLetsEventsRunAndIgnoresReentry() {
+void ShellTest::rollingOutLetsEventsRunAndShowsTheTipAbove6000() {
     Fixture f;
     f.window->showMainWindow();
     f.panel().setHeightTwips(5790);
-    QList<int> seenHeights;
+    f.ui().scrTip->hide();
     // Timers fire while the panel rolls: the window stays usable. A second
     // click meanwhile is ignored rather than starting a second animation.
+    QList<QPair<int, bool>> seen;
     QTimer timer;
     timer.setInterval(0);
     connect(&timer, &QTimer::timeout, [&] {
-        seenHeights << f.panel().heightTwips();
+        seen << qMakePair(f.panel().heightTwips(), f.ui().scrTip->isVisible());
         f.ui().btnStatus->click();
     });
     timer.start();
     f.ui().btnStatus->click();
     timer.stop();
-    QVERIFY(seenHeights.size() > 10);
-    QVERIFY(seenHeights.first() < seenHeights.last());
-    QCOMPARE(f.panel().heightTwips(), 6450);
-    QVERIFY(f.ui().mnuViewStatusBar->isChecked());
-}
-
-void ShellTest::tipLineAppearsAbove6000() {
-    Fixture f;
-    f.window->showMainWindow();
-    f.panel().setHeightTwips(5790);
-    f.ui().scrTip->hide();
-    QList<QPair<int, bool>> seen;
-    QTimer timer;
-    timer.setInterval(0);
-    connect(&timer, &QTimer::timeout,
-            [&] { seen << qMakePair(f.panel().heightTwips(), f.ui().scrTip->isVisible()); });
-    timer.start();
-    f.panel().RollOut();
-    timer.stop();
     QVERIFY(seen.size() > 10);
+    QVERIFY(seen.first().first < seen.last().first);
     for (const auto& [height, visible] : seen)
         QVERIFY2(visible == (height > 6000), qPrintable(QString::number(height)));
-    QVERIFY(f.ui().scrTip->isVisible());
+    QCOMPARE(f.panel().heightTwips(), 6450);
+    QVERIFY(f.ui().mnuViewStatusBar->isChecked() && f.ui().scrTip->isVisible());
     // Rolling in leaves it shown; at the closed height it has no height.
     f.panel().Rollin();
     QVERIFY(f.ui().scrTip->isVisible());
     QCOMPARE(f.ui().scrTip->height(), 0);
-}
-
-void ShellTest::panelStateIsRestoredAtNextStart_data() {
-    QTest::addColumn<bool>("open");
-    QTest::newRow("closed") << false;
-    QTest::newRow("open") << true;
-}
-
-void ShellTest::panelStateIsRestoredAtNextStart() {
-    QFETCH(bool, open);
-    TestPlatform platform;
-    platform.makeGameFolder();
-    {
-        MainWindow first(*platform.app);
-        first.showMainWindow();
-        QVERIFY(first.statusPanel().isOpen()); // the default is open
-        if (!open)
-            first.form().mnuViewStatusBar->trigger();
-        first.close();
-    }
-    QCOMPARE(platform.ini->read("Settings", "StatusBar", ""), open ? "True" : "False");
-    platform.reopenStore();
-    MainWindow second(*platform.app);
-    second.showMainWindow();
-    QCOMPARE(second.statusPanel().isOpen(), open);
-    QCOMPARE(second.statusPanel().heightTwips(), open ? 6450 : 5790);
-    QCOMPARE(second.form().mnuViewStatusBar->isChecked(), open);
 }
 
 QTEST_MAIN(ShellTest)

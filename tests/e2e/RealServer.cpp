@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHostAddress>
+#include <QRegularExpression>
 #include <QThread>
 #include <QUdpSocket>
 
@@ -73,27 +74,19 @@ QStringList ServerStatus::playerNames() const {
     return names;
 }
 
+// "statusResponse", then \key\value\key\value..., then one line per player:
+// score ping "name".
 ServerStatus parseStatus(const QByteArray& reply) {
     ServerStatus status;
-    QList<QByteArray> lines = reply.split('\n');
-    if (lines.size() < 2)
-        return status;
-    // Line 0 is "statusResponse"; line 1 is \key\value\key\value...
-    const QList<QByteArray> pairs = lines[1].split('\\');
+    const QStringList lines = QString::fromLatin1(reply).split('\n');
+    const QStringList pairs = lines.value(1).split('\\');
     for (qsizetype i = 1; i + 1 < pairs.size(); i += 2)
-        status.info.insert(QString::fromLatin1(pairs[i]), QString::fromLatin1(pairs[i + 1]));
-    // Then one line per player: score ping "name".
-    for (qsizetype i = 2; i < lines.size(); ++i) {
-        const QByteArray line = lines[i].trimmed();
-        const qsizetype quote = line.indexOf('"');
-        if (line.isEmpty() || quote < 0)
-            continue;
-        const QList<QByteArray> numbers = line.left(quote).simplified().split(' ');
-        ServerStatus::Player player;
-        player.score = numbers.value(0).toInt();
-        player.ping = numbers.value(1).toInt();
-        player.name = QString::fromLatin1(line.mid(quote + 1, line.lastIndexOf('"') - quote - 1));
-        status.players.append(player);
+        status.info.insert(pairs[i], pairs[i + 1]);
+    static const QRegularExpression player(QStringLiteral("^(-?\\d+) +(-?\\d+) +\"(.*)\"$"));
+    for (const QString& line : lines.mid(2)) {
+        const QRegularExpressionMatch m = player.match(line.trimmed());
+        if (m.hasMatch())
+            status.players.append({m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3)});
     }
     return status;
 }

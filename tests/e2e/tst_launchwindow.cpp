@@ -75,7 +75,7 @@ void chooseMap(Ui::frmMain& ui, const QString& name, const QString& time, const 
 
 // The operator's first run: the game location chosen in the path dialog,
 // then a dedicated team game with random bots and a two-map rotation on a
-// free loopback port, announced to no master server.
+// free loopback port, announced to no master server, launched.
 struct Operator {
     StartedServers started;
     test::TestPlatform platform; // no game location stored yet
@@ -99,10 +99,12 @@ struct Operator {
         window = std::make_unique<MainWindow>(app);
         window->start();
     }
-    void prepare();
+    // Sets everything up, presses "Launch the Server" and reads the bot sets.
+    void launch();
+    QSet<QString> firstBots, secondBots; // of the two maps
 };
 
-void Operator::prepare() {
+void Operator::launch() {
     const QString built = buildGameFolder(game);
     QVERIFY2(built.isEmpty(), qPrintable(built));
     // The free game's maps, named for import at start-up, and a bot list of
@@ -144,6 +146,11 @@ void Operator::prepare() {
     chooseMap(ui, "oa_dm1", "25", "60");
     ui.txtNetIP->setText("127.0.0.1");
     ui.txtNetPort->setText(QString::number(port));
+    ui.cmdStart->click();
+    QVERIFY2(platform.messages.shown.isEmpty(), qPrintable(test::onlyMessage(platform.messages)));
+    const QString srvbots = game + "/baseq3/srvbots/botset%1.cfg";
+    firstBots = addedBots(srvbots.arg(0));
+    secondBots = addedBots(srvbots.arg(1));
 }
 
 } // namespace
@@ -164,22 +171,16 @@ void TestLaunchWindow::init() {
 
 void TestLaunchWindow::operatorLaunchesTwoServers() {
     Operator op;
-    op.prepare();
+    op.launch();
     if (QTest::currentTestFailed())
         return;
     MainWindow& window = *op.window;
-    Ui::frmMain& ui = op.ui();
     test::TestPlatform& platform = op.platform;
     const quint16 port = op.port;
     StartedServers& started = op.started;
-    ui.cmdStart->click();
-    QVERIFY2(platform.messages.shown.isEmpty(), qPrintable(test::onlyMessage(platform.messages)));
+    const QSet<QString>&firstBots = op.firstBots, &secondBots = op.secondBots;
     QVERIFY(window.launch().ServerRunning());
     started.tasks << window.launch().ServerTaskID;
-
-    const QString srvbots = op.game + "/baseq3/srvbots/botset%1.cfg";
-    const QSet<QString> firstBots = addedBots(srvbots.arg(0));
-    const QSet<QString> secondBots = addedBots(srvbots.arg(1));
     QVERIFY(firstBots.size() >= 2 && secondBots.size() >= 2);
     const auto lives = [&] { return window.launch().ServerRunning(); };
     auto status = waitForStatus(
@@ -213,9 +214,9 @@ void TestLaunchWindow::operatorLaunchesTwoServers() {
     // A second server while the first runs: the question, then another port.
     const quint16 second = freeUdpPort();
     QVERIFY(second != port);
-    ui.txtNetPort->setText(QString::number(second));
+    op.ui().txtNetPort->setText(QString::number(second));
     platform.messages.answers = {MsgAnswer::Yes};
-    ui.cmdStart->click();
+    op.ui().cmdStart->click();
     QCOMPARE(test::onlyMessage(platform.messages),
              test::message("Duplicate Server Confirmation",
                            "A server has already been launched, do you want to start another "
@@ -242,15 +243,10 @@ void TestLaunchWindow::operatorLaunchesTwoServers() {
 // by the monitor, and found again by the next run of the program.
 void TestLaunchWindow::serverWindowSteersTheServer() {
     Operator op;
-    op.prepare();
+    op.launch();
     if (QTest::currentTestFailed())
         return;
-    op.ui().cmdStart->click();
-    QVERIFY2(op.platform.messages.shown.isEmpty(),
-             qPrintable(test::onlyMessage(op.platform.messages)));
-    const QString srvbots = op.game + "/baseq3/srvbots/botset%1.cfg";
-    const QSet<QString> firstBots = addedBots(srvbots.arg(0));
-    const QSet<QString> secondBots = addedBots(srvbots.arg(1));
+    const QSet<QString>&firstBots = op.firstBots, &secondBots = op.secondBots;
     QVERIFY(secondBots.size() >= 2); // one to kick, one to stay
 
     op.window->findChild<QAction*>("mnuServerStatus")->trigger();
