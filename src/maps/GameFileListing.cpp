@@ -1,6 +1,8 @@
 #include "maps/GameFileListing.h"
 
 #include <QThread>
+#include <QWidget>
+#include <QWindow>
 
 namespace halvane {
 
@@ -15,8 +17,31 @@ GameFileListing::~GameFileListing() {
     drop();
 }
 
-void GameFileListing::start(const QString& gameFolder) {
+void GameFileListing::start(const QString& gameFolder, const QWidget& window) {
     drop();
+    m_asked = gameFolder;
+    QWindow* shown = window.windowHandle();
+    if (shown && !shown->isExposed())
+        shown->installEventFilter(this);
+    else
+        QMetaObject::invokeMethod(this, &GameFileListing::startAsked, Qt::QueuedConnection);
+}
+
+// The window paints its frame while it handles the exposure; the listing
+// starts after that.
+bool GameFileListing::eventFilter(QObject* watched, QEvent* event) {
+    if (event->type() == QEvent::Expose && static_cast<QWindow*>(watched)->isExposed()) {
+        watched->removeEventFilter(this);
+        QMetaObject::invokeMethod(this, &GameFileListing::startAsked, Qt::QueuedConnection);
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void GameFileListing::startAsked() {
+    if (!m_asked)
+        return;
+    const QString gameFolder = *m_asked;
+    m_asked.reset();
     auto run = std::make_shared<Run>();
     m_run = run;
     m_thread.reset(QThread::create(
@@ -27,11 +52,13 @@ void GameFileListing::start(const QString& gameFolder) {
 }
 
 void GameFileListing::finish() {
+    startAsked();
     if (m_run)
         takeOver(m_run);
 }
 
 void GameFileListing::drop() {
+    m_asked.reset();
     if (m_run)
         m_run->stop = true;
     if (m_thread)

@@ -14,7 +14,8 @@ namespace halvane {
 
 MapsController::MapsController(QWidget& mainWindow, Ui::frmMain& ui, AppContext& app,
                                MapCatalogue& catalogue)
-    : ui(ui), m_app(app), m_catalogue(catalogue), m_gameFiles(std::make_unique<GameFileListing>()) {
+    : ui(ui), m_mainWindow(mainWindow), m_app(app), m_catalogue(catalogue),
+      m_gameFiles(std::make_unique<GameFileListing>()) {
     const GameFiles& gameFiles = m_gameFiles->files();
     m_rules = std::make_unique<MapRulesPanel>(ui, m_catalogue, app);
     m_preview = std::make_unique<MapPreview>(ui, app, gameFiles);
@@ -66,7 +67,7 @@ void MapsController::LoadMaps() {
 }
 
 void MapsController::listGameFiles() {
-    m_gameFiles->start(m_app.state.GameFolder);
+    m_gameFiles->start(m_app.state.GameFolder, m_mainWindow);
 }
 
 void MapsController::CommitShownMap() {

@@ -69,6 +69,7 @@ public:
 
 private:
     Ui::frmMain& ui;
+    QWidget& m_mainWindow;
     AppContext& m_app;
     MapCatalogue& m_catalogue;
     std::unique_ptr<GameFileListing> m_gameFiles;
