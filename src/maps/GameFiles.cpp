@@ -43,9 +43,11 @@ bool loadsBefore(const QString& a, const QString& b) {
 
 GameFiles GameFiles::list(const QString& gameFolder, const std::atomic<bool>* stop) {
     GameFiles files;
+    if (gameFolder.isEmpty())
+        return files; // no game known yet: no map is taken for missing
     for (const char* name : DataFolders) {
         const QString folder = findIgnoringCase(gameFolder, QLatin1String(name));
-        if (gameFolder.isEmpty() || !QFileInfo(folder).isDir())
+        if (!QFileInfo(folder).isDir())
             continue;
         for (const QString& map : looseMapNames(findIgnoringCase(folder, QStringLiteral("maps"))))
             files.m_maps.insert(gameFileKey(map));
