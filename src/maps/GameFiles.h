@@ -20,7 +20,8 @@ struct ArchiveMember {
 // The data folders are baseq3 and, beside it, baseoa, the base folder of the
 // free game, which runs with baseq3 as its mod folder. Names are matched as
 // the game's file system matches archive members: ASCII letters without
-// regard to case, '\' and ':' taken for '/'.
+// regard to case, '\' and ':' taken for '/'. Loose map files match in any
+// case too, as on Windows (the game on Linux wants a loose file's exact name).
 class GameFiles {
 public:
     // Lists the data folders below gameFolder: their loose maps and the
