@@ -8,10 +8,12 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QTemporaryDir>
 #include <algorithm>
 #include <memory>
 #include <vector>
+#include <zip.h>
 
 namespace halvane::bench {
 
@@ -40,6 +42,21 @@ struct BenchPlatform {
     QString program() const { return dir.filePath(QStringLiteral("program")); }
     QString game() const { return dir.filePath(QStringLiteral("game")); }
 };
+
+// One archive holding these members, each with a few bytes.
+inline bool writeArchive(const QString& path, const QStringList& members) {
+    static const char content[] = "IBSP and some bytes of map data";
+    int error = 0;
+    zip_t* archive =
+        zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &error);
+    if (!archive)
+        return false;
+    for (const QString& member : members) {
+        zip_source_t* source = zip_source_buffer(archive, content, sizeof content, 0);
+        zip_file_add(archive, member.toLatin1().constData(), source, 0);
+    }
+    return zip_close(archive) == 0;
+}
 
 inline double median(std::vector<double> values) {
     if (values.empty())

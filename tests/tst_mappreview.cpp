@@ -2,6 +2,7 @@
 // drawn into the box.
 #include "TestSupport.h"
 
+#include "maps/GameFileListing.h"
 #include "maps/MapPreview.h"
 #include "maps/MapsController.h"
 #include "ui/MainWindow.h"
@@ -43,7 +44,8 @@ private slots:
 };
 
 void MapPreviewTest::pictureChoice_data() {
-    QTest::addColumn<QStringList>("files"); // "p:" program folder, "g:" game folder
+    // "p:" program folder, "g:" game folder; "archive|member" a member of an archive.
+    QTest::addColumn<QStringList>("files");
     QTest::addColumn<int>("kind");
     QTest::addColumn<QString>("chosen");
     QTest::newRow("thumbnail jpeg first")
@@ -56,6 +58,23 @@ void MapPreviewTest::pictureChoice_data() {
         << QStringList{"p:maps/DEFAULT.jpg", "p:Maps/other.jpg"} << int(PreviewSource::Jpeg)
         << "p:maps/DEFAULT.jpg";
     QTest::newRow("nothing") << QStringList{"p:Maps/other.jpg"} << int(PreviewSource::None) << "";
+    // The game finds archive members whatever the letter case.
+    QTest::newRow("archived jpeg before the default picture")
+        << QStringList{"g:baseq3/pak0.pk3|LevelShots/Q3DM1.JPG", "p:Maps/DEFAULT.jpg"}
+        << int(PreviewSource::Jpeg) << "g:baseq3/pak0.pk3|LevelShots/Q3DM1.JPG";
+    QTest::newRow("archived targa")
+        << QStringList{"g:baseoa/pak0.pk3|levelshots/q3dm1.tga"} << int(PreviewSource::Targa)
+        << "g:baseoa/pak0.pk3|levelshots/q3dm1.tga";
+    QTest::newRow("loose level shot before the archives")
+        << QStringList{"g:baseq3/levelshots/q3dm1.tga", "g:baseq3/pak0.pk3|levelshots/q3dm1.jpg"}
+        << int(PreviewSource::Targa) << "g:baseq3/levelshots/q3dm1.tga";
+    // Letters compare as capitals, so "_" sorts after them; baseq3 before baseoa.
+    QTest::newRow("the archive the game searches first")
+        << QStringList{"g:baseq3/pak_x.pk3|levelshots/q3dm1.jpg",
+                       "g:baseq3/PAKZ.pk3|levelshots/q3dm1.jpg",
+                       "g:baseq3/paka.pk3|levelshots/q3dm1.jpg",
+                       "g:baseoa/zz.pk3|levelshots/q3dm1.jpg"}
+        << int(PreviewSource::Jpeg) << "g:baseq3/pak_x.pk3|levelshots/q3dm1.jpg";
 }
 
 void MapPreviewTest::pictureChoice() {
@@ -68,12 +87,19 @@ void MapPreviewTest::pictureChoice() {
         return (file.startsWith("p:") ? platform.programFolder() : platform.gameFolder()) + '/' +
                file.mid(2);
     };
-    for (const QString& file : files)
-        platform.writeFile(place(file), "picture");
+    for (const QString& file : files) {
+        if (file.contains('|'))
+            QVERIFY(makeArchive(place(file.section('|', 0, 0)), {file.section('|', 1)}));
+        else
+            platform.writeFile(place(file), "picture");
+    }
+    const GameFiles listed = GameFiles::list(platform.gameFolder());
     const PreviewSource source =
-        findPreview(platform.programFolder(), platform.gameFolder(), " q3dm1 ");
+        findPreview(platform.programFolder(), platform.gameFolder(), " q3dm1 ", &listed);
     QCOMPARE(int(source.kind), kind);
-    QCOMPARE(source.path, chosen.isEmpty() ? QString() : place(chosen));
+    QCOMPARE(source.path, chosen.isEmpty() ? QString() : place(chosen.section('|', 0, 0)));
+    QCOMPARE(QString(source.member), chosen.section('|', 1));
+    QCOMPARE(source.content, QByteArray(chosen.contains('|') ? "IBSP" : ""));
 }
 
 void MapPreviewTest::picturesInTheWindow() {
@@ -85,6 +111,10 @@ void MapPreviewTest::picturesInTheWindow() {
     QDir().mkpath(platform.programFolder() + "/maps"); // beside Maps, which holds the picture
     QVERIFY(QFile::copy(HALVANE_BIN_DIR "/maps/default.jpg",
                         platform.programFolder() + "/Maps/default.jpg"));
+    QVERIFY(makeArchive(platform.gameFolder() + "/baseoa/pak0.pk3",
+                        {"levelshots/x.jpg", "LEVELSHOTS/Y.TGA"},
+                        {{"levelshots/x.jpg", readAll(HALVANE_BIN_DIR "/maps/default.jpg")},
+                         {"LEVELSHOTS/Y.TGA", targa(40, 30)}}));
     MainWindow window(*platform.app);
     window.showMainWindow();
     Ui::frmMain& ui = window.form();
@@ -105,6 +135,12 @@ void MapPreviewTest::picturesInTheWindow() {
     window.maps().preview().showPreview("none");
     QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap);
     QVERIFY(ui.imgMap->pixmap().isNull());
+    // Level shots in the free game's archives, listed once the window showed.
+    window.maps().gameFiles().finish();
+    window.maps().preview().showPreview("x");
+    QCOMPARE(ui.imgMap1->pixmap().size(), QSize(160, 120));
+    window.maps().preview().showPreview("y");
+    QCOMPARE(ui.imgMap->pixmap().toImage().pixel(39, 29) & 0xFFFFFF, tgaColour(39, 29) & 0xFFFFFF);
     QVERIFY(readTarga(platform.programFolder() + "/Maps/bad.tga").isNull());
 }
 

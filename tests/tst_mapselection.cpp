@@ -3,8 +3,11 @@
 // and the game-type suggestions.
 #include "TestSupport.h"
 
+#include "maps/GameFileListing.h"
 #include "maps/MapCatalogue.h"
+#include "maps/MapDiscovery.h"
 #include "maps/MapEditor.h"
+#include "maps/MapEntryDelegate.h"
 #include "maps/MapsController.h"
 #include "ui/MainWindow.h"
 #include "ui_frmMain.h"
@@ -54,6 +57,8 @@ class MapSelectionTest : public QObject {
 private slots:
     void selectionFileRoundTrip();
     void wideEntryScrolls();
+    void missingMapsMarked_data();
+    void missingMapsMarked();
     void addInsertsAfterTheHighlightedSelection();
     void upAndDown_data();
     void upAndDown();
@@ -84,6 +89,49 @@ void MapSelectionTest::wideEntryScrolls() {
     w.ui->SSTab1->setCurrentIndex(2);
     QCoreApplication::processEvents();
     QVERIFY(w.ui->SelMap->horizontalScrollBar()->maximum() > 0);
+}
+
+void MapSelectionTest::missingMapsMarked_data() {
+    QTest::addColumn<QStringList>("gameFiles"); // "archive|member" or a file, in the game folder
+    QTest::addColumn<QString>("marked");        // in MapList, then in SelMap
+    QTest::newRow("loose and archived maps, names in any letter case")
+        << QStringList{"baseq3/maps/q3dm1.bsp", "baseoa/pak0.pk3|MAPS/Oa_Dm1.Bsp",
+                       "baseq3/z.pk3|maps/q3dm2.bsp"}
+        << "gone gone";
+    QTest::newRow("pictures, other folders and unreadable archives hold no maps")
+        << QStringList{"baseq3/z.pk3|levelshots/q3dm1.jpg", "baseq3/z.pk3|maps/sub/q3dm1.bsp",
+                       "baseq3/z.pk3|q3dm2.bsp", "missionpack/maps/oa_dm1.bsp", "baseq3/bad.pk3"}
+        << "q3dm1 Q3DM2 oa_dm1 gone gone q3dm1";
+}
+
+// The lists are made after "Search" too; the marks are what the delegate
+// paints: a grey foreground and a tool tip.
+void MapSelectionTest::missingMapsMarked() {
+    QFETCH(QStringList, gameFiles);
+    QFETCH(QString, marked);
+    Window w({"q3dm1", "Q3DM2", "oa_dm1", "gone"}, " gone\r\nq3dm1\r\n");
+    w.maps().gameFiles().finish(); // the lists made when the window showed
+    for (const QString& file : gameFiles) {
+        const QString path = w.platform.gameFolder() + '/' + file.section('|', 0, 0);
+        if (file.contains('|'))
+            QVERIFY(makeArchive(path, {file.section('|', 1)}));
+        else
+            w.platform.writeFile(path, "IBSP");
+    }
+    w.maps().discovery().pause = [] {};
+    w.ui->cmdSearchMaps->click();
+    w.maps().gameFiles().finish();
+    QStringList found;
+    for (QListWidget* list : {w.ui->MapList, w.ui->SelMap}) {
+        const auto* delegate = qobject_cast<MapEntryDelegate*>(list->itemDelegate());
+        for (int row = 0; row < list->count(); ++row) {
+            const QModelIndex index = list->model()->index(row, 0);
+            const QString tip = delegate->entryData(index, Qt::ToolTipRole).toString();
+            if (delegate->entryData(index, Qt::ForegroundRole).isValid() || !tip.isEmpty())
+                found << list->item(row)->text().trimmed() + (tip.isEmpty() ? "(no tip)" : "");
+        }
+    }
+    QCOMPARE(found.join(' '), marked);
 }
 
 void MapSelectionTest::addInsertsAfterTheHighlightedSelection() {

@@ -1,6 +1,8 @@
 #include "maps/MapPreview.h"
 
 #include "app/AppContext.h"
+#include "maps/ArchiveListing.h"
+#include "maps/GameFiles.h"
 #include "maps/MapRecord.h"
 #include "ui_frmMain.h"
 
@@ -9,42 +11,78 @@
 #include <QImageReader>
 #include <QPainter>
 #include <QPixmap>
+#include <optional>
 
 namespace halvane {
 
-PreviewSource findPreview(const QString& programFolder, const QString& gameFolder,
-                          const QString& mapName) {
-    const QString name = trimSpaces(mapName);
-    struct Candidate {
-        bool inGame;
-        QString relative;
-        PreviewSource::Kind kind;
-    };
-    const Candidate candidates[] = {
-        {false, QStringLiteral("Maps/") + name + QStringLiteral(".jpg"), PreviewSource::Jpeg},
-        {false, QStringLiteral("Maps/") + name + QStringLiteral(".tga"), PreviewSource::Targa},
-        {true, QStringLiteral("baseq3/levelshots/") + name + QStringLiteral(".jpg"),
-         PreviewSource::Jpeg},
-        {true, QStringLiteral("baseq3/levelshots/") + name + QStringLiteral(".tga"),
-         PreviewSource::Targa},
-        {false, QStringLiteral("Maps/DEFAULT.jpg"), PreviewSource::Jpeg},
-    };
+namespace {
+// Larger members are no level shot; reading them could exhaust memory.
+constexpr qint64 MaxPictureBytes = 64 * 1024 * 1024;
+
+struct Candidate {
+    bool inGame;
+    QString relative;
+    PreviewSource::Kind kind;
+};
+
+std::optional<PreviewSource> firstFile(const QString& programFolder, const QString& gameFolder,
+                                       std::initializer_list<Candidate> candidates) {
     for (const Candidate& candidate : candidates) {
         const QString base = candidate.inGame ? gameFolder : programFolder;
         if (base.isEmpty())
             continue;
         const QString path = findIgnoringCase(base, candidate.relative);
         if (FileExists(path))
-            return {candidate.kind, path};
+            return PreviewSource{candidate.kind, path, {}, {}};
     }
-    return {};
+    return std::nullopt;
+}
+
+// The level shot the game reads from its archives, JPEG before Targa as
+// among the loose ones; a member that cannot be read counts as none.
+std::optional<PreviewSource> inArchives(const GameFiles& archives, const QString& name) {
+    const std::pair<QLatin1String, PreviewSource::Kind> kinds[] = {
+        {QLatin1String(".jpg"), PreviewSource::Jpeg},
+        {QLatin1String(".tga"), PreviewSource::Targa}};
+    for (const auto& [extension, kind] : kinds) {
+        const auto member = archives.findLevelShot(name + extension);
+        if (!member)
+            continue;
+        if (auto content = readArchiveMember(member->archive, member->member, MaxPictureBytes))
+            return PreviewSource{kind, member->archive, member->member, *content};
+    }
+    return std::nullopt;
+}
+} // namespace
+
+PreviewSource findPreview(const QString& programFolder, const QString& gameFolder,
+                          const QString& mapName, const GameFiles* archives) {
+    const QString name = trimSpaces(mapName);
+    const QString levelShot = QStringLiteral("baseq3/levelshots/") + name;
+    if (auto source = firstFile(
+            programFolder, gameFolder,
+            {{false, QStringLiteral("Maps/") + name + QStringLiteral(".jpg"), PreviewSource::Jpeg},
+             {false, QStringLiteral("Maps/") + name + QStringLiteral(".tga"), PreviewSource::Targa},
+             {true, levelShot + QStringLiteral(".jpg"), PreviewSource::Jpeg},
+             {true, levelShot + QStringLiteral(".tga"), PreviewSource::Targa}}))
+        return *source;
+    if (archives) {
+        if (auto source = inArchives(*archives, name))
+            return *source;
+    }
+    return firstFile(programFolder, gameFolder,
+                     {{false, QStringLiteral("Maps/DEFAULT.jpg"), PreviewSource::Jpeg}})
+        .value_or(PreviewSource());
 }
 
 QImage readTarga(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
         return QImage();
-    QByteArray bytes = file.readAll();
+    return readTarga(file.readAll());
+}
+
+QImage readTarga(QByteArray bytes) {
     // Qt's reader takes only files with the version 2 footer; the game's own
     // pictures are often older ones, which differ in nothing else.
     static const QByteArray signature("TRUEVISION-XFILE.\0", 18);
@@ -56,17 +94,26 @@ QImage readTarga(const QString& path) {
     return reader.read();
 }
 
-MapPreview::MapPreview(Ui::frmMain& ui, AppContext& app) : ui(ui), m_app(app) {}
+MapPreview::MapPreview(Ui::frmMain& ui, AppContext& app, const GameFiles& archives)
+    : ui(ui), m_app(app), m_archives(archives) {}
 
 void MapPreview::showPreview(const QString& entry) {
+    m_shown = entry;
     const PreviewSource source =
-        findPreview(m_app.platform.folder.installed(), m_app.state.GameFolder, entry);
+        findPreview(m_app.platform.folder.installed(), m_app.state.GameFolder, entry, &m_archives);
+    const bool inArchive = !source.member.isEmpty();
     switch (source.kind) {
-    case PreviewSource::Jpeg:
-        showJpeg(source.path);
+    case PreviewSource::Jpeg: {
+        QFile file(source.path);
+        QBuffer content;
+        content.setData(source.content);
+        QIODevice& device = inArchive ? static_cast<QIODevice&>(content) : file;
+        device.open(QIODevice::ReadOnly);
+        showJpeg(device);
         break;
+    }
     case PreviewSource::Targa:
-        ShowTGA(source.path);
+        drawTarga(inArchive ? readTarga(source.content) : readTarga(source.path));
         ui.stkMapPicture->setCurrentWidget(ui.imgMap);
         break;
     case PreviewSource::None:
@@ -75,17 +122,22 @@ void MapPreview::showPreview(const QString& entry) {
     }
 }
 
-void MapPreview::showJpeg(const QString& path) {
+void MapPreview::refresh() {
+    if (!m_shown.isNull())
+        showPreview(m_shown);
+}
+
+void MapPreview::showJpeg(QIODevice& device) {
     // Naming the format loads only the JPEG plugin; guessing from the content
     // would load every image plugin, which costs start-up time. A picture that
     // is not a JPEG after all is still read by its content.
     QImage picture;
     {
-        QImageReader reader(path, "jpeg");
+        QImageReader reader(&device, "jpeg");
         picture = reader.read();
     }
-    if (picture.isNull()) {
-        QImageReader reader(path);
+    if (picture.isNull() && device.seek(0)) {
+        QImageReader reader(&device);
         reader.setDecideFormatFromContent(true);
         picture = reader.read();
     }
@@ -99,10 +151,13 @@ void MapPreview::showEmpty() {
 }
 
 void MapPreview::ShowTGA(const QString& path) {
+    drawTarga(readTarga(path));
+}
+
+void MapPreview::drawTarga(const QImage& picture) {
     const QSize box = ui.imgMap->size().expandedTo(ui.imgMap->minimumSize());
     QPixmap canvas(box);
     canvas.fill(ui.imgMap->palette().color(QPalette::Window));
-    const QImage picture = readTarga(path);
     if (!picture.isNull()) {
         QPainter painter(&canvas);
         painter.setClipRect(QRect(QPoint(0, 0), box));
@@ -113,8 +168,9 @@ void MapPreview::ShowTGA(const QString& path) {
 
 void MapPreview::showStartupPicture() {
     const QString path = m_app.platform.folder.installedFile(QStringLiteral("maps/default.jpg"));
-    if (FileExists(path))
-        showJpeg(path);
+    QFile file(path);
+    if (FileExists(path) && file.open(QIODevice::ReadOnly))
+        showJpeg(file);
 }
 
 } // namespace halvane

@@ -1,7 +1,10 @@
 #pragma once
 
+#include <QByteArray>
 #include <QImage>
 #include <QString>
+
+class QIODevice;
 
 namespace Ui {
 class frmMain;
@@ -10,29 +13,37 @@ class frmMain;
 namespace halvane {
 
 struct AppContext;
+class GameFiles;
 
-// Where a map's picture comes from.
+// Where a map's picture comes from: a file, or a member of an archive.
 struct PreviewSource {
     enum Kind { None, Jpeg, Targa } kind = None;
-    QString path;
+    QString path;       // the file, or the archive
+    QByteArray member;  // the member's name, for a picture in an archive
+    QByteArray content; // the member's bytes
 };
 
 // The first picture that exists for a map: the program's thumbnails, then
-// the game's level shots, then the default picture. Folder and file names
-// are matched without regard to letter case.
+// the game's level shots, loose and then inside its archives (as listed in
+// archives), then the default picture. Folder and file names are matched
+// without regard to letter case.
 PreviewSource findPreview(const QString& programFolder, const QString& gameFolder,
-                          const QString& mapName);
+                          const QString& mapName, const GameFiles* archives = nullptr);
 
 // A Targa picture, with or without the version 2 footer; null when unreadable.
 QImage readTarga(const QString& path);
+QImage readTarga(QByteArray bytes);
 
 // Shows the picture of the chosen map on the Maps tab: JPEG pictures in
 // imgMap1, Targa pictures drawn into imgMap at their own size.
 class MapPreview {
 public:
-    MapPreview(Ui::frmMain& ui, AppContext& app);
+    // Pictures in the game's archives are found through archives.
+    MapPreview(Ui::frmMain& ui, AppContext& app, const GameFiles& archives);
 
     void showPreview(const QString& entry);
+    // Shows the last map shown again, as the game's files are now.
+    void refresh();
     // Draws a Targa picture from the box's top-left corner, unscaled and cut
     // off at the box's edges; an unreadable file leaves the box empty.
     void ShowTGA(const QString& path);
@@ -40,11 +51,14 @@ public:
     void showStartupPicture();
 
 private:
-    void showJpeg(const QString& path);
+    void showJpeg(QIODevice& device);
+    void drawTarga(const QImage& picture);
     void showEmpty();
 
     Ui::frmMain& ui;
     AppContext& m_app;
+    const GameFiles& m_archives;
+    QString m_shown;
 };
 
 } // namespace halvane

@@ -2,10 +2,10 @@
 
 #include "app/AppContext.h"
 #include "maps/MapCatalogue.h"
+#include "maps/MapEntryDelegate.h"
 #include "maps/MapPreview.h"
 #include "maps/MapRulesPanel.h"
 #include "maps/MapSelectionFile.h"
-#include "maps/WidestEntryDelegate.h"
 #include "ui_frmMain.h"
 
 #include <QMenu>
@@ -46,7 +46,8 @@ QList<int> highlightedRows(const QListWidget& list) {
 } // namespace
 
 MapSelection::MapSelection(Ui::frmMain& ui, MapCatalogue& catalogue, AppContext& app,
-                           MapRulesPanel& rules, MapPreview& preview, QObject* parent)
+                           MapRulesPanel& rules, MapPreview& preview, const GameFiles& gameFiles,
+                           QObject* parent)
     : QObject(parent), ui(ui), m_catalogue(catalogue), m_app(app), m_rules(rules),
       m_preview(preview) {
     connect(ui.MapList, &QListWidget::currentRowChanged, this, &MapSelection::mapListChosen);
@@ -67,8 +68,8 @@ MapSelection::MapSelection(Ui::frmMain& ui, MapCatalogue& catalogue, AppContext&
     connect(ui.mnuMapsSelectAll, &QAction::triggered, this, &MapSelection::cmdMapSelectAll);
 
     // Long lists lay themselves out without measuring every entry.
-    new WidestEntryDelegate(*ui.MapList);
-    new WidestEntryDelegate(*ui.SelMap);
+    new MapEntryDelegate(*ui.MapList, gameFiles);
+    new MapEntryDelegate(*ui.SelMap, gameFiles);
 
     openPopup = [this](const QPoint& at) { this->ui.mnuMapList->popup(at); };
     ui.MapList->viewport()->installEventFilter(this);

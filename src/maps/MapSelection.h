@@ -11,18 +11,20 @@ class frmMain;
 namespace halvane {
 
 struct AppContext;
+class GameFiles;
 class MapCatalogue;
 class MapPreview;
 class MapRulesPanel;
 
 // The two map lists of the Maps tab: the available maps (MapList) and the
 // selected maps in play order (SelMap), the buttons between them, the
-// popup menu of MapList and the selection file mapsel.txt.
+// popup menu of MapList and the selection file mapsel.txt. Maps the game
+// does not have are marked in both lists, as gameFiles says.
 class MapSelection : public QObject {
     Q_OBJECT
 public:
     MapSelection(Ui::frmMain& ui, MapCatalogue& catalogue, AppContext& app, MapRulesPanel& rules,
-                 MapPreview& preview, QObject* parent = nullptr);
+                 MapPreview& preview, const GameFiles& gameFiles, QObject* parent = nullptr);
 
     // Fills both lists from the catalogue and mapsel.txt, sets the captions.
     void LoadMaps();

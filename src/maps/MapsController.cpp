@@ -2,6 +2,7 @@
 
 #include "app/AppContext.h"
 #include "app/AppInfo.h"
+#include "maps/GameFileListing.h"
 #include "maps/MapDiscovery.h"
 #include "maps/MapEditor.h"
 #include "maps/MapPreview.h"
@@ -13,10 +14,13 @@ namespace halvane {
 
 MapsController::MapsController(QWidget& mainWindow, Ui::frmMain& ui, AppContext& app,
                                MapCatalogue& catalogue)
-    : ui(ui), m_app(app), m_catalogue(catalogue) {
+    : ui(ui), m_mainWindow(mainWindow), m_app(app), m_catalogue(catalogue),
+      m_gameFiles(std::make_unique<GameFileListing>()) {
+    const GameFiles& gameFiles = m_gameFiles->files();
     m_rules = std::make_unique<MapRulesPanel>(ui, m_catalogue, app);
-    m_preview = std::make_unique<MapPreview>(ui, app);
-    m_selection = std::make_unique<MapSelection>(ui, m_catalogue, app, *m_rules, *m_preview);
+    m_preview = std::make_unique<MapPreview>(ui, app, gameFiles);
+    m_selection =
+        std::make_unique<MapSelection>(ui, m_catalogue, app, *m_rules, *m_preview, gameFiles);
     m_selection->closeMainWindow = [this] {
         if (closeMainWindow)
             closeMainWindow();
@@ -27,8 +31,16 @@ MapsController::MapsController(QWidget& mainWindow, Ui::frmMain& ui, AppContext&
     m_editor = std::make_unique<MapEditor>(&mainWindow, ui, m_catalogue, app, *m_selection);
 
     ui.mnuSettingsMapCheck->setCheckable(true);
-    connect(ui.cmdSearchMaps, &QAbstractButton::clicked, this,
-            [this] { m_discovery->searchArchives(); });
+    connect(ui.cmdSearchMaps, &QAbstractButton::clicked, this, [this] {
+        m_discovery->searchArchives();
+        listGameFiles();
+    });
+    // The lists ask for the marks as they paint the entries in view.
+    connect(m_gameFiles.get(), &GameFileListing::listed, this, [this] {
+        this->ui.MapList->viewport()->update();
+        this->ui.SelMap->viewport()->update();
+        m_preview->refresh();
+    });
     connect(ui.cmdDefault, &QAbstractButton::clicked, this, [this] { m_rules->cmdDefault(); });
     connect(ui.cmdAddMaps, &QAbstractButton::clicked, m_editor.get(), &MapEditor::openForAdding);
     connect(ui.mnuMapNew, &QAction::triggered, m_editor.get(), &MapEditor::openForAdding);
@@ -52,6 +64,10 @@ void MapsController::GetMapsFromBaseDir() {
 
 void MapsController::LoadMaps() {
     m_selection->LoadMaps();
+}
+
+void MapsController::listGameFiles() {
+    m_gameFiles->start(m_app.state.GameFolder, m_mainWindow);
 }
 
 void MapsController::CommitShownMap() {

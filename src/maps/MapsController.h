@@ -15,6 +15,7 @@ class QWidget;
 namespace halvane {
 
 struct AppContext;
+class GameFileListing;
 class MapDiscovery;
 class MapEditor;
 class MapPreview;
@@ -36,6 +37,10 @@ public:
     void CheckMapDataFile();
     void GetMapsFromBaseDir();
     void LoadMaps();
+    // Lists the game's files anew, off the window thread, and then marks the
+    // maps it lacks and shows the pictures in its archives. Run once the
+    // window is shown and after each search, never during start-up.
+    void listGameFiles();
 
     // Writes the shown map's rules back into its record (map choice, launch).
     void CommitShownMap();
@@ -57,14 +62,17 @@ public:
     MapPreview& preview() { return *m_preview; }
     MapDiscovery& discovery() { return *m_discovery; }
     MapEditor& editor() { return *m_editor; }
+    GameFileListing& gameFiles() { return *m_gameFiles; }
 
     // Closes the main window; set by its owner.
     std::function<void()> closeMainWindow;
 
 private:
     Ui::frmMain& ui;
+    QWidget& m_mainWindow;
     AppContext& m_app;
     MapCatalogue& m_catalogue;
+    std::unique_ptr<GameFileListing> m_gameFiles;
     std::unique_ptr<MapRulesPanel> m_rules;
     std::unique_ptr<MapPreview> m_preview;
     std::unique_ptr<MapSelection> m_selection;

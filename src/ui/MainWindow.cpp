@@ -149,6 +149,7 @@ void MainWindow::showMainWindow() {
     show();
     ui->txtMOTD->setFocus();
     activateWindow();
+    m_maps->listGameFiles();
 }
 
 void MainWindow::endProgram() {

@@ -97,16 +97,19 @@ QString firstDifference(const QByteArray& actual, const QByteArray& expected) {
     return QStringLiteral("files differ");
 }
 
-bool makeArchive(const QString& path, const QStringList& members) {
+bool makeArchive(const QString& path, const QStringList& members,
+                 const QHash<QString, QByteArray>& contents) {
     QDir().mkpath(QFileInfo(path).absolutePath());
     int error = 0;
     zip_t* archive =
         zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &error);
     if (!archive)
         return false;
+    QByteArrayList kept; // read only when the archive is closed
     for (const QString& member : members) {
-        static const char content[] = "IBSP";
-        zip_source_t* source = zip_source_buffer(archive, content, 4, 0);
+        kept.append(contents.value(member, "IBSP"));
+        zip_source_t* source = zip_source_buffer(archive, kept.last().constData(),
+                                                 zip_uint64_t(kept.last().size()), 0);
         if (!source || zip_file_add(archive, member.toLatin1().constData(), source, 0) < 0) {
             zip_source_free(source);
             zip_discard(archive);

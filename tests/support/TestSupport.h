@@ -6,6 +6,7 @@
 #include "ui/FirstRun.h"
 
 #include <QByteArray>
+#include <QHash>
 #include <QStringList>
 #include <QTemporaryDir>
 #include <functional>
@@ -78,8 +79,9 @@ FreeGameSources fakeFreeGame(TestPlatform& platform);
 QString firstDifference(const QByteArray& actual, const QByteArray& expected);
 
 // Builds a real zip archive holding these members, in this order, each with
-// a few bytes of content. False when libzip refused.
-bool makeArchive(const QString& path, const QStringList& members);
+// its content in contents or else a few bytes. False when libzip refused.
+bool makeArchive(const QString& path, const QStringList& members,
+                 const QHash<QString, QByteArray>& contents = {});
 
 // A message as "title|text|buttons|icon", so one QCOMPARE checks all four.
 QString message(const QString& title, const QString& text, MsgButtons buttons, MsgIcon icon);
