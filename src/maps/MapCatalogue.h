@@ -2,7 +2,6 @@
 
 #include "maps/MapRecord.h"
 
-#include <QHash>
 #include <QString>
 #include <vector>
 
@@ -28,13 +27,19 @@ public:
     qint16 count() const { return qint16(m_records.size()); }
     // Record number (from 1) of the first record with this file name, -1 when none.
     qint16 find(const QString& name) const;
+    // The same for a name in single-byte text, as the program's files hold it.
+    qint16 find(QByteArrayView name) const;
     const MapRecord& record(int number) const { return m_records[size_t(number - 1)]; }
     // Notes a record appended after the snapshot was taken.
     void appended(const MapRecord& record);
 
 private:
+    void index(int number);
+    void rebuildIndex();
     std::vector<MapRecord> m_records;
-    QHash<QString, qint16> m_first; // trimmed, lower-cased file name -> record number
+    // Record numbers by file name (lower-cased, trimmed), open addressing
+    // over the records' own bytes; 0 marks a free slot.
+    std::vector<int> m_slots;
     qint16 m_firstDeleted = -1;
 };
 
