@@ -2,6 +2,7 @@
 
 #include "app/AppContext.h"
 #include "maps/MapRecord.h"
+#include "maps/WhenShown.h"
 #include "ui_frmMain.h"
 
 #include <QBuffer>
@@ -56,9 +57,17 @@ QImage readTarga(const QString& path) {
     return reader.read();
 }
 
-MapPreview::MapPreview(Ui::frmMain& ui, AppContext& app) : ui(ui), m_app(app) {}
+MapPreview::MapPreview(Ui::frmMain& ui, AppContext& app)
+    : ui(ui), m_app(app), m_whenShown(std::make_unique<WhenShown>(*ui.stkMapPicture)) {}
+
+MapPreview::~MapPreview() = default;
 
 void MapPreview::showPreview(const QString& entry) {
+    // Start-up chooses a map in each list while the Maps tab is out of sight.
+    m_whenShown->run([this, entry] { showNow(entry); });
+}
+
+void MapPreview::showNow(const QString& entry) {
     const PreviewSource source =
         findPreview(m_app.platform.folder.installed(), m_app.state.GameFolder, entry);
     switch (source.kind) {
@@ -76,12 +85,13 @@ void MapPreview::showPreview(const QString& entry) {
 }
 
 void MapPreview::showJpeg(const QString& path) {
-    // Naming the format loads only the JPEG plugin; guessing from the content
-    // would load every image plugin, which costs start-up time. A picture that
-    // is not a JPEG after all is still read by its content.
+    // Naming the format without letting the reader guess loads only the
+    // JPEG plugin; a guess would load every image plugin. A picture that is
+    // not a JPEG after all is still read by its content.
     QImage picture;
     {
         QImageReader reader(path, "jpeg");
+        reader.setAutoDetectImageFormat(false);
         picture = reader.read();
     }
     if (picture.isNull()) {
@@ -112,9 +122,12 @@ void MapPreview::ShowTGA(const QString& path) {
 }
 
 void MapPreview::showStartupPicture() {
-    const QString path = m_app.platform.folder.installedFile(QStringLiteral("maps/default.jpg"));
-    if (FileExists(path))
-        showJpeg(path);
+    m_whenShown->run([this] {
+        const QString path =
+            m_app.platform.folder.installedFile(QStringLiteral("maps/default.jpg"));
+        if (FileExists(path))
+            showJpeg(path);
+    });
 }
 
 } // namespace halvane

@@ -2,6 +2,7 @@
 
 #include <QImage>
 #include <QString>
+#include <memory>
 
 namespace Ui {
 class frmMain;
@@ -10,6 +11,7 @@ class frmMain;
 namespace halvane {
 
 struct AppContext;
+class WhenShown;
 
 // Where a map's picture comes from.
 struct PreviewSource {
@@ -27,10 +29,12 @@ PreviewSource findPreview(const QString& programFolder, const QString& gameFolde
 QImage readTarga(const QString& path);
 
 // Shows the picture of the chosen map on the Maps tab: JPEG pictures in
-// imgMap1, Targa pictures drawn into imgMap at their own size.
+// imgMap1, Targa pictures drawn into imgMap at their own size. While the
+// tab is out of sight the picture is found and read when the tab shows.
 class MapPreview {
 public:
     MapPreview(Ui::frmMain& ui, AppContext& app);
+    ~MapPreview();
 
     void showPreview(const QString& entry);
     // Draws a Targa picture from the box's top-left corner, unscaled and cut
@@ -40,11 +44,13 @@ public:
     void showStartupPicture();
 
 private:
+    void showNow(const QString& entry);
     void showJpeg(const QString& path);
     void showEmpty();
 
     Ui::frmMain& ui;
     AppContext& m_app;
+    std::unique_ptr<WhenShown> m_whenShown;
 };
 
 } // namespace halvane
