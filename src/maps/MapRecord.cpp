@@ -14,16 +14,6 @@ QString trimSpaces(const QString& text) {
     return text.mid(start, end - start);
 }
 
-QByteArrayView trimSpaces(QByteArrayView bytes) {
-    const char* begin = bytes.data();
-    const char* end = begin + bytes.size();
-    while (begin < end && *begin == ' ')
-        ++begin;
-    while (end > begin && end[-1] == ' ')
-        --end;
-    return QByteArrayView(begin, end - begin);
-}
-
 MapRecord MapRecord::fromBytes(const char* bytes) {
     MapRecord record;
     std::memcpy(record.m_bytes.data(), bytes, Size);

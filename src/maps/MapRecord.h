@@ -53,6 +53,14 @@ private:
 
 // Trims spaces only, as the record fields are read back.
 QString trimSpaces(const QString& text);
-QByteArrayView trimSpaces(QByteArrayView bytes);
+inline QByteArrayView trimSpaces(QByteArrayView bytes) {
+    const char* begin = bytes.data();
+    const char* end = begin + bytes.size();
+    while (begin < end && *begin == ' ')
+        ++begin;
+    while (end > begin && end[-1] == ' ')
+        --end;
+    return QByteArrayView(begin, end - begin);
+}
 
 } // namespace halvane

@@ -41,7 +41,8 @@ QStringList splitTextLines(const QByteArray& bytes) {
     return lines;
 }
 
-MapSelectionRead readMapSelection(const QString& path, const MapSnapshot& catalogue) {
+MapSelectionRead readMapSelection(const QString& path, const MapSnapshot& catalogue,
+                                  const std::vector<QString>& names) {
     MapSelectionRead result;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -56,7 +57,12 @@ MapSelectionRead readMapSelection(const QString& path, const MapSnapshot& catalo
         const QByteArrayView name = trimSpaces(line);
         if (name.isEmpty() || name.startsWith("//"))
             return;
-        if (catalogue.find(name) > 0)
+        const qint16 number = catalogue.find(name);
+        if (number < 1)
+            return;
+        if (size_t(number) < names.size() && names[size_t(number)] == QLatin1StringView(line))
+            result.entries.append(names[size_t(number)]);
+        else
             result.entries.append(QString::fromLatin1(line));
     });
     return result;
