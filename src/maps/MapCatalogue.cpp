@@ -99,11 +99,9 @@ QString unusedPath(const QString& folder, const QString& stem) {
 
 } // namespace
 
-MapSnapshot::MapSnapshot(std::vector<MapRecord> records) : m_records(std::move(records)) {
-    rebuildIndex();
-}
+MapSnapshot::MapSnapshot(std::vector<MapRecord> records) : m_records(std::move(records)) {}
 
-void MapSnapshot::rebuildIndex() {
+void MapSnapshot::rebuildIndex() const {
     size_t capacity = 64;
     while (capacity < 2 * m_records.size())
         capacity *= 2;
@@ -113,7 +111,7 @@ void MapSnapshot::rebuildIndex() {
         index(int(i + 1));
 }
 
-void MapSnapshot::index(int number) {
+void MapSnapshot::index(int number) const {
     const QByteArrayView name = fileNameOf(record(number));
     if (name.isEmpty()) {
         if (m_firstDeleted < 0)
@@ -137,6 +135,8 @@ qint16 MapSnapshot::find(const QString& name) const {
 }
 
 qint16 MapSnapshot::find(QByteArrayView name) const {
+    if (m_slots.empty())
+        rebuildIndex();
     const QByteArrayView wanted = trimSpaces(name);
     if (wanted.isEmpty())
         return m_firstDeleted;
@@ -150,6 +150,8 @@ qint16 MapSnapshot::find(QByteArrayView name) const {
 
 void MapSnapshot::appended(const MapRecord& record) {
     m_records.push_back(record);
+    if (m_slots.empty())
+        return; // indexed at the first look-up
     if (2 * m_records.size() > m_slots.size())
         rebuildIndex();
     else

@@ -34,13 +34,14 @@ public:
     void appended(const MapRecord& record);
 
 private:
-    void index(int number);
-    void rebuildIndex();
+    void index(int number) const;
+    void rebuildIndex() const;
     std::vector<MapRecord> m_records;
     // Record numbers by file name (lower-cased, trimmed), open addressing
-    // over the records' own bytes; 0 marks a free slot.
-    std::vector<int> m_slots;
-    qint16 m_firstDeleted = -1;
+    // over the records' own bytes; 0 marks a free slot. Made at the first
+    // look-up: a snapshot that only lists the maps needs none.
+    mutable std::vector<int> m_slots;
+    mutable qint16 m_firstDeleted = -1;
 };
 
 // The map catalogue: the file maps.dat beside the program, never cached, and

@@ -130,10 +130,8 @@ void MapSelection::LoadMaps() {
         }
         ui.MapList->addItems(listed);
     }
-    if (ui.MapList->count() > 0) {
-        highlightMapList(0);
-        m_catalogue.CurrentMapRecord = catalogue.find(ui.MapList->item(0)->text());
-    }
+    if (ui.MapList->count() > 0)
+        highlightMapList(0); // which sets CurrentMapRecord
 
     const QString path = selectionFilePath();
     if (FileExists(path)) {
