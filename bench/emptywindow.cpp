@@ -22,5 +22,6 @@ int main(int argc, char* argv[]) {
         return 1;
     if (argc == 2 && std::strcmp(argv[1], "--cpu") == 0)
         std::printf("%.1f\n", std::clock() * 1000.0 / CLOCKS_PER_SEC);
+    std::fflush(stdout);
     return 0;
 }

@@ -4,7 +4,8 @@
 //                                      makes a fixture in DIR
 //   halvane_startup DIR [--cpu]        starts on it and ends once the window
 //                                      is shown; --cpu prints the processor
-//                                      time used, in milliseconds
+//                                      time used until then, in milliseconds,
+//                                      before the window is torn down
 //
 // "delivered": the files delivered beside the executable. "largest": the
 // same with a catalogue of 32,766 maps and 300 archives in baseq3, with the
@@ -150,5 +151,6 @@ int main(int argc, char* argv[]) {
         return 1;
     if (reportCpu)
         std::printf("%.1f\n", std::clock() * 1000.0 / CLOCKS_PER_SEC);
+    std::fflush(stdout);
     return 0;
 }

@@ -91,6 +91,9 @@ void MapDataTest::findMap_data() {
     QTest::newRow("capitals") << three << "Q3CTF1" << 2;
     QTest::newRow("spaces around") << three << "  q3tourney2  " << 3;
     QTest::newRow("part of a name") << three << "q3dm" << -1;
+    QTest::newRow("accented capitals") << QStringList{"q3dm1", QStringLiteral(u"\u00c9TAPE")}
+                                       << QStringLiteral(u"\u00e9tape") << 2;
+    QTest::newRow("no single byte") << three << QStringLiteral(u"q3dm1\u0100") << -1;
     QTest::newRow("duplicate gives the lower") << QStringList{"a", "dup", "b", "DUP"} << "dup" << 2;
     QTest::newRow("deleted slot never matches") << QStringList{"", "q3dm1"} << "q3dm1" << 2;
     QTest::newRow("blank finds the first deleted") << QStringList{"q3dm1", "", ""} << "   " << 2;

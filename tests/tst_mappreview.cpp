@@ -118,7 +118,8 @@ void MapPreviewTest::picturesInTheWindow() {
     MainWindow window(*platform.app);
     window.showMainWindow();
     Ui::frmMain& ui = window.form();
-    // The delivered default picture is shown at start-up.
+    // The Maps tab shows the delivered default picture after start-up.
+    ui.SSTab1->setCurrentIndex(2);
     QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap1);
     QVERIFY(!ui.imgMap1->pixmap().isNull());
 

@@ -7,14 +7,63 @@
 #include <QDir>
 #include <QFileInfo>
 
+#include <array>
 #include <cstring>
+#include <optional>
 
 namespace halvane {
 
 namespace {
 
-QString key(const QString& name) {
-    return trimSpaces(name).toLower();
+// File names are compared trimmed and without regard to letter case. They
+// are single-byte text, whose letters all lower-case within one byte, so
+// the comparison works on the records' bytes and makes no text.
+constexpr std::array<unsigned char, 256> LowerCase = [] {
+    std::array<unsigned char, 256> table{};
+    for (int c = 0; c < 256; ++c) {
+        const bool upper = (c >= 'A' && c <= 'Z') || (c >= 0xC0 && c <= 0xDE && c != 0xD7);
+        table[size_t(c)] = static_cast<unsigned char>(upper ? c + 0x20 : c);
+    }
+    return table;
+}();
+
+unsigned char lowered(char c) {
+    return LowerCase[static_cast<unsigned char>(c)];
+}
+
+bool sameName(QByteArrayView a, QByteArrayView b) {
+    if (a.size() != b.size())
+        return false;
+    for (qsizetype i = 0; i < a.size(); ++i) {
+        if (lowered(a[i]) != lowered(b[i]))
+            return false;
+    }
+    return true;
+}
+
+size_t nameHash(QByteArrayView name) {
+    size_t hash = 2166136261u;
+    for (char c : name)
+        hash = (hash ^ lowered(c)) * 16777619u;
+    return hash;
+}
+
+QByteArrayView fileNameOf(const MapRecord& record) {
+    return trimSpaces(record.bytes(MapField::FileName));
+}
+
+// A name as the records could hold it: trimmed, lower-cased as text is, in
+// single bytes. None when a character has no single byte, as no record
+// can then match.
+std::optional<QByteArray> lookupName(const QString& name) {
+    const QString lower = trimSpaces(name).toLower();
+    QByteArray bytes(lower.size(), Qt::Uninitialized);
+    for (qsizetype i = 0; i < lower.size(); ++i) {
+        if (lower[i].unicode() > 0xFF)
+            return std::nullopt;
+        bytes[i] = char(lower[i].unicode());
+    }
+    return bytes;
 }
 
 // Writes whole records after the last whole record. When the disk takes
@@ -50,36 +99,63 @@ QString unusedPath(const QString& folder, const QString& stem) {
 
 } // namespace
 
-MapSnapshot::MapSnapshot(std::vector<MapRecord> records) : m_records(std::move(records)) {
-    m_first.reserve(qsizetype(m_records.size()));
-    for (size_t i = 0; i < m_records.size(); ++i) {
-        const QString name = key(m_records[i].get(MapField::FileName));
-        if (name.isEmpty()) {
-            if (m_firstDeleted < 0)
-                m_firstDeleted = qint16(i + 1);
-        } else if (!m_first.contains(name)) {
-            m_first.insert(name, qint16(i + 1));
+MapSnapshot::MapSnapshot(std::vector<MapRecord> records) : m_records(std::move(records)) {}
+
+void MapSnapshot::rebuildIndex() const {
+    size_t capacity = 64;
+    while (capacity < 2 * m_records.size())
+        capacity *= 2;
+    m_slots.assign(capacity, 0);
+    m_firstDeleted = -1;
+    for (size_t i = 0; i < m_records.size(); ++i)
+        index(int(i + 1));
+}
+
+void MapSnapshot::index(int number) const {
+    const QByteArrayView name = fileNameOf(record(number));
+    if (name.isEmpty()) {
+        if (m_firstDeleted < 0)
+            m_firstDeleted = qint16(number);
+        return;
+    }
+    const size_t mask = m_slots.size() - 1;
+    for (size_t slot = nameHash(name) & mask;; slot = (slot + 1) & mask) {
+        if (m_slots[slot] == 0) {
+            m_slots[slot] = number;
+            return;
         }
+        if (sameName(fileNameOf(record(m_slots[slot])), name))
+            return; // the first record of a name is the one found
     }
 }
 
 qint16 MapSnapshot::find(const QString& name) const {
-    const QString wanted = key(name);
+    const std::optional<QByteArray> wanted = lookupName(name);
+    return wanted ? find(QByteArrayView(*wanted)) : qint16(-1);
+}
+
+qint16 MapSnapshot::find(QByteArrayView name) const {
+    if (m_slots.empty())
+        rebuildIndex();
+    const QByteArrayView wanted = trimSpaces(name);
     if (wanted.isEmpty())
         return m_firstDeleted;
-    return m_first.value(wanted, -1);
+    const size_t mask = m_slots.size() - 1;
+    for (size_t slot = nameHash(wanted) & mask; m_slots[slot] != 0; slot = (slot + 1) & mask) {
+        if (sameName(fileNameOf(record(m_slots[slot])), wanted))
+            return qint16(m_slots[slot]);
+    }
+    return -1;
 }
 
 void MapSnapshot::appended(const MapRecord& record) {
     m_records.push_back(record);
-    const QString name = key(record.get(MapField::FileName));
-    const qint16 number = qint16(m_records.size());
-    if (name.isEmpty()) {
-        if (m_firstDeleted < 0)
-            m_firstDeleted = number;
-    } else if (!m_first.contains(name)) {
-        m_first.insert(name, number);
-    }
+    if (m_slots.empty())
+        return; // indexed at the first look-up
+    if (2 * m_records.size() > m_slots.size())
+        rebuildIndex();
+    else
+        index(int(m_records.size()));
 }
 
 MapRules MapRules::builtIn() {
@@ -176,13 +252,24 @@ qint16 MapCatalogue::FindMap(const QString& name) const {
     QFile file(dataPath());
     if (m_leftAlone || !ensureExists() || !file.open(QIODevice::ReadOnly))
         return -1;
-    const QByteArray bytes = file.readAll();
-    const qint64 count = qMin<qint64>(bytes.size() / MapRecord::Size, MaxRecords);
-    const QString wanted = key(name);
-    for (qint64 i = 0; i < count; ++i) {
-        const MapRecord record = MapRecord::fromBytes(bytes.constData() + i * MapRecord::Size);
-        if (key(record.get(MapField::FileName)) == wanted)
-            return qint16(i + 1);
+    const std::optional<QByteArray> wanted = lookupName(name);
+    if (!wanted)
+        return -1;
+    // A block at a time: the map looked for is often near the start.
+    constexpr qint64 BlockRecords = 1024;
+    qint64 number = 0;
+    while (number < MaxRecords) {
+        const QByteArray block =
+            file.read(qMin<qint64>(BlockRecords, MaxRecords - number) * MapRecord::Size);
+        const qint64 records = block.size() / MapRecord::Size;
+        for (qint64 i = 0; i < records; ++i) {
+            const MapRecord record = MapRecord::fromBytes(block.constData() + i * MapRecord::Size);
+            if (sameName(fileNameOf(record), *wanted))
+                return qint16(number + i + 1);
+        }
+        number += records;
+        if (block.size() < BlockRecords * MapRecord::Size)
+            break;
     }
     return -1;
 }

@@ -2,7 +2,6 @@
 
 #include "maps/MapRecord.h"
 
-#include <QHash>
 #include <QString>
 #include <vector>
 
@@ -28,14 +27,21 @@ public:
     qint16 count() const { return qint16(m_records.size()); }
     // Record number (from 1) of the first record with this file name, -1 when none.
     qint16 find(const QString& name) const;
+    // The same for a name in single-byte text, as the program's files hold it.
+    qint16 find(QByteArrayView name) const;
     const MapRecord& record(int number) const { return m_records[size_t(number - 1)]; }
     // Notes a record appended after the snapshot was taken.
     void appended(const MapRecord& record);
 
 private:
+    void index(int number) const;
+    void rebuildIndex() const;
     std::vector<MapRecord> m_records;
-    QHash<QString, qint16> m_first; // trimmed, lower-cased file name -> record number
-    qint16 m_firstDeleted = -1;
+    // Record numbers by file name (lower-cased, trimmed), open addressing
+    // over the records' own bytes; 0 marks a free slot. Made at the first
+    // look-up: a snapshot that only lists the maps needs none.
+    mutable std::vector<int> m_slots;
+    mutable qint16 m_firstDeleted = -1;
 };
 
 // The map catalogue: the file maps.dat beside the program, never cached, and

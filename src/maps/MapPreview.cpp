@@ -4,6 +4,7 @@
 #include "maps/ArchiveListing.h"
 #include "maps/GameFiles.h"
 #include "maps/MapRecord.h"
+#include "maps/WhenShown.h"
 #include "ui_frmMain.h"
 
 #include <QBuffer>
@@ -95,10 +96,18 @@ QImage readTarga(QByteArray bytes) {
 }
 
 MapPreview::MapPreview(Ui::frmMain& ui, AppContext& app, const GameFiles& archives)
-    : ui(ui), m_app(app), m_archives(archives) {}
+    : ui(ui), m_app(app), m_archives(archives),
+      m_whenShown(std::make_unique<WhenShown>(*ui.stkMapPicture)) {}
+
+MapPreview::~MapPreview() = default;
 
 void MapPreview::showPreview(const QString& entry) {
     m_shown = entry;
+    // Start-up chooses a map in each list while the Maps tab is out of sight.
+    m_whenShown->run([this, entry] { showNow(entry); });
+}
+
+void MapPreview::showNow(const QString& entry) {
     const PreviewSource source =
         findPreview(m_app.platform.folder.installed(), m_app.state.GameFolder, entry, &m_archives);
     const bool inArchive = !source.member.isEmpty();
@@ -128,12 +137,13 @@ void MapPreview::refresh() {
 }
 
 void MapPreview::showJpeg(QIODevice& device) {
-    // Naming the format loads only the JPEG plugin; guessing from the content
-    // would load every image plugin, which costs start-up time. A picture that
-    // is not a JPEG after all is still read by its content.
+    // Naming the format without letting the reader guess loads only the
+    // JPEG plugin; a guess would load every image plugin. A picture that is
+    // not a JPEG after all is still read by its content.
     QImage picture;
     {
         QImageReader reader(&device, "jpeg");
+        reader.setAutoDetectImageFormat(false);
         picture = reader.read();
     }
     if (picture.isNull() && device.seek(0)) {
@@ -167,10 +177,13 @@ void MapPreview::drawTarga(const QImage& picture) {
 }
 
 void MapPreview::showStartupPicture() {
-    const QString path = m_app.platform.folder.installedFile(QStringLiteral("maps/default.jpg"));
-    QFile file(path);
-    if (FileExists(path) && file.open(QIODevice::ReadOnly))
-        showJpeg(file);
+    m_whenShown->run([this] {
+        const QString path =
+            m_app.platform.folder.installedFile(QStringLiteral("maps/default.jpg"));
+        QFile file(path);
+        if (FileExists(path) && file.open(QIODevice::ReadOnly))
+            showJpeg(file);
+    });
 }
 
 } // namespace halvane

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QImage>
 #include <QString>
+#include <memory>
 
 class QIODevice;
 
@@ -14,6 +15,7 @@ namespace halvane {
 
 struct AppContext;
 class GameFiles;
+class WhenShown;
 
 // Where a map's picture comes from: a file, or a member of an archive.
 struct PreviewSource {
@@ -35,11 +37,13 @@ QImage readTarga(const QString& path);
 QImage readTarga(QByteArray bytes);
 
 // Shows the picture of the chosen map on the Maps tab: JPEG pictures in
-// imgMap1, Targa pictures drawn into imgMap at their own size.
+// imgMap1, Targa pictures drawn into imgMap at their own size. While the
+// tab is out of sight the picture is found and read when the tab shows.
 class MapPreview {
 public:
     // Pictures in the game's archives are found through archives.
     MapPreview(Ui::frmMain& ui, AppContext& app, const GameFiles& archives);
+    ~MapPreview();
 
     void showPreview(const QString& entry);
     // Shows the last map shown again, as the game's files are now.
@@ -51,6 +55,7 @@ public:
     void showStartupPicture();
 
 private:
+    void showNow(const QString& entry);
     void showJpeg(QIODevice& device);
     void drawTarga(const QImage& picture);
     void showEmpty();
@@ -59,6 +64,7 @@ private:
     AppContext& m_app;
     const GameFiles& m_archives;
     QString m_shown;
+    std::unique_ptr<WhenShown> m_whenShown;
 };
 
 } // namespace halvane

@@ -21,16 +21,9 @@ MapRecord MapRecord::fromBytes(const char* bytes) {
 }
 
 QString MapRecord::get(MapField field) const {
-    const Layout layout = Fields[size_t(field)];
     // Trimmed as bytes, so that the text is made once: a catalogue load
     // reads tens of thousands of names.
-    const char* begin = m_bytes.data() + layout.offset;
-    const char* end = begin + layout.width;
-    while (begin < end && *begin == ' ')
-        ++begin;
-    while (end > begin && end[-1] == ' ')
-        --end;
-    return QString::fromLatin1(begin, end - begin);
+    return QString::fromLatin1(trimSpaces(bytes(field)));
 }
 
 void MapRecord::set(MapField field, const QString& text) {

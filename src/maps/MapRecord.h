@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArrayView>
 #include <QString>
 #include <array>
 
@@ -38,6 +39,11 @@ public:
 
     bool isDeleted() const { return get(MapField::FileName).isEmpty(); }
     const char* bytes() const { return m_bytes.data(); }
+    // The field as stored, padding included.
+    QByteArrayView bytes(MapField field) const {
+        const Layout layout = Fields[size_t(field)];
+        return QByteArrayView(m_bytes.data() + layout.offset, layout.width);
+    }
 
     bool operator==(const MapRecord&) const = default;
 
@@ -47,5 +53,14 @@ private:
 
 // Trims spaces only, as the record fields are read back.
 QString trimSpaces(const QString& text);
+inline QByteArrayView trimSpaces(QByteArrayView bytes) {
+    const char* begin = bytes.data();
+    const char* end = begin + bytes.size();
+    while (begin < end && *begin == ' ')
+        ++begin;
+    while (end > begin && end[-1] == ' ')
+        --end;
+    return QByteArrayView(begin, end - begin);
+}
 
 } // namespace halvane

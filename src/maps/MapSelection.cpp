@@ -117,22 +117,22 @@ void MapSelection::updateSelectedCaption() {
 
 void MapSelection::LoadMaps() {
     const MapSnapshot catalogue = m_catalogue.snapshot();
+    // The names by record number: entries of mapsel.txt share their text.
+    std::vector<QString> names(size_t(catalogue.count()) + 1);
     {
         const QSignalBlocker blocker(ui.MapList);
         ui.MapList->clear();
-        QStringList names;
-        names.reserve(catalogue.count());
+        QStringList listed;
+        listed.reserve(catalogue.count());
         for (int n = 1; n <= catalogue.count(); ++n) {
-            const QString name = catalogue.record(n).get(MapField::FileName);
-            if (!name.isEmpty())
-                names.append(name);
+            names[size_t(n)] = catalogue.record(n).get(MapField::FileName);
+            if (!names[size_t(n)].isEmpty())
+                listed.append(names[size_t(n)]);
         }
-        ui.MapList->addItems(names);
+        ui.MapList->addItems(listed);
     }
-    if (ui.MapList->count() > 0) {
-        highlightMapList(0);
-        m_catalogue.CurrentMapRecord = catalogue.find(ui.MapList->item(0)->text());
-    }
+    if (ui.MapList->count() > 0)
+        highlightMapList(0); // which sets CurrentMapRecord
 
     const QString path = selectionFilePath();
     if (FileExists(path)) {
@@ -140,7 +140,7 @@ void MapSelection::LoadMaps() {
             const QSignalBlocker blocker(ui.SelMap);
             ui.SelMap->clear();
         }
-        const MapSelectionRead read = readMapSelection(path, catalogue);
+        const MapSelectionRead read = readMapSelection(path, catalogue, names);
         if (!read.ok) {
             m_app.platform.messages.tell(QStringLiteral("Warning"),
                                          QStringLiteral("Error opening mapsel.txt"),

@@ -4,6 +4,7 @@
 #include "platform/WholeFile.h"
 
 #include <QFile>
+#include <functional>
 
 namespace halvane {
 
@@ -16,24 +17,32 @@ bool writeMapSelection(const QString& path, const QStringList& entries, QString*
     return saveWholeFile(path, bytes, reason);
 }
 
-QStringList splitTextLines(const QByteArray& bytes) {
-    QStringList lines;
+namespace {
+// Hands over each line of single-byte text, whether it ends in CR LF or LF
+// alone.
+void forEachTextLine(QByteArrayView bytes, const std::function<void(QByteArrayView line)>& take) {
     qsizetype start = 0;
     while (start < bytes.size()) {
         qsizetype end = bytes.indexOf('\n', start);
-        const bool last = end < 0;
-        if (last)
+        if (end < 0)
             end = bytes.size();
         qsizetype stop = end;
         if (stop > start && bytes[stop - 1] == '\r')
             --stop;
-        lines.append(QString::fromLatin1(bytes.constData() + start, stop - start));
+        take(bytes.sliced(start, stop - start));
         start = end + 1;
     }
+}
+} // namespace
+
+QStringList splitTextLines(const QByteArray& bytes) {
+    QStringList lines;
+    forEachTextLine(bytes, [&](QByteArrayView line) { lines.append(QString::fromLatin1(line)); });
     return lines;
 }
 
-MapSelectionRead readMapSelection(const QString& path, const MapSnapshot& catalogue) {
+MapSelectionRead readMapSelection(const QString& path, const MapSnapshot& catalogue,
+                                  const std::vector<QString>& names) {
     MapSelectionRead result;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -43,13 +52,19 @@ MapSelectionRead readMapSelection(const QString& path, const MapSnapshot& catalo
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError)
         result.ok = false;
-    for (const QString& line : splitTextLines(bytes)) {
-        const QString name = trimSpaces(line);
-        if (name.isEmpty() || name.startsWith(QLatin1String("//")))
-            continue;
-        if (catalogue.find(name) > 0)
-            result.entries.append(line);
-    }
+    // Looked up as bytes: only the lines taken become text.
+    forEachTextLine(bytes, [&](QByteArrayView line) {
+        const QByteArrayView name = trimSpaces(line);
+        if (name.isEmpty() || name.startsWith("//"))
+            return;
+        const qint16 number = catalogue.find(name);
+        if (number < 1)
+            return;
+        if (size_t(number) < names.size() && names[size_t(number)] == QLatin1StringView(line))
+            result.entries.append(names[size_t(number)]);
+        else
+            result.entries.append(QString::fromLatin1(line));
+    });
     return result;
 }
 

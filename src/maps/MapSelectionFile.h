@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QStringList>
+#include <vector>
 
 namespace halvane {
 
@@ -15,7 +16,10 @@ struct MapSelectionRead {
     QStringList entries; // the accepted lines as they were read, spaces kept
 };
 // Takes a line that is not blank, is no "//" comment and names a known map.
-MapSelectionRead readMapSelection(const QString& path, const MapSnapshot& catalogue);
+// An entry that spells a map's name as names holds it (by record number)
+// shares that text.
+MapSelectionRead readMapSelection(const QString& path, const MapSnapshot& catalogue,
+                                  const std::vector<QString>& names = {});
 
 // Splits single-byte text into lines, whether they end in CR LF or LF alone.
 QStringList splitTextLines(const QByteArray& bytes);

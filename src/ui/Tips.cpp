@@ -2,7 +2,6 @@
 
 #include "app/AppInfo.h"
 
-#include <QRegularExpression>
 #include <vector>
 
 namespace halvane::Tips {
@@ -217,10 +216,15 @@ const QStringList& builtNames() {
 }
 
 QString keyOf(const QString& objectName) {
-    static const QRegularExpression arrayIndex(QStringLiteral("_[0-9]+$"));
-    QString key = objectName;
-    key.remove(arrayIndex);
-    return key;
+    // By hand rather than by pattern: every control's name is looked up when
+    // the window is made.
+    qsizetype digits = objectName.size();
+    while (digits > 0 && objectName[digits - 1] >= QLatin1Char('0') &&
+           objectName[digits - 1] <= QLatin1Char('9'))
+        --digits;
+    if (digits == objectName.size() || digits == 0 || objectName[digits - 1] != QLatin1Char('_'))
+        return objectName;
+    return objectName.left(digits - 1);
 }
 
 QString dateLogTip(const QDateTime& now) {
