@@ -50,36 +50,19 @@ struct Fixture {
 class DiscoveryTest : public QObject {
     Q_OBJECT
 private slots:
-    void memberRule_data();
-    void memberRule();
     void archiveSearch_data();
     void archiveSearch();
     void looseMapsAndImportList();
     void damagedInputs();
 };
 
-void DiscoveryTest::memberRule_data() {
-    QTest::addColumn<QByteArray>("member");
-    QTest::addColumn<QString>("map"); // empty: not taken
-    QTest::newRow("deeper folder") << QByteArray("a/b/c.bsp") << "c.bsp";
-    QTest::newRow("cut at 50 characters")
-        << QByteArray("maps/" + QByteArray(45, 'x') + ".bsp") << "";
-    QTest::newRow("exactly 50 characters")
-        << QByteArray("maps/" + QByteArray(41, 'x') + ".bsp") << QString(41, 'x') + ".bsp";
-}
-
-void DiscoveryTest::memberRule() {
-    QFETCH(QByteArray, member);
-    QFETCH(QString, map);
-    QCOMPARE(bspMemberName(member).value_or(QString()), map);
-}
-
 void DiscoveryTest::archiveSearch_data() {
     QTest::addColumn<QString>("cancelAt"); // the line on which Cancel is pressed
     QTest::addColumn<QStringList>("maps");
     QTest::addColumn<int>("lines"); // entry lines shown
-    QTest::newRow("whole search") << "" << QStringList({"q3dm1", "", "newmap", "capmap", "nodo"})
-                                  << 6;
+    QTest::newRow("whole search") << ""
+                                  << QStringList({"q3dm1", "", "newmap", "capmap", "nodo", "c"})
+                                  << 7;
     // Stops after the entry under way, keeps what it added, ends as usual.
     QTest::newRow("Cancel") << "Skipping: q3dm1" << QStringList({"q3dm1", "", "newmap"}) << 2;
 }
@@ -94,8 +77,11 @@ void DiscoveryTest::archiveSearch() {
     f.platform.writeFile(f.baseq3() + "/bad.pk3", QByteArray(3000, 'x'));
     QVERIFY(makeArchive(f.baseq3() + "/pak0.pk3", {"maps/skipme.bsp"}));
     QVERIFY(makeArchive(f.baseq3() + "/Pak0.pk3", {"maps/capmap.bsp"}));
-    QVERIFY(makeArchive(f.baseq3() + "/zz.pk3", {"levelshots/newmap.jpg", "maps/newmap.bsp",
-                                                 "maps/upper.BSP", "maps/nodotbsp", "maps/xbsp"}));
+    // Any folder counts; names are cut at 50 characters before the test for "bsp".
+    const QString deep = "a/" + QString(42, 'b');
+    QVERIFY(makeArchive(f.baseq3() + "/zz.pk3",
+                        {"levelshots/newmap.jpg", "maps/newmap.bsp", "maps/upper.BSP",
+                         "maps/nodotbsp", "maps/xbsp", deep + "/c.bsp", deep + "b/d.bsp"}));
     f.platform.writeFile(f.baseq3() + "/notes.txt", "not an archive");
     const auto record = f.discovery.pause;
     f.discovery.pause = [&] {
@@ -107,12 +93,12 @@ void DiscoveryTest::archiveSearch() {
     f.discovery.searchArchives();
 
     QCOMPARE(f.fileNames(), maps);
-    const QStringList entries{"Searching for PK3 files...|Adding: newmap",
-                              "Searching for PK3 files...|Skipping: q3dm1",
-                              "Searching for PK3 files...|Adding: capmap",
-                              "Searching for PK3 files...|Skipping: newmap",
-                              "Searching for PK3 files...|Adding: nodo",
-                              "Searching for PK3 files...|Skipping: "}; // the deleted slot
+    const QStringList entries{
+        "Searching for PK3 files...|Adding: newmap", "Searching for PK3 files...|Skipping: q3dm1",
+        "Searching for PK3 files...|Adding: capmap", "Searching for PK3 files...|Skipping: newmap",
+        "Searching for PK3 files...|Adding: nodo",
+        "Searching for PK3 files...|Skipping: ", // the deleted slot
+        "Searching for PK3 files...|Adding: c"};
     QCOMPARE(f.shown, QStringList{"Getting Map Names...|baseq3\\zz.pk3"} + entries.mid(0, lines) +
                           QStringList{"Done|Finished loading maps"});
     // The damaged archive is named and the search goes on past it.
