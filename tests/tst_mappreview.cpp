@@ -5,7 +5,6 @@
 #include "maps/GameFileListing.h"
 #include "maps/MapPreview.h"
 #include "maps/MapsController.h"
-#include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 
 #include <QtTest>
@@ -103,21 +102,20 @@ void MapPreviewTest::pictureChoice() {
 }
 
 void MapPreviewTest::picturesInTheWindow() {
-    TestPlatform platform;
-    platform.makeGameFolder();
-    platform.writeFile(platform.gameFolder() + "/baseq3/levelshots/big.tga", targa(300, 200));
-    platform.writeFile(platform.programFolder() + "/Maps/small.tga", targa(40, 30));
-    platform.writeFile(platform.programFolder() + "/Maps/bad.tga", QByteArray(50, 'x'));
-    QDir().mkpath(platform.programFolder() + "/maps"); // beside Maps, which holds the picture
-    QVERIFY(QFile::copy(HALVANE_BIN_DIR "/maps/default.jpg",
-                        platform.programFolder() + "/Maps/default.jpg"));
-    QVERIFY(makeArchive(platform.gameFolder() + "/baseoa/pak0.pk3",
-                        {"levelshots/x.jpg", "LEVELSHOTS/Y.TGA"},
-                        {{"levelshots/x.jpg", readAll(HALVANE_BIN_DIR "/maps/default.jpg")},
-                         {"LEVELSHOTS/Y.TGA", targa(40, 30)}}));
-    MainWindow window(*platform.app);
-    window.showMainWindow();
-    Ui::frmMain& ui = window.form();
+    WindowFixture w([](TestPlatform& p) {
+        p.writeFile(p.gameFolder() + "/baseq3/levelshots/big.tga", targa(300, 200));
+        p.writeFile(p.programFolder() + "/Maps/small.tga", targa(40, 30));
+        p.writeFile(p.programFolder() + "/Maps/bad.tga", QByteArray(50, 'x'));
+        QDir().mkpath(p.programFolder() + "/maps"); // beside Maps, which holds the picture
+        QVERIFY(QFile::copy(HALVANE_BIN_DIR "/maps/default.jpg",
+                            p.programFolder() + "/Maps/default.jpg"));
+        QVERIFY(makeArchive(p.gameFolder() + "/baseoa/pak0.pk3",
+                            {"levelshots/x.jpg", "LEVELSHOTS/Y.TGA"},
+                            {{"levelshots/x.jpg", readAll(HALVANE_BIN_DIR "/maps/default.jpg")},
+                             {"LEVELSHOTS/Y.TGA", targa(40, 30)}}));
+    });
+    MainWindow& window = *w.window;
+    Ui::frmMain& ui = w.ui();
     // The delivered default picture is shown at start-up.
     QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap1);
     QVERIFY(!ui.imgMap1->pixmap().isNull());
@@ -131,7 +129,7 @@ void MapPreviewTest::picturesInTheWindow() {
     QCOMPARE(shown.pixel(corner) & 0xFFFFFF, tgaColour(corner.x(), corner.y()) & 0xFFFFFF);
 
     // A map without a picture empties the box; a damaged Targa reads as none.
-    QFile::remove(platform.programFolder() + "/Maps/default.jpg");
+    QFile::remove(w.platform.programFolder() + "/Maps/default.jpg");
     window.maps().preview().showPreview("none");
     QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap);
     QVERIFY(ui.imgMap->pixmap().isNull());
@@ -141,7 +139,7 @@ void MapPreviewTest::picturesInTheWindow() {
     QCOMPARE(ui.imgMap1->pixmap().size(), QSize(160, 120));
     window.maps().preview().showPreview("y");
     QCOMPARE(ui.imgMap->pixmap().toImage().pixel(39, 29) & 0xFFFFFF, tgaColour(39, 29) & 0xFFFFFF);
-    QVERIFY(readTarga(platform.programFolder() + "/Maps/bad.tga").isNull());
+    QVERIFY(readTarga(w.platform.programFolder() + "/Maps/bad.tga").isNull());
 }
 
 QTEST_MAIN(MapPreviewTest)
