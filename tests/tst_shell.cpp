@@ -3,7 +3,6 @@
 #include "TestSupport.h"
 
 #include "app/AppInfo.h"
-#include "ui/MainWindow.h"
 #include "ui/StatusPanel.h"
 #include "ui/Twips.h"
 #include "ui_frmMain.h"
@@ -33,14 +32,8 @@ private slots:
 };
 
 namespace {
-struct Fixture {
-    TestPlatform platform;
-    std::unique_ptr<MainWindow> window;
-    Fixture() {
-        platform.makeGameFolder();
-        window = std::make_unique<MainWindow>(*platform.app);
-    }
-    Ui::frmMain& ui() { return window->form(); }
+struct Fixture : WindowFixture { // shown by each test, after its own preparations
+    Fixture() : WindowFixture({}, false) {}
     StatusPanel& panel() { return window->statusPanel(); }
 };
 } // namespace

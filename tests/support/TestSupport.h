@@ -80,7 +80,7 @@ struct WindowFixture {
                            bool shown = true);
     // A new window over the same files and stored values, as the next run sees them.
     void reopen();
-    Ui::frmMain& ui() { return window->form(); }
+    Ui::frmMain& ui() const { return window->form(); }
     TestPlatform platform;
     std::unique_ptr<MainWindow> window;
 };
