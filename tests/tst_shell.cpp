@@ -116,12 +116,10 @@ void ShellTest::shutDownSavesParametersBeforeSettings() {
     QVERIFY(f.window->hasEnded());
     // The next start shows the status panel as it was left.
     QCOMPARE(f.platform.ini->read("Settings", "StatusBar", ""), open ? "True" : "False");
-    f.platform.reopenStore();
-    MainWindow second(*f.platform.app);
-    second.showMainWindow();
-    QCOMPARE(second.statusPanel().isOpen(), open);
-    QCOMPARE(second.statusPanel().heightTwips(), open ? 6450 : 5790);
-    QCOMPARE(second.form().mnuViewStatusBar->isChecked(), open);
+    f.reopen();
+    QCOMPARE(f.panel().isOpen(), open);
+    QCOMPARE(f.panel().heightTwips(), open ? 6450 : 5790);
+    QCOMPARE(f.ui().mnuViewStatusBar->isChecked(), open);
 }
 
 void ShellTest::secondCopyEndsWithoutStoring() {
