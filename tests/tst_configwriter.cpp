@@ -269,11 +269,12 @@ void TestConfigWriter::rotationWithCtfAndRandomBots() {
 void TestConfigWriter::failures() {
     Fixture f;
     f.addMap("q3dm1", rules("15", "20"));
+    f.addMap("q3dm7", rules("15", "20"));
     f.catalogue.CurrentMapRecord = 1;
     QVERIFY(f.catalogue.readRecord(1));
     const MapRecord shown = f.catalogue.RecordBuffer;
     ServerSettings s = baseSettings();
-    s.selectedMaps = {"q3dm1", "nosuchmap"};
+    s.selectedMaps = {"q3dm7", "nosuchmap"}; // the search reads q3dm7 into the buffer
     // A selected map missing from the catalogue: what was written before it
     // stays, ending where it stopped, and the shown map stays in the buffer.
     QVERIFY(!f.write(s));
