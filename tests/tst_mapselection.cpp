@@ -417,7 +417,6 @@ void MapSelectionTest::pictureChoice() {
 void MapSelectionTest::picturesInTheWindow() {
     WindowFixture w([](TestPlatform& p) {
         p.writeFile(p.gameFolder() + "/baseq3/levelshots/big.tga", targa(300, 200));
-        p.writeFile(p.programFolder() + "/Maps/small.tga", targa(40, 30));
         p.writeFile(p.programFolder() + "/Maps/bad.tga", QByteArray(50, 'x'));
         QDir().mkpath(p.programFolder() + "/maps"); // beside Maps, which holds the picture
         QVERIFY(QFile::copy(HALVANE_BIN_DIR "/maps/default.jpg",
