@@ -5,7 +5,6 @@
 #include "bots/BotListFile.h"
 #include "bots/BotsController.h"
 #include "config/ConfigController.h"
-#include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 
 #include <QtTest>
@@ -15,25 +14,20 @@ using namespace halvane::test;
 
 namespace {
 // A main window over a game folder; botlist.txt as given, or removed (null).
-struct Window {
-    TestPlatform platform;
-    std::unique_ptr<MainWindow> window;
-    Ui::frmMain* ui = nullptr;
-    explicit Window(const QByteArray* list) {
-        platform.makeGameFolder();
-        QFile::remove(path());
-        if (list)
-            platform.writeFile(path(), *list);
-        window = std::make_unique<MainWindow>(*platform.app);
-        window->showMainWindow();
-        ui = &window->form();
-        ui->cmbBotType->setCurrentIndex(1); // user-defined: the tab is usable
+struct Window : WindowFixture {
+    explicit Window(const QByteArray* list)
+        : WindowFixture([&](TestPlatform& p) {
+              QFile::remove(p.programFolder() + "/botlist.txt");
+              if (list)
+                  p.writeFile(p.programFolder() + "/botlist.txt", *list);
+          }) {
+        ui().cmbBotType->setCurrentIndex(1); // user-defined: the tab is usable
     }
     QString path() const { return platform.programFolder() + "/botlist.txt"; }
     QStringList names() const {
         QStringList result;
-        for (int i = 0; i < ui->BotList->count(); ++i)
-            result.append(ui->BotList->item(i)->text());
+        for (int i = 0; i < ui().BotList->count(); ++i)
+            result.append(ui().BotList->item(i)->text());
         return result;
     }
 };
@@ -95,27 +89,27 @@ void TestBotList::fileRules() {
 void TestBotList::countCaptionTipTeamAndSkill() {
     const QByteArray list = "Sarge\r\nGrunt\r\nMajor\r\n";
     Window w(&list);
-    QCOMPARE(w.ui->lblBotCount->text(), QStringLiteral("No bots selected"));
-    QCOMPARE(w.ui->txtTip->text(),
+    QCOMPARE(w.ui().lblBotCount->text(), QStringLiteral("No bots selected"));
+    QCOMPARE(w.ui().txtTip->text(),
              QStringLiteral("No bots selected.  Select the bots you want to add to your "
                             "server, and then click the 'Create Bot Script' button."));
-    w.ui->BotList->item(2)->setCheckState(Qt::Checked);
-    QCOMPARE(w.ui->lblBotCount->text(), QStringLiteral("1 bot selected"));
-    w.ui->BotList->item(0)->setCheckState(Qt::Checked);
-    QCOMPARE(w.ui->lblBotCount->text(), QStringLiteral("2 bots selected"));
+    w.ui().BotList->item(2)->setCheckState(Qt::Checked);
+    QCOMPARE(w.ui().lblBotCount->text(), QStringLiteral("1 bot selected"));
+    w.ui().BotList->item(0)->setCheckState(Qt::Checked);
+    QCOMPARE(w.ui().lblBotCount->text(), QStringLiteral("2 bots selected"));
     QCOMPARE(w.window->bots().Countbots(), 2);
 
     // Team and skill by position.
     w.window->botTables().setTeam(2, 1);
     w.window->botTables().setSkill(2, 4);
-    w.ui->BotList->setCurrentRow(2);
-    QCOMPARE(w.ui->cmbBotTeam->currentIndex(), 1);
-    QCOMPARE(w.ui->cmbBotSkill->currentIndex(), 4);
+    w.ui().BotList->setCurrentRow(2);
+    QCOMPARE(w.ui().cmbBotTeam->currentIndex(), 1);
+    QCOMPARE(w.ui().cmbBotSkill->currentIndex(), 4);
     // Choices go to the current entry, selected or not; none current changes nothing.
-    w.ui->BotList->setCurrentRow(0);
-    w.ui->cmbBotTeam->setCurrentIndex(1);
-    w.ui->BotList->setCurrentRow(-1);
-    w.ui->cmbBotTeam->setCurrentIndex(0);
+    w.ui().BotList->setCurrentRow(0);
+    w.ui().cmbBotTeam->setCurrentIndex(1);
+    w.ui().BotList->setCurrentRow(-1);
+    w.ui().cmbBotTeam->setCurrentIndex(0);
     QCOMPARE(*w.window->botTables().team(0), qint16(1));
 }
 
@@ -124,15 +118,15 @@ void TestBotList::refreshAndEditList() {
     w.platform.messages.clear();
     w.platform.writeFile(w.path(), "Sarge\r\nGrunt\r\n");
     w.window->botTables().setTeam(1, 1);
-    w.ui->btnBotRefresh->click();
+    w.ui().btnBotRefresh->click();
     QCOMPARE(w.names(), QStringList({"Sarge", "Grunt"}));
-    w.ui->BotList->setCurrentRow(1);
-    QCOMPARE(w.ui->cmbBotTeam->currentIndex(), 1); // the tables survive a refresh
-    w.ui->btnEditBotList->click();
+    w.ui().BotList->setCurrentRow(1);
+    QCOMPARE(w.ui().cmbBotTeam->currentIndex(), 1); // the tables survive a refresh
+    w.ui().btnEditBotList->click();
     QCOMPARE(w.platform.shell.edited, QStringList{w.path()});
     QVERIFY(w.platform.messages.shown.isEmpty());
     w.platform.shell.succeed = false;
-    w.ui->btnEditBotList->click();
+    w.ui().btnEditBotList->click();
     QCOMPARE(onlyMessage(w.platform.messages), message("Warning", "Error opening botlist.txt!",
                                                        MsgButtons::Ok, MsgIcon::Information));
 }
@@ -156,13 +150,13 @@ void TestBotList::leavingRandomBots() {
     QFETCH(bool, warned);
     Window w(nullptr);
     w.platform.messages.clear();
-    w.ui->txtMaxPlayers->setText(maxPlayers);
-    w.ui->txtRandomBots->setText(randomBots);
+    w.ui().txtMaxPlayers->setText(maxPlayers);
+    w.ui().txtRandomBots->setText(randomBots);
     QFocusEvent leave(QEvent::FocusOut, Qt::TabFocusReason);
-    QCoreApplication::sendEvent(w.ui->txtRandomBots, &leave);
+    QCoreApplication::sendEvent(w.ui().txtRandomBots, &leave);
     // Focus moving to another window is not leaving the box.
     QFocusEvent away(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
-    QCoreApplication::sendEvent(w.ui->txtRandomBots, &away);
+    QCoreApplication::sendEvent(w.ui().txtRandomBots, &away);
     const QString text = "This number exceeds the maximum number of players you have specified "
                          "for the server (" +
                          maxPlayers +
@@ -171,7 +165,7 @@ void TestBotList::leavingRandomBots() {
              warned ? message("Warning", text, MsgButtons::Ok, MsgIcon::Information)
                     : "0 messages");
     if (warned)
-        QTRY_COMPARE(w.ui->txtRandomBots->selectedText(), randomBots);
+        QTRY_COMPARE(w.ui().txtRandomBots->selectedText(), randomBots);
 }
 
 QTEST_MAIN(TestBotList)

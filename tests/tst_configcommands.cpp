@@ -3,7 +3,6 @@
 #include "TestSupport.h"
 
 #include "config/ConfigFileCommands.h"
-#include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 
 #include <QtTest>
@@ -29,26 +28,22 @@ private slots:
     void editButton();
 
 private:
-    std::unique_ptr<TestPlatform> platform;
-    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<WindowFixture> f;
     Ui::frmMain* ui = nullptr;
     QList<WriteCall> writes;
     bool writerSucceeds = true;
 };
 
 void ConfigCommandsTest::init() {
-    platform = std::make_unique<TestPlatform>();
-    platform->makeGameFolder();
-    window = std::make_unique<MainWindow>(*platform->app);
-    window->showMainWindow();
-    ui = &window->form();
+    f = std::make_unique<WindowFixture>();
+    ui = &f->window->form();
     ui->txtServerName->setText("Arena");
     ui->txtMaxPlayers->setText("8");
     ui->txtHunkMegs->setText("32");
     ui->cmbServerType->setCurrentIndex(2);
     writes.clear();
     writerSucceeds = true;
-    window->configCommands().setWriteConfig(
+    f->window->configCommands().setWriteConfig(
         [this](const QString& path, bool withCommandLine, const QString& commandLine) {
             writes.append({path, withCommandLine, commandLine});
             if (!writerSucceeds)
@@ -59,13 +54,12 @@ void ConfigCommandsTest::init() {
             file.write("// test config for " + ui->txtServerName->text().toLatin1() + "\r\n");
             return true;
         });
-    platform->messages.clear();
-    platform->store->writes.clear();
+    f->platform.messages.clear();
+    f->platform.store->writes.clear();
 }
 
 void ConfigCommandsTest::cleanup() {
-    window.reset();
-    platform.reset();
+    f.reset();
 }
 
 void ConfigCommandsTest::commands_data() {
@@ -105,19 +99,19 @@ void ConfigCommandsTest::commands() {
     QFETCH(MsgAnswer, answer);
     QFETCH(QString, told);
     const bool stored = !saveAs && fault != "invalid"; // settings stored: validation passed
-    const QString target = saveAs ? platform->root() + "/elsewhere/my server.cfg"
-                                  : platform->gameFolder() + "/baseq3/halvane.cfg";
-    QDir().mkpath(platform->root() + "/elsewhere");
+    const QString target = saveAs ? f->platform.root() + "/elsewhere/my server.cfg"
+                                  : f->platform.gameFolder() + "/baseq3/halvane.cfg";
+    QDir().mkpath(f->platform.root() + "/elsewhere");
     if (saveAs && fault != "cancel")
-        platform->dialogs.choices = {FileChoice{true, target, "my server.cfg"}};
+        f->platform.dialogs.choices = {FileChoice{true, target, "my server.cfg"}};
     if (fault == "invalid")
         ui->txtServerName->clear();
     writerSucceeds = fault != "write fails";
-    platform->messages.answers = {answer};
+    f->platform.messages.answers = {answer};
 
     (saveAs ? ui->mnuFileSaveAs : ui->mnuFileMakeCfg)->trigger();
 
-    QCOMPARE(onlyMessage(platform->messages), QString(told).replace("<target>", target));
+    QCOMPARE(onlyMessage(f->platform.messages), QString(told).replace("<target>", target));
     const bool written = told.startsWith("Success!");
     QCOMPARE(QFile::exists(target), written);
     if (written)
@@ -127,39 +121,40 @@ void ConfigCommandsTest::commands() {
         QCOMPARE(call.path, target);
         QVERIFY(!call.withCommandLine && call.commandLine.isEmpty());
     }
-    QCOMPARE(platform->store->writes.contains("General/Name=Arena"), stored);
-    QCOMPARE(platform->shell.edited,
+    QCOMPARE(f->platform.store->writes.contains("General/Name=Arena"), stored);
+    QCOMPARE(f->platform.shell.edited,
              written && answer == MsgAnswer::Yes ? QStringList{target} : QStringList{});
     if (saveAs) {
-        QCOMPARE(platform->dialogs.calls.size(), 1);
-        const FileDialogCall& call = platform->dialogs.calls[0];
+        QCOMPARE(f->platform.dialogs.calls.size(), 1);
+        const FileDialogCall& call = f->platform.dialogs.calls[0];
         QVERIFY(call.save);
         QCOMPARE(call.title + "|" + call.filter + "|" + call.defaultSuffix,
                  QStringLiteral("Save config file as|Config files|*.cfg;*.config|*.cfg"));
-        QCOMPARE(call.initialFolder, platform->gameFolder() + "/baseq3");
+        QCOMPARE(call.initialFolder, f->platform.gameFolder() + "/baseq3");
     }
 }
 
 // Usable while the script box holds a name, picked or typed; opens the
 // script below baseq3, found without regard to letter case where it exists.
 void ConfigCommandsTest::editButton() {
-    platform->writeFile(platform->gameFolder() + "/baseq3/Server.cfg", "set x 1\r\n");
+    f->platform.writeFile(f->platform.gameFolder() + "/baseq3/Server.cfg", "set x 1\r\n");
     ui->txtCfg->addItem("server.cfg");
     ui->txtCfg->setEditText("");
     QVERIFY(!ui->cmdEditCfg->isEnabled());
     ui->txtCfg->setCurrentIndex(ui->txtCfg->findText("server.cfg"));
     QVERIFY(ui->cmdEditCfg->isEnabled());
     ui->cmdEditCfg->click();
-    QCOMPARE(platform->shell.edited, QStringList{platform->gameFolder() + "/baseq3/Server.cfg"});
+    QCOMPARE(f->platform.shell.edited,
+             QStringList{f->platform.gameFolder() + "/baseq3/Server.cfg"});
     ui->txtCfg->lineEdit()->clear();
     QVERIFY(!ui->cmdEditCfg->isEnabled());
-    window->configCommands().cmdEditCfg(); // nothing to open
+    f->window->configCommands().cmdEditCfg(); // nothing to open
     QTest::keyClicks(ui->txtCfg->lineEdit(), "new.cfg");
     QVERIFY(ui->cmdEditCfg->isEnabled());
     ui->cmdEditCfg->click();
-    QCOMPARE(platform->shell.edited.size(), 2);
-    QCOMPARE(platform->shell.edited.last(), platform->gameFolder() + "/baseq3/new.cfg");
-    QCOMPARE(platform->messages.shown.size(), 0);
+    QCOMPARE(f->platform.shell.edited.size(), 2);
+    QCOMPARE(f->platform.shell.edited.last(), f->platform.gameFolder() + "/baseq3/new.cfg");
+    QCOMPARE(f->platform.messages.shown.size(), 0);
 }
 
 QTEST_MAIN(ConfigCommandsTest)

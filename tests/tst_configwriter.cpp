@@ -1,22 +1,33 @@
-// The server configuration, the rotation scripts and the support files: the
-// worked examples as golden files, each control-dependent branch as a small
-// case, and the failures the caller must hear about.
-#include "ScriptedRandom.h"
+// The server configuration, the rotation scripts, the bot scripts and the
+// support files: the worked examples as golden files, each control-dependent
+// branch as a small case, and the failures the caller must hear about.
 #include "TestSupport.h"
 
 #include "bots/BotScripts.h"
+#include "bots/RandomSource.h"
 #include "config/ConfigWriter.h"
 #include "maps/MapCatalogue.h"
-#include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 
 #include <QDir>
+#include <QSet>
 #include <QtTest>
 
 using namespace halvane;
 using namespace halvane::test;
 
 namespace {
+
+// Hands out the draws a test chose, in order, repeating the last one.
+class ScriptedRandom : public RandomSource {
+public:
+    explicit ScriptedRandom(QList<double> draws) : m_draws(std::move(draws)) {}
+    double draw() override { return m_draws.size() > 1 ? m_draws.takeFirst() : m_draws.value(0); }
+    void reseed() override {}
+
+private:
+    QList<double> m_draws;
+};
 
 // The settings of the smallest configuration (43 lines).
 ServerSettings baseSettings() {
@@ -41,35 +52,27 @@ ServerSettings baseSettings() {
     s.quad = QStringLiteral("3");
     s.minBots = QStringLiteral("2");
     s.randomBots = QStringLiteral("2");
-    for (const char* name : {"Sarge", "Grunt", "Major", "Visor"})
-        s.bots.push_back({QLatin1String(name), false, 0, 1});
+    s.bots = {{"Sarge"}, {"Grunt"}, {"Major"}, {"Visor"}};
     return s;
 }
 
-// Sets one field by name: the branch table below names its changes as text.
-void apply(ServerSettings& s, const QString& change) {
-    const QString key = change.section('=', 0, 0);
-    const QString value = change.section('=', 1);
-    const bool truth = value == QLatin1String("1");
-    const QHash<QString, std::function<void()>> setters{
-        {"logFile", [&] { s.logFile = truth; }},
-        {"dateLog", [&] { s.dateLog = truth; }},
-        {"logFileName", [&] { s.logFileName = value; }},
-        {"gameType", [&] { s.gameType = value.toInt(); }},
-        {"serverName", [&] { s.serverName = value; }},
-        {"minPing", [&] { s.minPing = value; }},
-        {"maxPing", [&] { s.maxPing = value; }},
-        {"friendlyEnabled", [&] { s.friendlyEnabled = truth; }},
-        {"friendlyFire", [&] { s.friendlyFire = truth; }},
-        {"botType", [&] { s.botType = value.toInt(); }},
-        {"disableBotChat", [&] { s.disableBotChat = truth; }},
-        {"autoSelectBots", [&] { s.autoSelectBots = truth; }},
-        {"autoBotSkill", [&] { s.autoBotSkill = value.toInt(); }},
-        {"minBots", [&] { s.minBots = value; }},
-        {"extraConfig", [&] { s.extraConfig = value; }},
-    };
-    QVERIFY2(setters.contains(key), qPrintable(change));
-    setters[key]();
+// The same with bots Bot0, Bot1, ... of the skills 0 to 4 in turn, none selected.
+ServerSettings withBots(int count) {
+    ServerSettings s = baseSettings();
+    s.bots.clear();
+    for (int i = 0; i < count; ++i)
+        s.bots.push_back({QStringLiteral("Bot%1").arg(i), false, 0, qint16(i % 5)});
+    return s;
+}
+
+// The names a set script kicks and adds ("kick X" / "addbot X  L team").
+QSet<QString> namesAfter(const QString& path, const QString& command) {
+    QSet<QString> names;
+    for (const QString& line : QString::fromLatin1(readAll(path)).split("\r\n")) {
+        if (line.startsWith(command))
+            names.insert(line.mid(command.size()).section(' ', 0, 0));
+    }
+    return names;
 }
 
 // The lines of a file, without their line ends.
@@ -88,15 +91,18 @@ MapRules rules(const char* time, const char* frag, const char* capture = "8") {
 struct Fixture {
     TestPlatform platform;
     MapCatalogue catalogue{platform.programFolder()};
-    ScriptedRandom random{{0.0}};
+    ScriptedRandom random;
     BotScriptWriter bots{platform.app->state, platform.messages, random};
     ConfigWriter writer{platform.app->state, platform.messages, catalogue, bots};
 
-    Fixture() { platform.makeGameFolder(); }
+    explicit Fixture(QList<double> draws = {0.0}) : random(std::move(draws)) {
+        platform.makeGameFolder();
+    }
     QString baseq3(const QString& name = QString()) const {
         return platform.gameFolder() + "/baseq3/" + name;
     }
     QString cfg() const { return baseq3("halvane.cfg"); }
+    QString set(int n) const { return baseq3(QStringLiteral("srvbots/botset%1.cfg").arg(n)); }
     void addMap(const QString& name, const MapRules& mapRules) {
         QVERIFY(catalogue.append({makeMapRecord(name, name, mapRules)}));
     }
@@ -114,11 +120,14 @@ private slots:
     void branches_data();
     void branches();
     void rotationWithCtfAndRandomBots();
-    void failures_data();
     void failures();
-    void startupScriptsAreNeverReplaced();
     void sameFileFromEveryTab_data();
     void sameFileFromEveryTab();
+    void fixedBotScript();
+    void botRotationClosesIntoCycle();
+    void botSetSizes_data();
+    void botSetSizes();
+    void botScriptFailures();
 };
 
 void TestConfigWriter::workedExamples_data() {
@@ -154,6 +163,12 @@ void TestConfigWriter::workedExamples() {
     }
     if (maps == 11) // an old script named in capitals is replaced, not joined by a second
         f.platform.writeFile(f.baseq3("srvmaps/MAPSET3.CFG"), "old");
+    // The operator's own start-up scripts are never replaced, not even an empty one.
+    const QByteArray own = "// my own start-up\nexec mine.cfg\n";
+    if (maps == 2) {
+        f.platform.writeFile(f.baseq3("autoexec.cfg"), own);
+        f.platform.writeFile(f.baseq3("default.cfg"), "");
+    }
     // The second write replaces the files rather than adding to them.
     for (int run = 0; run < 2; ++run)
         QVERIFY(f.write(s, commandLine));
@@ -163,71 +178,70 @@ void TestConfigWriter::workedExamples() {
         QVERIFY2(!expected.isEmpty() && actual == expected,
                  qPrintable(pair + ": " + firstDifference(actual, expected)));
     }
+    if (maps == 2)
+        QVERIFY(readAll(f.baseq3("autoexec.cfg")) == own && readAll(f.baseq3("default.cfg")) == "");
     QCOMPARE(QDir(f.baseq3("srvmaps")).entryList(QDir::Files).size(), maps < 2 ? 0 : maps);
     QVERIFY(QDir(f.baseq3("srvbots")).isEmpty()); // no random bots asked for
     QVERIFY(f.platform.messages.shown.isEmpty());
 }
 
-void TestConfigWriter::branches_data() {
-    QTest::addColumn<QStringList>("changes");
-    QTest::addColumn<QStringList>("block");  // consecutive lines the file must hold
-    QTest::addColumn<QStringList>("absent"); // lines it must not hold
-    const QStringList none;
-    QTest::newRow("log with its name as typed")
-        << QStringList{"logFile=1", "logFileName= server one.log"}
-        << QStringList{"seta g_log \" server one.log\""} << none;
-    QTest::newRow("date-coded log ignores the name")
-        << QStringList{"logFile=1", "dateLog=1", "logFileName=mine.log"}
-        << QStringList{"seta g_log \"20260305-0709.log\""} << none;
-    QTest::newRow("team play is game 3")
-        << QStringList{"gameType=2"} << QStringList{"seta g_gametype 3"} << none;
-    QTest::newRow("blanks inside a ping count for nothing")
-        << QStringList{"minPing=0 50"}
-        << QStringList{"seta sv_minPing 0 50", "seta sv_maxPing 0", "", "seta g_forcerespawn 20"}
-        << none;
+// The change to the base settings (one expression, its assignments joined by
+// commas); consecutive lines the file must hold, and lines it must not hold.
+using Change = void (*)(ServerSettings&);
+const std::tuple<const char*, Change, QStringList, QStringList> Branches[] = {
+    {"log with its name as typed",
+     [](ServerSettings& s) { s.logFile = true, s.logFileName = " server one.log"; },
+     {"seta g_log \" server one.log\""},
+     {}},
+    {"date-coded log ignores the name",
+     [](ServerSettings& s) { s.logFile = s.dateLog = true, s.logFileName = "mine.log"; },
+     {"seta g_log \"20260305-0709.log\""},
+     {}},
+    {"team play is game 3", [](ServerSettings& s) { s.gameType = 2; }, {"seta g_gametype 3"}, {}},
+    {"blanks inside a ping count for nothing",
+     [](ServerSettings& s) { s.minPing = "0 50"; },
+     {"seta sv_minPing 0 50", "seta sv_maxPing 0", "", "seta g_forcerespawn 20"},
+     {}},
     // The empty line follows the sum of the two numbers, not the lines written.
-    QTest::newRow("ping limits not numeric")
-        << QStringList{"minPing=abc", "maxPing=x100"}
-        << QStringList{"", "seta sv_minPing 0", "seta sv_maxPing 0", "seta g_forcerespawn 20"}
-        << none;
-    QTest::newRow("capture the flag with friendly fire")
-        << QStringList{"gameType=3", "friendlyEnabled=1", "friendlyFire=1"}
-        << QStringList{"", "seta g_friendlyFire 1", "seta g_weaponrespawn 5"}
-        << QStringList{"seta g_gametype 0"};
-    QTest::newRow("automatic bots without chat")
-        << QStringList{"botType=2", "disableBotChat=1", "autoBotSkill=4", "minBots=x"}
-        << QStringList{"seta bot_nochat 1",
-                       "",
-                       "seta g_spskill 5",
-                       "seta bot_minplayers x",
-                       "",
-                       "// Execute scripts...",
-                       "",
-                       "",
-                       "// end of file "}
-        << QStringList{"exec srvbots.cfg"};
-    QTest::newRow("user-defined bots run the fixed script")
-        << QStringList{"botType=1", "extraConfig=my \"x\".cfg "}
-        << QStringList{"seta bot_minplayers 0", "", "// Execute scripts...", "", "exec srvbots.cfg",
-                       "exec my \"x\".cfg ",    "", "// end of file "}
-        << QStringList{"seta g_spskill 1"};
-    QTest::newRow("random user-defined bots run no fixed script")
-        << QStringList{"botType=1", "autoSelectBots=1"}
-        << QStringList{"// Execute scripts...", "", "", "// end of file "}
-        << QStringList{"exec srvbots.cfg"};
-    QTest::newRow("one byte per character")
-        << QStringList{"serverName=Caf\u00e9 \u00bbNord\u00ab"}
-        << QStringList{"seta sv_hostname \"Caf\u00e9 \u00bbNord\u00ab\""} << none;
+    {"ping limits not numeric",
+     [](ServerSettings& s) { s.minPing = "abc", s.maxPing = "x100"; },
+     {"", "seta sv_minPing 0", "seta sv_maxPing 0", "seta g_forcerespawn 20"},
+     {}},
+    {"capture the flag with friendly fire",
+     [](ServerSettings& s) { s.gameType = 3, s.friendlyEnabled = s.friendlyFire = true; },
+     {"", "seta g_friendlyFire 1", "seta g_weaponrespawn 5"},
+     {"seta g_gametype 0"}},
+    {"automatic bots without chat",
+     [](ServerSettings& s) {
+         s.botType = 2, s.disableBotChat = true, s.autoBotSkill = 4, s.minBots = "x";
+     },
+     {"seta bot_nochat 1", "", "seta g_spskill 5", "seta bot_minplayers x", "",
+      "// Execute scripts...", "", "", "// end of file "},
+     {"exec srvbots.cfg"}},
+    {"user-defined bots run the fixed script",
+     [](ServerSettings& s) { s.botType = 1, s.extraConfig = "my \"x\".cfg "; },
+     {"seta bot_minplayers 0", "", "// Execute scripts...", "", "exec srvbots.cfg",
+      "exec my \"x\".cfg ", "", "// end of file "},
+     {"seta g_spskill 1"}},
+    {"random user-defined bots run no fixed script",
+     [](ServerSettings& s) { s.botType = 1, s.autoSelectBots = true; },
+     {"// Execute scripts...", "", "", "// end of file "},
+     {"exec srvbots.cfg"}},
+    {"one byte per character",
+     [](ServerSettings& s) { s.serverName = "Caf\u00e9 \u00bbNord\u00ab"; },
+     {"seta sv_hostname \"Caf\u00e9 \u00bbNord\u00ab\""},
+     {}},
+};
+
+void TestConfigWriter::branches_data() {
+    addRows(Branches);
 }
 
 void TestConfigWriter::branches() {
-    QFETCH(QStringList, changes);
-    QFETCH(QStringList, block);
-    QFETCH(QStringList, absent);
+    const auto& [name, change, block, absent] = fetchRow(Branches);
     Fixture f;
     ServerSettings s = baseSettings();
-    for (const QString& change : changes)
-        apply(s, change);
+    change(s);
     QVERIFY(f.write(s));
     const QString text = linesOf(f.cfg()).join('\n');
     QVERIFY2(text.contains(block.join('\n')), qPrintable(text));
@@ -252,54 +266,33 @@ void TestConfigWriter::rotationWithCtfAndRandomBots() {
     QVERIFY(QFileInfo::exists(f.baseq3("srvbots/botset1.cfg")));
 }
 
-void TestConfigWriter::failures_data() {
-    QTest::addColumn<QString>("kind");
-    QTest::addColumn<int>("linesKept"); // lines of the main file left, -1: no file
-    QTest::addColumn<bool>("message");  // the subfolder error, or nothing
-    QTest::newRow("game folder without baseq3") << "nobaseq3" << -1 << true;
-    QTest::newRow("selected map missing from the catalogue") << "missingmap" << 32 << false;
-}
-
 void TestConfigWriter::failures() {
-    QFETCH(QString, kind);
-    QFETCH(int, linesKept);
-    QFETCH(bool, message);
     Fixture f;
     f.addMap("q3dm1", rules("15", "20"));
+    f.addMap("q3dm7", rules("15", "20"));
     f.catalogue.CurrentMapRecord = 1;
     QVERIFY(f.catalogue.readRecord(1));
     const MapRecord shown = f.catalogue.RecordBuffer;
     ServerSettings s = baseSettings();
-    s.selectedMaps = {"q3dm1", "nosuchmap"};
-    const QString path = f.cfg();
-    if (kind == "nobaseq3")
-        QVERIFY(QDir(f.baseq3()).removeRecursively());
-    QVERIFY(!f.writer.WriteConfig(s, path, false, QString()));
-    QCOMPARE(onlyMessage(f.platform.messages),
-             message ? halvane::test::message("Error",
-                                              "An error has occured while attempting to create "
-                                              "the subfolders required for Halvane to launch the "
-                                              "server.",
-                                              MsgButtons::Ok, MsgIcon::Critical)
-                     : "0 messages");
-    QCOMPARE(QFileInfo::exists(path), linesKept >= 0);
-    if (linesKept >= 0) {
-        // What was written before the failure stays, ending where it stopped.
-        const QStringList kept = linesOf(path);
-        QCOMPARE(kept.size(), linesKept);
-        QCOMPARE(kept.mid(0, 30), linesOf(golden("config_minimal.cfg")).mid(0, 30));
-    }
+    s.selectedMaps = {"q3dm7", "nosuchmap"}; // the search reads q3dm7 into the buffer
+    // A selected map missing from the catalogue: what was written before it
+    // stays, ending where it stopped, and the shown map stays in the buffer.
+    QVERIFY(!f.write(s));
+    QCOMPARE(onlyMessage(f.platform.messages), "0 messages");
+    const QStringList kept = linesOf(f.cfg());
+    QCOMPARE(kept.size(), 32);
+    QCOMPARE(kept.mid(0, 30), linesOf(golden("config_minimal.cfg")).mid(0, 30));
     QVERIFY(f.catalogue.RecordBuffer == shown);
-}
-
-void TestConfigWriter::startupScriptsAreNeverReplaced() {
-    Fixture f;
-    const QByteArray own = "// my own start-up\nexec mine.cfg\n";
-    f.platform.writeFile(f.baseq3("autoexec.cfg"), own);
-    f.platform.writeFile(f.baseq3("default.cfg"), "");
-    QVERIFY(f.write(baseSettings()));
-    QCOMPARE(readAll(f.baseq3("autoexec.cfg")), own);
-    QCOMPARE(readAll(f.baseq3("default.cfg")), QByteArray());
+    // A game folder without baseq3: the subfolders cannot be made.
+    QVERIFY(QDir(f.baseq3()).removeRecursively());
+    QVERIFY(!f.write(s));
+    QCOMPARE(onlyMessage(f.platform.messages),
+             message("Error",
+                     "An error has occured while attempting to create the subfolders required "
+                     "for Halvane to launch the server.",
+                     MsgButtons::Ok, MsgIcon::Critical));
+    QVERIFY(!QFileInfo::exists(f.cfg()));
+    QVERIFY(f.catalogue.RecordBuffer == shown);
 }
 
 // The last run stored a team game with friendly fire on a dedicated server
@@ -320,8 +313,6 @@ void TestConfigWriter::sameFileFromEveryTab() {
     QFETCH(int, lastTab);
     QFETCH(QString, visits);
     QFETCH(bool, masters);
-    TestPlatform platform;
-    platform.makeGameFolder();
     const QString stored = "Settings/LastTab=" + QString::number(lastTab) +
                            ";General/Name=Halvane Arena;General/Motd=Have fun;General/GameType=2"
                            ";Limits/MaxPlayers=12;Limits/PlayerRespawn=20"
@@ -329,17 +320,16 @@ void TestConfigWriter::sameFileFromEveryTab() {
                            ";Options/FriendlyFire=1;Options/AutoJoin=0;Options/AutoBalance=0"
                            ";Options/Master0= m.example.net ;Options/Master1="
                            ";Options/Master3=q3.example.org;Network/MaxRate=";
-    for (const QString& entry : stored.split(';'))
-        platform.ini->write(entry.section('/', 0, 0), entry.section('/', 1).section('=', 0, 0),
-                            entry.section('=', 1));
-    MainWindow window(*platform.app);
-    window.showMainWindow();
-    QTabBar* tabs = window.form().SSTab1->tabBar();
+    WindowFixture w([&](TestPlatform& p) {
+        for (const QString& entry : stored.split(';'))
+            p.ini->write(entry.section('/', 0, 0), entry.section('/', 1).section('=', 0, 0),
+                         entry.section('=', 1));
+    });
+    QTabBar* tabs = w.ui().SSTab1->tabBar();
     for (const QChar tab : visits)
         QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(tab.digitValue()).center());
-    QCOMPARE(window.form().SSTab1->currentIndex(),
-             visits.isEmpty() ? 0 : visits.back().digitValue());
-    window.form().mnuFileMakeCfg->trigger();
+    QCOMPARE(w.ui().SSTab1->currentIndex(), visits.isEmpty() ? 0 : visits.back().digitValue());
+    w.ui().mnuFileMakeCfg->trigger();
 
     QByteArray expected = readAll(golden("config_minimal.cfg"));
     expected.replace("seta g_gametype 0", "seta g_gametype 3");
@@ -350,9 +340,91 @@ void TestConfigWriter::sameFileFromEveryTab() {
                          "seta sv_master2 \"\"\r\nseta sv_master3 \"\"\r\n"
                          "seta sv_master4 q3.example.org\r\nseta sv_master5 \"\"\r\n");
     }
-    const QByteArray actual = readAll(platform.gameFolder() + "/baseq3/halvane.cfg");
+    const QByteArray actual = readAll(w.platform.gameFolder() + "/baseq3/halvane.cfg");
     QVERIFY2(actual == expected, qPrintable(firstDifference(actual, expected)));
-    QCOMPARE(platform.messages.shown.size(), 1); // "Success!" and nothing before it
+    QCOMPARE(w.platform.messages.shown.size(), 1); // "Success!" and nothing before it
+}
+
+// The fixed script replaces a longer file; bots not selected are left out.
+void TestConfigWriter::fixedBotScript() {
+    Fixture f;
+    ServerSettings s = withBots(5);
+    for (const QString goldenName : {"srvbots_none.cfg", "srvbots_three.cfg"}) {
+        f.platform.writeFile(f.baseq3("srvbots.cfg"), QByteArray(2000, 'x'));
+        f.bots.MakeBotScript(s);
+        const QByteArray actual = readAll(f.baseq3("srvbots.cfg"));
+        const QByteArray expected = readAll(golden(goldenName));
+        QVERIFY2(actual == expected,
+                 qPrintable(goldenName + ": " + firstDifference(actual, expected)));
+        s.bots = {{"Sarge", true, 1, 3},
+                  {"Visor", false, 1, 2},
+                  {"Grunt", true, 0, 0},
+                  {"Major", true, 7, 4}};
+    }
+}
+
+void TestConfigWriter::botRotationClosesIntoCycle() {
+    for (quint64 seed : {1ull, 77ull, 4242ull}) {
+        TimeSeededRandom random([] { return 43200.0; }, seed);
+        Fixture f;
+        BotScriptWriter bots(f.platform.app->state, f.platform.messages, random);
+        QDir().mkpath(f.baseq3("srvbots"));
+        bots.startRotation();
+        for (qint16 n = 0; n <= 2; ++n)
+            bots.MakeRandomBotScript(withBots(6), n, 2);
+        // Each set kicks what the one before it added; the first kicks the last's.
+        for (int n = 0; n <= 2; ++n) {
+            QCOMPARE(namesAfter(f.set(n), "addbot ").size(), 2);
+            QCOMPARE(namesAfter(f.set(n), "kick "), namesAfter(f.set((n + 2) % 3), "addbot "));
+        }
+    }
+}
+
+// The most bots a set may hold, the bots listed, the draws for the set's
+// size and for its picks, and the bots the set adds.
+const std::tuple<const char*, QString, int, double, double, int> BotSets[] = {
+    {"max 1 gives one bot", "1", 5, 0.7, 0.3, 1},
+    {"no number gives none", "lots", 5, 0.7, 0.3, 0},
+    {"smallest draw gives two", "6", 8, 0.0, 0.5, 2},
+    {"more wanted than listed", "10", 3, 0.999, 0.5, 3},
+    {"empty list", "4", 0, 0.5, 0.5, 0},
+    {"stuck generator", "5", 7, 0.999, 0.0, 5}, // draws always on the same slot still end
+    {"all of a 100+ list", "200", 150, 0.999, 0.9999, 100}, // only 100 positions have slots
+};
+
+void TestConfigWriter::botSetSizes_data() {
+    addRows(BotSets);
+}
+
+void TestConfigWriter::botSetSizes() {
+    const auto& [name, maxBots, listSize, sizeDraw, pickDraw, expected] = fetchRow(BotSets);
+    Fixture f({sizeDraw, pickDraw});
+    QDir().mkpath(f.baseq3("srvbots"));
+    ServerSettings s = withBots(listSize);
+    s.randomBots = maxBots;
+    f.bots.startRotation();
+    f.bots.MakeRandomBotScript(s, 0, 0);
+    const QSet<QString> added = namesAfter(f.set(0), "addbot ");
+    QCOMPARE(added.size(), expected);
+    QCOMPARE(namesAfter(f.set(0), "kick "), added); // a set of one map closes on itself
+    for (const QString& name : added)
+        QVERIFY2(name.mid(3).toInt() < 100, qPrintable(name));
+}
+
+void TestConfigWriter::botScriptFailures() {
+    Fixture f({0.5});
+    f.platform.writeFile(f.baseq3("srvbots"), "a file");
+    QVERIFY(QDir().mkpath(f.baseq3("srvbots.cfg")));
+    f.bots.MakeBotScript(withBots(2));
+    QCOMPARE(onlyMessage(f.platform.messages),
+             message("Warning", "An error occured while creating the bot script", MsgButtons::Ok,
+                     MsgIcon::Information));
+    f.platform.messages.clear();
+    f.bots.startRotation();
+    f.bots.MakeRandomBotScript(withBots(4), 3, 5);
+    QCOMPARE(onlyMessage(f.platform.messages),
+             message("Warning", "An error occured while creating the bot script srvbots3.cfg",
+                     MsgButtons::Ok, MsgIcon::Information));
 }
 
 QTEST_MAIN(TestConfigWriter)

@@ -124,31 +124,29 @@ void DesktopTest::firstRunKeepsTheOperatorsRotation() {
     QCOMPARE(readAll(platform.programFolder() + "/maplist.txt"), OfferedMaps);
 }
 
+// Below the test's folder: the executable's folder, the delivered files'
+// folder, and the data folders all users share (or none); whether the
+// delivered files' folder is read-only, and whether the program's files
+// then live in a folder of the user's own.
+const std::tuple<const char*, QString, QString, QString, bool, bool> Installs[] = {
+    {"build or folder install", "/hv", "/hv", "", false, false},
+    {"read-only folder", "/hv", "/hv", "", true, true},
+    {"own prefix", "/hv/bin", "/hv/share/halvane", "", false, false},
+    {"system prefix", "/usr/bin", "/usr/share/halvane", "/usr/share", false, true},
+};
+
 void DesktopTest::programFolderOfEveryInstall_data() {
-    // Below the test's folder: the executable's folder, the delivered
-    // files' folder, and the data folders all users share (or none).
-    QTest::addColumn<QStringList>("folders");
-    QTest::addColumn<bool>("readOnly");
-    QTest::addColumn<bool>("perUser");
-    QTest::newRow("build or folder install") << QStringList{"/hv", "/hv", ""} << false << false;
-    QTest::newRow("read-only folder") << QStringList{"/hv", "/hv", ""} << true << true;
-    QTest::newRow("own prefix") << QStringList{"/hv/bin", "/hv/share/halvane", ""} << false
-                                << false;
-    QTest::newRow("system prefix")
-        << QStringList{"/usr/bin", "/usr/share/halvane", "/usr/share"} << false << true;
+    addRows(Installs);
 }
 
 // The first start fills the user's folder from the installed files, the
 // operator's edits land there, and the next start reads them; an install the
 // user can write to keeps everything as it always did.
 void DesktopTest::programFolderOfEveryInstall() {
-    QFETCH(QStringList, folders);
-    QFETCH(bool, readOnly);
-    QFETCH(bool, perUser);
+    const auto& [name, executable, delivered, systemData, readOnly, perUser] = fetchRow(Installs);
     TestPlatform platform;
     platform.makeGameFolder();
     const QString root = platform.root(), user = root + "/user/program";
-    const QString &executable = folders[0], &delivered = folders[1], &systemData = folders[2];
     const QByteArray catalogue = catalogueOf({"q3dm1", "q3dm17"});
     platform.writeFile(root + delivered + "/instmaps.dat", catalogue);
     platform.writeFile(root + delivered + "/botlist.txt", "Grunt\r\n");

@@ -1,6 +1,7 @@
 // The Maps tab in the real main window: the two lists and their buttons,
-// mapsel.txt, the rule boxes and "Use Settings as Default", the map editor
-// and the game-type suggestions.
+// mapsel.txt, the rule boxes and "Use Settings as Default", the map editor,
+// the game-type suggestions, and the map picture: which file is shown for a
+// map and how Targa pictures are drawn into the box.
 #include "TestSupport.h"
 
 #include "maps/GameFileListing.h"
@@ -8,8 +9,8 @@
 #include "maps/MapDiscovery.h"
 #include "maps/MapEditor.h"
 #include "maps/MapEntryDelegate.h"
+#include "maps/MapPreview.h"
 #include "maps/MapsController.h"
-#include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 #include "ui_frmMap.h"
 
@@ -28,20 +29,13 @@ QStringList entries(const QListWidget* list) {
 }
 
 // A main window over a catalogue of these maps and, when given, mapsel.txt.
-struct Window {
-    TestPlatform platform;
-    std::unique_ptr<MainWindow> window;
-    Ui::frmMain* ui = nullptr;
-
-    explicit Window(const QStringList& maps, const QByteArray& selection = QByteArray()) {
-        platform.makeGameFolder();
-        platform.writeFile(dataPath(), catalogueOf(maps));
-        if (!selection.isEmpty())
-            platform.writeFile(platform.programFolder() + "/mapsel.txt", selection);
-        window = std::make_unique<MainWindow>(*platform.app);
-        window->showMainWindow();
-        ui = &window->form();
-    }
+struct Window : WindowFixture {
+    explicit Window(const QStringList& maps, const QByteArray& selection = QByteArray())
+        : WindowFixture([&](TestPlatform& p) {
+              p.writeFile(p.programFolder() + "/maps.dat", catalogueOf(maps));
+              if (!selection.isEmpty())
+                  p.writeFile(p.programFolder() + "/mapsel.txt", selection);
+          }) {}
     MapsController& maps() { return window->maps(); }
     MapCatalogue& catalogue() { return maps().catalogue(); }
     QString dataPath() const { return platform.programFolder() + "/maps.dat"; }
@@ -50,13 +44,32 @@ struct Window {
 
 const QByteArray FiveSelected = "m1\r\nm2\r\nm3\r\nm4\r\nm5\r\n";
 const QStringList Eight{"m1", "m2", "m3", "m4", "m5", "ma", "mb", "mc"};
+
+QRgb tgaColour(int x, int y) {
+    return qRgb(x % 256, y % 256, 77);
+}
+
+// An uncompressed 24-bit Targa picture, first row at the top.
+QByteArray targa(int width, int height) {
+    QByteArray bytes(18, '\0');
+    bytes[2] = 2;
+    bytes[12] = char(width & 0xFF);
+    bytes[13] = char(width >> 8);
+    bytes[14] = char(height & 0xFF);
+    bytes[16] = 24;
+    bytes[17] = 0x20;
+    for (int y = 0; y < height; ++y) {
+        for (int x = 0; x < width; ++x)
+            bytes.append(char(77)).append(char(y % 256)).append(char(x % 256));
+    }
+    return bytes;
+}
 } // namespace
 
 class MapSelectionTest : public QObject {
     Q_OBJECT
 private slots:
     void selectionFileRoundTrip();
-    void wideEntryScrolls();
     void missingMapsMarked_data();
     void missingMapsMarked();
     void addInsertsAfterTheHighlightedSelection();
@@ -70,45 +83,48 @@ private slots:
     void editorChecks();
     void addAndDeleteMaps();
     void gameTypeSuggestion();
+    void pictureChoice_data();
+    void pictureChoice();
+    void picturesInTheWindow();
 };
 
+// The lists size every entry alike; the wide entry, not the last, must still
+// widen the scrolled area.
 void MapSelectionTest::selectionFileRoundTrip() {
-    Window w({"q3dm1", "q3dm2"}, "// q3dm2\r\n\r\n   \r\n  Q3DM2 \r\nunknown\r\nq3dm1\nq3dm2");
-    QCOMPARE(entries(w.ui->SelMap), QStringList({"  Q3DM2 ", "q3dm1", "q3dm2"}));
-    QCOMPARE(w.ui->Frame15->title(), QStringLiteral("3 Maps Selected"));
-    QCOMPARE(w.ui->lblMapFilename->text(), QStringLiteral("q3dm2")); // the first one is shown
+    const QString wide = QString(200, ' ') + "q3dm1";
+    Window w({"q3dm1", "q3dm2"},
+             "// q3dm2\r\n\r\n   \r\n  Q3DM2 \r\nunknown\r\n" + wide.toLatin1() + "\nq3dm2");
+    QCOMPARE(entries(w.ui().SelMap), QStringList({"  Q3DM2 ", wide, "q3dm2"}));
+    QCOMPARE(w.ui().Frame15->title(), QStringLiteral("3 Maps Selected"));
+    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("q3dm2")); // the first one is shown
+    w.ui().SSTab1->setCurrentIndex(2);
+    QCoreApplication::processEvents();
+    QVERIFY(w.ui().SelMap->horizontalScrollBar()->maximum() > 0);
     w.window->close();
     QCOMPARE(readAll(w.platform.programFolder() + "/mapsel.txt"),
-             QByteArray("  Q3DM2 \r\nq3dm1\r\nq3dm2\r\n"));
+             "  Q3DM2 \r\n" + wide.toLatin1() + "\r\nq3dm2\r\n");
 }
 
-// The lists size every entry alike; a wide entry that is not the last must
-// still widen the scrolled area.
-void MapSelectionTest::wideEntryScrolls() {
-    Window w({"q3dm1"}, QByteArray(200, ' ') + "q3dm1\r\nq3dm1\r\n");
-    w.ui->SSTab1->setCurrentIndex(2);
-    QCoreApplication::processEvents();
-    QVERIFY(w.ui->SelMap->horizontalScrollBar()->maximum() > 0);
-}
+// Game files, "archive|member" or a file in the game folder; the maps marked
+// in MapList, then in SelMap.
+const std::tuple<const char*, QStringList, QString> MarkedRows[] = {
+    {"loose and archived maps, names in any letter case",
+     {"baseq3/maps/q3dm1.bsp", "baseoa/pak0.pk3|MAPS/Oa_Dm1.Bsp", "baseq3/z.pk3|maps/q3dm2.bsp"},
+     "gone gone"},
+    {"pictures, other folders and unreadable archives hold no maps",
+     {"baseq3/z.pk3|levelshots/q3dm1.jpg", "baseq3/z.pk3|maps/sub/q3dm1.bsp",
+      "baseq3/z.pk3|q3dm2.bsp", "missionpack/maps/oa_dm1.bsp", "baseq3/bad.pk3"},
+     "q3dm1 Q3DM2 oa_dm1 gone gone q3dm1"},
+};
 
 void MapSelectionTest::missingMapsMarked_data() {
-    QTest::addColumn<QStringList>("gameFiles"); // "archive|member" or a file, in the game folder
-    QTest::addColumn<QString>("marked");        // in MapList, then in SelMap
-    QTest::newRow("loose and archived maps, names in any letter case")
-        << QStringList{"baseq3/maps/q3dm1.bsp", "baseoa/pak0.pk3|MAPS/Oa_Dm1.Bsp",
-                       "baseq3/z.pk3|maps/q3dm2.bsp"}
-        << "gone gone";
-    QTest::newRow("pictures, other folders and unreadable archives hold no maps")
-        << QStringList{"baseq3/z.pk3|levelshots/q3dm1.jpg", "baseq3/z.pk3|maps/sub/q3dm1.bsp",
-                       "baseq3/z.pk3|q3dm2.bsp", "missionpack/maps/oa_dm1.bsp", "baseq3/bad.pk3"}
-        << "q3dm1 Q3DM2 oa_dm1 gone gone q3dm1";
+    addRows(MarkedRows);
 }
 
 // The lists are made after "Search" too; the marks are what the delegate
 // paints: a grey foreground and a tool tip.
 void MapSelectionTest::missingMapsMarked() {
-    QFETCH(QStringList, gameFiles);
-    QFETCH(QString, marked);
+    const auto& [name, gameFiles, marked] = fetchRow(MarkedRows);
     Window w({"q3dm1", "Q3DM2", "oa_dm1", "gone"}, " gone\r\nq3dm1\r\n");
     w.maps().gameFiles().finish(); // the lists made when the window showed
     for (const QString& file : gameFiles) {
@@ -119,10 +135,10 @@ void MapSelectionTest::missingMapsMarked() {
             w.platform.writeFile(path, "IBSP");
     }
     w.maps().discovery().pause = [] {};
-    w.ui->cmdSearchMaps->click();
+    w.ui().cmdSearchMaps->click();
     w.maps().gameFiles().finish();
     QStringList found;
-    for (QListWidget* list : {w.ui->MapList, w.ui->SelMap}) {
+    for (QListWidget* list : {w.ui().MapList, w.ui().SelMap}) {
         const auto* delegate = qobject_cast<MapEntryDelegate*>(list->itemDelegate());
         for (int row = 0; row < list->count(); ++row) {
             const QModelIndex index = list->model()->index(row, 0);
@@ -136,69 +152,67 @@ void MapSelectionTest::missingMapsMarked() {
 
 void MapSelectionTest::addInsertsAfterTheHighlightedSelection() {
     Window w(Eight, FiveSelected);
-    w.ui->SelMap->setCurrentRow(1);
-    w.ui->MapList->clearSelection();
+    w.ui().SelMap->setCurrentRow(1);
+    w.ui().MapList->clearSelection();
     for (int row : {5, 6, 7})
-        w.ui->MapList->item(row)->setSelected(true);
+        w.ui().MapList->item(row)->setSelected(true);
     // The right button opens the menu for the maps highlighted before it and
     // changes neither the highlight nor the shown map.
-    QWidget* list = w.ui->MapList->viewport();
-    const QPoint at = w.ui->MapList->visualItemRect(w.ui->MapList->item(2)).center();
+    QWidget* list = w.ui().MapList->viewport();
+    const QPoint at = w.ui().MapList->visualItemRect(w.ui().MapList->item(2)).center();
     QTest::mouseClick(list, Qt::RightButton, {}, at);
     QContextMenuEvent menu(QContextMenuEvent::Mouse, at, list->mapToGlobal(at));
     QApplication::sendEvent(list, &menu);
-    QVERIFY(w.ui->mnuMapList->isVisible() && !w.ui->mnuMapEdit->isEnabled() &&
-            !w.ui->mnuMapDelete->isEnabled());
-    QCOMPARE(w.ui->mnuMapSelect->text(), QStringLiteral("Select these maps"));
-    QCOMPARE(w.ui->lblMapFilename->text(), QStringLiteral("m2"));
-    w.ui->cmdAddSelMap->click();
-    QCOMPARE(entries(w.ui->SelMap), QStringList({"m1", "m2", "mc", "mb", "ma", "m3", "m4", "m5"}));
-    QCOMPARE(w.ui->Frame15->title(), QStringLiteral("8 Maps Selected"));
-    QCOMPARE(w.ui->lblMapFilename->text(), QStringLiteral("mc"));
+    QVERIFY(w.ui().mnuMapList->isVisible() && !w.ui().mnuMapEdit->isEnabled() &&
+            !w.ui().mnuMapDelete->isEnabled());
+    QCOMPARE(w.ui().mnuMapSelect->text(), QStringLiteral("Select these maps"));
+    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("m2"));
+    w.ui().cmdAddSelMap->click();
+    QCOMPARE(entries(w.ui().SelMap), QStringList({"m1", "m2", "mc", "mb", "ma", "m3", "m4", "m5"}));
+    QCOMPARE(w.ui().Frame15->title(), QStringLiteral("8 Maps Selected"));
+    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("mc"));
     // Without a highlighted selected map, a double click appends in list order.
-    w.ui->SelMap->clearSelection();
-    w.ui->MapList->item(1)->setSelected(true);
-    w.ui->MapList->itemDoubleClicked(w.ui->MapList->item(0));
-    QCOMPARE(entries(w.ui->SelMap).mid(8), QStringList({"m2", "mc"}));
+    w.ui().SelMap->clearSelection();
+    w.ui().MapList->item(1)->setSelected(true);
+    w.ui().MapList->itemDoubleClicked(w.ui().MapList->item(0));
+    QCOMPARE(entries(w.ui().SelMap).mid(8), QStringList({"m2", "mc"}));
 }
 
+// The highlighted row (-1: none), the button, the order after and the row highlighted.
+const std::tuple<const char*, int, bool, QString, int> Moves[] = {
+    {"up on the first", 0, true, "m1 m2 m3 m4 m5", 0},
+    {"down on the last", 4, false, "m1 m2 m3 m4 m5", 4},
+    {"up in the middle", 2, true, "m1 m3 m2 m4 m5", 1},
+    {"down onto the last", 3, false, "m1 m2 m3 m5 m4", 4},
+    {"nothing highlighted", -1, true, "m1 m2 m3 m4 m5", -1},
+};
+
 void MapSelectionTest::upAndDown_data() {
-    QTest::addColumn<int>("row");
-    QTest::addColumn<bool>("up");
-    QTest::addColumn<QString>("order");
-    QTest::addColumn<int>("highlight");
-    QTest::newRow("up on the first") << 0 << true << "m1 m2 m3 m4 m5" << 0;
-    QTest::newRow("down on the last") << 4 << false << "m1 m2 m3 m4 m5" << 4;
-    QTest::newRow("up in the middle") << 2 << true << "m1 m3 m2 m4 m5" << 1;
-    QTest::newRow("down onto the last") << 3 << false << "m1 m2 m3 m5 m4" << 4;
-    QTest::newRow("nothing highlighted") << -1 << true << "m1 m2 m3 m4 m5" << -1;
+    addRows(Moves);
 }
 
 void MapSelectionTest::upAndDown() {
-    QFETCH(int, row);
-    QFETCH(bool, up);
-    QFETCH(QString, order);
-    QFETCH(int, highlight);
+    const auto& [name, row, up, order, highlight] = fetchRow(Moves);
     Window w(Eight, FiveSelected);
-    w.ui->SelMap->clearSelection();
+    w.ui().SelMap->clearSelection();
     if (row >= 0)
-        w.ui->SelMap->setCurrentRow(row);
-    (up ? w.ui->cmdMapUp : w.ui->cmdMapDown)->click();
-    QCOMPARE(entries(w.ui->SelMap).join(' '), order);
-    QCOMPARE(w.ui->SelMap->row(w.ui->SelMap->selectedItems().value(0)), highlight);
+        w.ui().SelMap->setCurrentRow(row);
+    (up ? w.ui().cmdMapUp : w.ui().cmdMapDown)->click();
+    QCOMPARE(entries(w.ui().SelMap).join(' '), order);
+    QCOMPARE(w.ui().SelMap->row(w.ui().SelMap->selectedItems().value(0)), highlight);
     QVERIFY(w.platform.messages.shown.isEmpty());
 }
 
 void MapSelectionTest::randomize() {
     for (int run = 0; run < 10; ++run) {
         Window w({"a", "b"}, "a\r\nb\r\n");
-        w.ui->cmdRandomize->click();
-        const QString order = entries(w.ui->SelMap).join(' ');
+        w.ui().cmdRandomize->click();
+        const QString order = entries(w.ui().SelMap).join(' ');
         QVERIFY2(order == "a b" || order == "b a", qPrintable(order));
         QCOMPARE(w.platform.desktop.busyDepth, 0);
     }
     Window w({"a", "b"}, "a\r\n");
-    w.ui->cmdRandomize->click();
+    w.ui().cmdRandomize->click();
     QCOMPARE(onlyMessage(w.platform.messages),
              message("Notice",
                      "You need to have at least two maps selected for this feature to work "
@@ -206,46 +220,44 @@ void MapSelectionTest::randomize() {
                      MsgButtons::Ok, MsgIcon::Information));
 }
 
-void MapSelectionTest::closeRightAfterAnEdit_data() {
-    QTest::addColumn<QString>("edit");    // what else the operator did before "Close"
-    QTest::addColumn<QString>("written"); // record number|display name|file name of the edit
-    QTest::newRow("first available map") << ""
-                                         << "1|Name of a|a";
-    QTest::newRow("first selected map after a start") << "selected"
-                                                      << "3|Name of c|c";
-    QTest::newRow("a renamed map") << "rename"
-                                   << "2|Bee|bb";
-    QTest::newRow("a blank name box") << "blank"
-                                      << "1||a";
+// What else the operator did before "Close"; the record written for the edit
+// as number|display name|file name.
+const std::tuple<const char*, QString, QString> Edits[] = {
+    {"first available map", "", "1|Name of a|a"},
+    {"first selected map after a start", "selected", "3|Name of c|c"},
+    {"a renamed map", "rename", "2|Bee|bb"},
+    {"a blank name box", "blank", "1||a"},
     // Choosing the vanished map writes the shown one back (its name cut to
     // 30) and ends the run; the close then writes nothing over the file.
-    QTest::newRow("a damaged catalogue") << "damage"
-                                         << "1|A new name that is much longer|a";
+    {"a damaged catalogue", "damage", "1|A new name that is much longer|a"},
+};
+
+void MapSelectionTest::closeRightAfterAnEdit_data() {
+    addRows(Edits);
 }
 
 void MapSelectionTest::closeRightAfterAnEdit() {
-    QFETCH(QString, edit);
-    QFETCH(QString, written);
+    const auto& [name, edit, written] = fetchRow(Edits);
     QStringList maps{"a", "b", "c"};
     Window w(maps, edit == "selected" ? "c\r\n" : "");
     if (edit == "rename") {
-        w.ui->MapList->setCurrentRow(1);
-        w.ui->mnuMapEdit->trigger();
+        w.ui().MapList->setCurrentRow(1);
+        w.ui().mnuMapEdit->trigger();
         w.maps().editor().form().txtMapName->setText("Bee");
         w.maps().editor().form().txtFileName->setText("bb");
         w.maps().editor().form().Command2->click();
-        QCOMPARE(w.ui->MapList->selectedItems(), QList{w.ui->MapList->currentItem()});
-        QCOMPARE(w.ui->MapList->currentItem()->text(), QStringLiteral("bb"));
+        QCOMPARE(w.ui().MapList->selectedItems(), QList{w.ui().MapList->currentItem()});
+        QCOMPARE(w.ui().MapList->currentItem()->text(), QStringLiteral("bb"));
     }
-    w.ui->txtMapFragLimit->setText("5");
-    w.ui->txtMapGravity->clear(); // stored as spaces
+    w.ui().txtMapFragLimit->setText("5");
+    w.ui().txtMapGravity->clear(); // stored as spaces
     if (edit == "blank")
-        w.ui->lblMap->clear();
+        w.ui().lblMap->clear();
     if (edit == "damage") {
-        w.ui->lblMap->setText("A new name that is much longer than thirty");
+        w.ui().lblMap->setText("A new name that is much longer than thirty");
         maps[1] = "x";
         w.platform.writeFile(w.dataPath(), catalogueOf(maps));
-        w.ui->MapList->setCurrentRow(1);
+        w.ui().MapList->setCurrentRow(1);
         QVERIFY(w.window->hasEnded());
     }
     w.window->close();
@@ -259,11 +271,11 @@ void MapSelectionTest::closeRightAfterAnEdit() {
 void MapSelectionTest::useSettingsAsDefault() {
     Window w({"a", "", "b"});
     const QByteArray before = readAll(w.dataPath());
-    w.ui->txtMapTimeLimit->setText("15");
-    w.ui->txtMapFragLimit->setText("30");
-    w.ui->txtMapKnockback->setText("900");
+    w.ui().txtMapTimeLimit->setText("15");
+    w.ui().txtMapFragLimit->setText("30");
+    w.ui().txtMapKnockback->setText("900");
     w.platform.messages.answers = {MsgAnswer::Yes};
-    w.ui->cmdDefault->click();
+    w.ui().cmdDefault->click();
     QCOMPARE(onlyMessage(w.platform.messages),
              message("Confirm Default Settings",
                      "This will set the current settings for Time Limit, Frag Limit,\rCapture "
@@ -278,37 +290,26 @@ void MapSelectionTest::useSettingsAsDefault() {
     QCOMPARE(w.platform.store->read("Defaults", "KnockBack", "x"), QStringLiteral("900"));
 }
 
+// The file name typed, the message's title and text, the part of the name selected after.
+const std::tuple<const char*, QString, QString, QString, QString> EditorChecks[] = {
+    {"no file name", "", "Incomplete Information",
+     "You must specify at least a file name for the new map.", ""},
+    {"two dots", "my.map.bsp", "Warning", "The file name should not include a file extension!",
+     ".map.bsp"},
+    {"two words", "my map", "Warning", "Spaces are not allowed in map file names!", "my map"},
+    {"existing map", "A", "Get some rest!", "That map already exists!", ""},
+};
+
 void MapSelectionTest::editorChecks_data() {
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("title");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("selected");
-    const QString extension = "The file name should not include a file extension!";
-    QTest::newRow("no file name") << ""
-                                  << "Incomplete Information"
-                                  << "You must specify at least a file name for the new map."
-                                  << "";
-    QTest::newRow("two dots") << "my.map.bsp"
-                              << "Warning" << extension << ".map.bsp";
-    QTest::newRow("two words") << "my map"
-                               << "Warning"
-                               << "Spaces are not allowed in map file names!"
-                               << "my map";
-    QTest::newRow("existing map") << "A"
-                                  << "Get some rest!"
-                                  << "That map already exists!"
-                                  << "";
+    addRows(EditorChecks);
 }
 
 void MapSelectionTest::editorChecks() {
-    QFETCH(QString, file);
-    QFETCH(QString, title);
-    QFETCH(QString, text);
-    QFETCH(QString, selected);
+    const auto& [name, file, title, text, selected] = fetchRow(EditorChecks);
     Window w({"a"});
     const QByteArray before = readAll(w.dataPath());
     MapEditor& editor = w.maps().editor();
-    w.ui->cmdAddMaps->click();
+    w.ui().cmdAddMaps->click();
     editor.form().txtFileName->setText(file);
     editor.form().Command2->click();
     QCOMPARE(onlyMessage(w.platform.messages),
@@ -321,17 +322,17 @@ void MapSelectionTest::editorChecks() {
 void MapSelectionTest::addAndDeleteMaps() {
     Window w({"a", "b"});
     MapEditor& editor = w.maps().editor();
-    w.ui->mnuMapNew->trigger();
+    w.ui().mnuMapNew->trigger();
     editor.form().txtFileName->setText("newmap");
     editor.form().Command2->click();
     QVERIFY(!editor.isVisible());
     // Appended, and named after its file.
     QCOMPARE(w.record(3).get(MapField::DisplayName), QStringLiteral("newmap"));
-    QCOMPARE(w.ui->lblMapFilename->text(), QStringLiteral("newmap"));
+    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("newmap"));
 
-    w.ui->MapList->setCurrentRow(1);
+    w.ui().MapList->setCurrentRow(1);
     w.platform.messages.answers = {MsgAnswer::Yes};
-    w.ui->mnuMapDelete->trigger();
+    w.ui().mnuMapDelete->trigger();
     QCOMPARE(onlyMessage(w.platform.messages),
              message("Confirm Delete",
                      "Maps should only be deleted if they no longer are installed on your "
@@ -339,19 +340,119 @@ void MapSelectionTest::addAndDeleteMaps() {
                      MsgButtons::YesNo, MsgIcon::Question));
     QCOMPARE(w.catalogue().CountMaps(), qint16(3));
     QVERIFY(w.record(2).isDeleted()); // the slot stays
-    QCOMPARE(entries(w.ui->MapList), QStringList({"a", "newmap"}));
+    QCOMPARE(entries(w.ui().MapList), QStringList({"a", "newmap"}));
 }
 
 void MapSelectionTest::gameTypeSuggestion() {
     Window w({"q3dm1", "q3tourney1", "q3ctf1", "q3tourney2"});
-    w.ui->cmdMapDm->click();
+    w.ui().cmdMapDm->click();
     w.platform.messages.answers = {MsgAnswer::Yes};
-    w.ui->cmbGameType->setCurrentIndex(1);
+    w.ui().cmbGameType->setCurrentIndex(1);
     QCOMPARE(onlyMessage(w.platform.messages),
              message("Tourney Suggestion",
                      "Would you like to automatically select all tourney maps only?",
                      MsgButtons::YesNo, MsgIcon::Question));
-    QCOMPARE(entries(w.ui->SelMap), QStringList({"q3tourney1", "q3tourney2"}));
+    QCOMPARE(entries(w.ui().SelMap), QStringList({"q3tourney1", "q3tourney2"}));
+}
+
+void MapSelectionTest::pictureChoice_data() {
+    // "p:" program folder, "g:" game folder; "archive|member" a member of an archive.
+    QTest::addColumn<QStringList>("files");
+    QTest::addColumn<int>("kind");
+    QTest::addColumn<QString>("chosen");
+    QTest::newRow("thumbnail jpeg first")
+        << QStringList{"p:Maps/q3dm1.tga", "p:Maps/q3dm1.jpg", "g:baseq3/levelshots/q3dm1.jpg"}
+        << int(PreviewSource::Jpeg) << "p:Maps/q3dm1.jpg";
+    QTest::newRow("level shot in other letter case")
+        << QStringList{"g:baseq3/LevelShots/Q3DM1.TGA", "p:Maps/DEFAULT.jpg"}
+        << int(PreviewSource::Targa) << "g:baseq3/LevelShots/Q3DM1.TGA";
+    QTest::newRow("default picture in maps beside Maps")
+        << QStringList{"p:maps/DEFAULT.jpg", "p:Maps/other.jpg"} << int(PreviewSource::Jpeg)
+        << "p:maps/DEFAULT.jpg";
+    QTest::newRow("nothing") << QStringList{"p:Maps/other.jpg"} << int(PreviewSource::None) << "";
+    // The game finds archive members whatever the letter case.
+    QTest::newRow("archived jpeg before the default picture")
+        << QStringList{"g:baseq3/pak0.pk3|LevelShots/Q3DM1.JPG", "p:Maps/DEFAULT.jpg"}
+        << int(PreviewSource::Jpeg) << "g:baseq3/pak0.pk3|LevelShots/Q3DM1.JPG";
+    QTest::newRow("archived targa")
+        << QStringList{"g:baseoa/pak0.pk3|levelshots/q3dm1.tga"} << int(PreviewSource::Targa)
+        << "g:baseoa/pak0.pk3|levelshots/q3dm1.tga";
+    QTest::newRow("loose level shot before the archives")
+        << QStringList{"g:baseq3/levelshots/q3dm1.tga", "g:baseq3/pak0.pk3|levelshots/q3dm1.jpg"}
+        << int(PreviewSource::Targa) << "g:baseq3/levelshots/q3dm1.tga";
+    // Letters compare as capitals, so "_" sorts after them; baseq3 before baseoa.
+    QTest::newRow("the archive the game searches first")
+        << QStringList{"g:baseq3/pak_x.pk3|levelshots/q3dm1.jpg",
+                       "g:baseq3/PAKZ.pk3|levelshots/q3dm1.jpg",
+                       "g:baseq3/paka.pk3|levelshots/q3dm1.jpg",
+                       "g:baseoa/zz.pk3|levelshots/q3dm1.jpg"}
+        << int(PreviewSource::Jpeg) << "g:baseq3/pak_x.pk3|levelshots/q3dm1.jpg";
+}
+
+void MapSelectionTest::pictureChoice() {
+    QFETCH(QStringList, files);
+    QFETCH(int, kind);
+    QFETCH(QString, chosen);
+    TestPlatform platform;
+    platform.makeGameFolder();
+    auto place = [&](const QString& file) {
+        return (file.startsWith("p:") ? platform.programFolder() : platform.gameFolder()) + '/' +
+               file.mid(2);
+    };
+    for (const QString& file : files) {
+        if (file.contains('|'))
+            QVERIFY(makeArchive(place(file.section('|', 0, 0)), {file.section('|', 1)}));
+        else
+            platform.writeFile(place(file), "picture");
+    }
+    const GameFiles listed = GameFiles::list(platform.gameFolder());
+    const PreviewSource source =
+        findPreview(platform.programFolder(), platform.gameFolder(), " q3dm1 ", &listed);
+    QCOMPARE(int(source.kind), kind);
+    QCOMPARE(source.path, chosen.isEmpty() ? QString() : place(chosen.section('|', 0, 0)));
+    QCOMPARE(QString(source.member), chosen.section('|', 1));
+    QCOMPARE(source.content, QByteArray(chosen.contains('|') ? "IBSP" : ""));
+}
+
+void MapSelectionTest::picturesInTheWindow() {
+    WindowFixture w([](TestPlatform& p) {
+        p.writeFile(p.gameFolder() + "/baseq3/levelshots/big.tga", targa(300, 200));
+        p.writeFile(p.programFolder() + "/Maps/bad.tga", QByteArray(50, 'x'));
+        QDir().mkpath(p.programFolder() + "/maps"); // beside Maps, which holds the picture
+        QVERIFY(QFile::copy(HALVANE_BIN_DIR "/maps/default.jpg",
+                            p.programFolder() + "/Maps/default.jpg"));
+        QVERIFY(makeArchive(p.gameFolder() + "/baseoa/pak0.pk3",
+                            {"levelshots/x.jpg", "LEVELSHOTS/Y.TGA"},
+                            {{"levelshots/x.jpg", readAll(HALVANE_BIN_DIR "/maps/default.jpg")},
+                             {"LEVELSHOTS/Y.TGA", targa(40, 30)}}));
+    });
+    MainWindow& window = *w.window;
+    Ui::frmMain& ui = w.ui();
+    // The Maps tab shows the delivered default picture after start-up.
+    ui.SSTab1->setCurrentIndex(2);
+    QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap1);
+    QVERIFY(!ui.imgMap1->pixmap().isNull());
+
+    // A large picture is cut at the box, not scaled.
+    window.maps().preview().showPreview("big");
+    QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap);
+    QImage shown = ui.imgMap->pixmap().toImage();
+    QCOMPARE(shown.size(), ui.imgMap->size());
+    const QPoint corner(shown.width() - 1, shown.height() - 1);
+    QCOMPARE(shown.pixel(corner) & 0xFFFFFF, tgaColour(corner.x(), corner.y()) & 0xFFFFFF);
+
+    // A map without a picture empties the box; a damaged Targa reads as none.
+    QFile::remove(w.platform.programFolder() + "/Maps/default.jpg");
+    window.maps().preview().showPreview("none");
+    QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap);
+    QVERIFY(ui.imgMap->pixmap().isNull());
+    // Level shots in the free game's archives, listed once the window showed.
+    window.maps().gameFiles().finish();
+    window.maps().preview().showPreview("x");
+    QCOMPARE(ui.imgMap1->pixmap().size(), QSize(160, 120));
+    window.maps().preview().showPreview("y");
+    QCOMPARE(ui.imgMap->pixmap().toImage().pixel(39, 29) & 0xFFFFFF, tgaColour(39, 29) & 0xFFFFFF);
+    QVERIFY(readTarga(w.platform.programFolder() + "/Maps/bad.tga").isNull());
 }
 
 QTEST_MAIN(MapSelectionTest)

@@ -4,7 +4,6 @@
 
 #include "app/AppInfo.h"
 #include "ui/HelpMenu.h"
-#include "ui/MainWindow.h"
 #include "ui/StatusPanel.h"
 #include "ui_frmMain.h"
 
@@ -31,17 +30,11 @@ private slots:
 };
 
 namespace {
-struct Fixture {
-    TestPlatform platform;
-    std::unique_ptr<MainWindow> window;
+struct Fixture : WindowFixture {
     Fixture() {
-        platform.makeGameFolder();
-        window = std::make_unique<MainWindow>(*platform.app);
-        window->showMainWindow();
         QApplication::setActiveWindow(window.get());
         QVERIFY(QTest::qWaitForWindowActive(window.get()));
     }
-    Ui::frmMain& ui() { return window->form(); }
     QString help(const QString& page) const { return platform.programFolder() + "/help/" + page; }
 };
 } // namespace

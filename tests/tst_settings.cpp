@@ -1,9 +1,9 @@
-// The option store: defaults, round trips, the save order and garbled values.
+// The option store: defaults, round trips, the save order and garbled values;
+// the enabling rules between options, the bot panels and the demo warning.
 #include "TestSupport.h"
 
 #include "settings/OptionCatalogue.h"
 #include "settings/SettingsController.h"
-#include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 
 #include <QtTest>
@@ -15,22 +15,18 @@ namespace {
 
 // A window loaded over a store holding these "Section/Key=value" entries,
 // with a bot list of Bot0, Bot1, ... beside the program.
-struct Loaded {
-    TestPlatform platform;
-    std::unique_ptr<MainWindow> window;
-    explicit Loaded(int bots, const QStringList& stored = {}) {
-        platform.makeGameFolder();
-        QByteArray names;
-        for (int i = 0; i < bots; ++i)
-            names += "Bot" + QByteArray::number(i) + "\r\n";
-        platform.writeFile(platform.programFolder() + "/botlist.txt", names);
-        for (const QString& entry : stored) {
-            const QString key = entry.section('=', 0, 0);
-            platform.ini->write(key.section('/', 0, 0), key.section('/', 1), entry.section('=', 1));
-        }
-        window = std::make_unique<MainWindow>(*platform.app);
-        window->showMainWindow();
-    }
+struct Loaded : WindowFixture {
+    explicit Loaded(int bots, const QStringList& stored = {})
+        : WindowFixture([&](TestPlatform& p) {
+              QByteArray names;
+              for (int i = 0; i < bots; ++i)
+                  names += "Bot" + QByteArray::number(i) + "\r\n";
+              p.writeFile(p.programFolder() + "/botlist.txt", names);
+              for (const QString& entry : stored) {
+                  const QString key = entry.section('=', 0, 0);
+                  p.ini->write(key.section('/', 0, 0), key.section('/', 1), entry.section('=', 1));
+              }
+          }) {}
     // The writes of one save; empty when the save failed.
     QStringList save() {
         platform.store->writes.clear();
@@ -47,6 +43,9 @@ private slots:
     void saveThenLoadReproducesEveryValue();
     void storedValueLoads_data();
     void storedValueLoads();
+    void enablingRules_data();
+    void enablingRules();
+    void demoRecordingWarning();
 };
 
 void SettingsTest::emptyStoreSavesEveryDefaultUntilARefusal() {
@@ -88,7 +87,7 @@ void SettingsTest::emptyStoreSavesEveryDefaultUntilARefusal() {
 
 void SettingsTest::saveThenLoadReproducesEveryValue() {
     Loaded run(5);
-    Ui::frmMain& ui = run.window->form();
+    Ui::frmMain& ui = run.ui();
     int i = 0;
     for (QLineEdit* edit : run.window->findChildren<QLineEdit*>()) {
         if (edit->objectName().startsWith("txt") && !edit->objectName().startsWith("txtMap"))
@@ -107,11 +106,8 @@ void SettingsTest::saveThenLoadReproducesEveryValue() {
     run.window->botTables().setTeam(1, 1);
     run.window->botTables().setSkill(4, 3);
     const QStringList saved = run.save();
-    run.window.reset();
-    run.platform.reopenStore();
     run.platform.messages.answers = {MsgAnswer::Yes}; // the demo-recording question at load
-    run.window = std::make_unique<MainWindow>(*run.platform.app);
-    run.window->showMainWindow();
+    run.reopen();
     QCOMPARE(run.window->form().SSTab1->currentIndex(), 0); // every run opens on the first tab
     run.window->settings().LoadSettings(); // ... but the load selects the stored one
     QCOMPARE(run.save(), saved);
@@ -156,12 +152,96 @@ void SettingsTest::storedValueLoads() {
     QVERIFY(writes.contains("Bots/Team 3=1") && writes.contains("Advanced/LogName=srv.log"));
     QVERIFY2(saved.isEmpty() || writes.contains(saved), qPrintable(saved));
     // Reported once: the next start takes what this save stored without a word.
-    run.window.reset();
-    run.platform.reopenStore();
     run.platform.messages.clear();
-    run.window = std::make_unique<MainWindow>(*run.platform.app);
-    run.window->showMainWindow();
+    run.reopen();
     QCOMPARE(onlyMessage(run.platform.messages), "0 messages");
+}
+
+void SettingsTest::enablingRules_data() {
+    // In order: "control=value" sets a selector's position or a box (1/0);
+    // "startup" leaves the flag the start-up sets for the first game type
+    // change; "?control" must be usable, "?!control" not, either with "=1"/"=0"
+    // for its check state; "?@panel" is the bot panel in front; "^button" clicks.
+    QTest::addColumn<QString>("script");
+    QTest::newRow("game types") << "cmbGameType=2 ?chkFriendly ?chkAutoJoin ?chkAutoBalance "
+                                   "cmbGameType=1 ?!chkFriendly ?!chkAutoJoin ?!chkAutoBalance "
+                                   "cmbGameType=3 ?chkFriendly ?chkAutoBalance";
+    QTest::newRow("team boxes keep values") << "cmbGameType=2 chkFriendly=1 chkAutoJoin=0 "
+                                               "cmbGameType=1 ?!chkFriendly=1 ?!chkAutoJoin=0";
+    QTest::newRow("start-up change does nothing else")
+        << "cmbGameType=0 startup cmbGameType=2 ?!chkFriendly cmbGameType=3 ?chkFriendly";
+    QTest::newRow("server types") << "cmbServerType=0 ?!txtNetIP ?!txtNetPort ?!Label12 ?!Frame1 "
+                                     "cmbServerType=1 ?txtNetIP ?Label12 ?!Frame1 "
+                                     "cmbServerType=2 ?txtNetPort ?Frame1 ?txtMaster_2";
+    QTest::newRow("warm-up") << "chkWarmUp=1 ?txtWarmUpTime chkWarmUp=0 ?!txtWarmUpTime";
+    QTest::newRow("log file") << "chkLogFile=1 chkLogFile=0 ?!Frame11 ?!txtLogFile ?!chkDateLog "
+                                 "chkLogFile=1 chkDateLog=1 ?chkDateLog ?!txtLogFile chkDateLog=0 "
+                                 "?txtLogFile";
+    QTest::newRow("minimize or close")
+        << "chkStartState=1 optClose=1 optMinimize=1 ?optMinimize=1 ?optClose=0 ^optMinimize "
+           "?optMinimize=1 ^optClose ?optClose=1 ?optMinimize=0 ^optClose ?optClose=1 optClose=0 "
+           "?optMinimize=0 ?optClose=0 chkStartState=0 ?!optMinimize";
+    QTest::newRow("password") << "chkRequirePassword=1 ?txtServerPW ?txtPrivateClients "
+                                 "chkRequirePassword=0 ?!txtServerPW ?!lblPrivateClients";
+    QTest::newRow("cd") << "chkSpecifyCD=1 ?txtCDROM chkSpecifyCD=0 ?!txtCDROM";
+    QTest::newRow("automatic bots")
+        << "cmbBotType=2 ?@picAutoBots ?picAutoBots ?cmbAutoBotSkill ?txtMinBots "
+           "?!chkAutoSelectBots ?!txtRandomBots ?chkDisableBotChat ?chkNoBotJump ?chkRocketJump "
+           "cmbBotType=0 ?@picAutoBots ?!picAutoBots";
+    QTest::newRow("user bots") << "cmbBotType=1 chkAutoSelectBots=1 ?@picManualBots ?!BotList "
+                                  "?txtRandomBots ?Label31 chkAutoSelectBots=0 ?BotList "
+                                  "?!txtRandomBots ?!Label31 ?cmbBotTeam ?lblBotCount";
+    QTest::newRow("bots disabled")
+        << "cmbBotType=1 chkAutoSelectBots=1 cmbBotType=0 ?@picManualBots ?!BotList ?!cmbBotSkill "
+           "?!txtRandomBots ?!chkDisableBotChat ?!txtMinBots ?chkNoBotJump ?chkRocketJump";
+    QTest::newRow("random skill") << "cmbBotType=1 chkRandomBotSkill=1 ?!cmbBotSkill ?!Label16 "
+                                     "cmbBotType=2 cmbBotType=1 ?!cmbBotSkill chkRandomBotSkill=0 "
+                                     "?cmbBotSkill ?Label16";
+}
+
+void SettingsTest::enablingRules() {
+    QFETCH(QString, script);
+    WindowFixture w;
+    for (const QString& token : script.split(' ')) {
+        QString name = token.section('=', 0, 0);
+        name.remove('?').remove('!').remove('@').remove('^');
+        QObject* object = token == "startup" ? w.window.get() : w.window->findChild<QObject*>(name);
+        QVERIFY2(object, qPrintable(token));
+        auto* button = qobject_cast<QAbstractButton*>(object);
+        if (token == "startup") {
+            w.platform.app->state.StartupInProgress = true;
+        } else if (token.startsWith('^')) {
+            QTest::mouseClick(button, Qt::LeftButton);
+        } else if (token.startsWith("?@")) {
+            QCOMPARE(w.ui().stkBotPanels->currentWidget()->objectName(), name);
+        } else if (token.startsWith('?')) {
+            const bool usable = static_cast<QWidget*>(object)->isEnabled();
+            QVERIFY2(usable != token.startsWith("?!"), qPrintable(token));
+            QVERIFY2(!token.contains('=') || button->isChecked() == token.endsWith("=1"),
+                     qPrintable(token));
+        } else if (auto* combo = qobject_cast<QComboBox*>(object)) {
+            combo->setCurrentIndex(token.section('=', 1).toInt());
+        } else {
+            button->setChecked(token.endsWith("=1"));
+        }
+    }
+}
+
+void SettingsTest::demoRecordingWarning() {
+    WindowFixture w;
+    QCheckBox& demo = *w.ui().chkDemoRecording;
+    w.platform.messages.answers = {MsgAnswer::No, MsgAnswer::Yes};
+    demo.setChecked(true); // "No" clears it again
+    QVERIFY(!demo.isChecked());
+    QCOMPARE(onlyMessage(w.platform.messages),
+             message("Warning",
+                     "Turning this feature on is likely to cause severe performance issues for "
+                     "your clients.\r\rAre you sure you want to do this?",
+                     MsgButtons::YesNo, MsgIcon::Question));
+    demo.setChecked(true); // "Yes" keeps it
+    QVERIFY(demo.isChecked());
+    demo.setChecked(false); // clearing asks nothing
+    QCOMPARE(w.platform.messages.shown.size(), 2);
 }
 
 QTEST_MAIN(SettingsTest)

@@ -3,7 +3,6 @@
 #include "TestSupport.h"
 
 #include "app/AppInfo.h"
-#include "ui/MainWindow.h"
 #include "ui/StatusPanel.h"
 #include "ui/Twips.h"
 #include "ui_frmMain.h"
@@ -33,14 +32,8 @@ private slots:
 };
 
 namespace {
-struct Fixture {
-    TestPlatform platform;
-    std::unique_ptr<MainWindow> window;
-    Fixture() {
-        platform.makeGameFolder();
-        window = std::make_unique<MainWindow>(*platform.app);
-    }
-    Ui::frmMain& ui() { return window->form(); }
+struct Fixture : WindowFixture { // shown by each test, after its own preparations
+    Fixture() : WindowFixture({}, false) {}
     StatusPanel& panel() { return window->statusPanel(); }
 };
 } // namespace
@@ -123,12 +116,10 @@ void ShellTest::shutDownSavesParametersBeforeSettings() {
     QVERIFY(f.window->hasEnded());
     // The next start shows the status panel as it was left.
     QCOMPARE(f.platform.ini->read("Settings", "StatusBar", ""), open ? "True" : "False");
-    f.platform.reopenStore();
-    MainWindow second(*f.platform.app);
-    second.showMainWindow();
-    QCOMPARE(second.statusPanel().isOpen(), open);
-    QCOMPARE(second.statusPanel().heightTwips(), open ? 6450 : 5790);
-    QCOMPARE(second.form().mnuViewStatusBar->isChecked(), open);
+    f.reopen();
+    QCOMPARE(f.panel().isOpen(), open);
+    QCOMPARE(f.panel().heightTwips(), open ? 6450 : 5790);
+    QCOMPARE(f.ui().mnuViewStatusBar->isChecked(), open);
 }
 
 void ShellTest::secondCopyEndsWithoutStoring() {

@@ -4,7 +4,6 @@
 #include "TestSupport.h"
 
 #include "app/AppInfo.h"
-#include "ui/MainWindow.h"
 #include "ui/Tips.h"
 #include "ui_frmMain.h"
 
@@ -30,8 +29,7 @@ private slots:
     void focusSelectsWholeText();
 
 private:
-    std::unique_ptr<TestPlatform> m_platform;
-    std::unique_ptr<MainWindow> m_window;
+    std::unique_ptr<WindowFixture> m_fixture;
     QString tipAfterMove(QWidget* widget);
 };
 
@@ -76,10 +74,7 @@ void reach(QWidget* widget) {
 } // namespace
 
 void TipsTest::initTestCase() {
-    m_platform = std::make_unique<TestPlatform>();
-    m_platform->makeGameFolder();
-    m_window = std::make_unique<MainWindow>(*m_platform->app);
-    m_window->showMainWindow();
+    m_fixture = std::make_unique<WindowFixture>();
 }
 
 namespace {
@@ -96,12 +91,12 @@ std::optional<QPoint> emptyPoint(const QWidget* widget) {
 } // namespace
 
 QString TipsTest::tipAfterMove(QWidget* widget) {
-    m_window->form().txtTip->setText("(none)");
+    m_fixture->window->form().txtTip->setText("(none)");
     const QPointF at = emptyPoint(widget).value_or(QPoint(1, 1));
     QMouseEvent move(QEvent::MouseMove, at, widget->mapToGlobal(at), Qt::NoButton, Qt::NoButton,
                      Qt::NoModifier);
     QCoreApplication::sendEvent(widget, &move);
-    return m_window->form().txtTip->text();
+    return m_fixture->window->form().txtTip->text();
 }
 
 // Every control the description names has a tip, and every tip a control.
@@ -115,9 +110,9 @@ void TipsTest::tablesAndWindowAgree() {
     QVERIFY2(missing.isEmpty(), qPrintable("no tip for: " + missing.join(", ")));
     for (const QString& key : Tips::table().keys() + Tips::builtNames()) {
         // The window has no picture box "Picture1".
-        QVERIFY2(key == "Picture1" || m_window->objectName() == key ||
-                     m_window->findChild<QWidget*>(key) ||
-                     m_window->findChild<QWidget*>(key + "_0"),
+        QVERIFY2(key == "Picture1" || m_fixture->window->objectName() == key ||
+                     m_fixture->window->findChild<QWidget*>(key) ||
+                     m_fixture->window->findChild<QWidget*>(key + "_0"),
                  qPrintable("no such control: " + key));
     }
 }
@@ -130,7 +125,7 @@ void TipsTest::mouseMoveShowsTheTip_data() {
     // The window itself is covered by its menu bar and central area: the
     // central area stands for its empty space.
     int rows = 0;
-    for (QWidget* widget : m_window->findChildren<QWidget*>()) {
+    for (QWidget* widget : m_fixture->window->findChildren<QWidget*>()) {
         const QString key = Tips::keyOf(widget->objectName());
         if (widget->objectName().isEmpty() || !Tips::table().contains(key))
             continue;
@@ -144,7 +139,7 @@ void TipsTest::mouseMoveShowsTheTip_data() {
 void TipsTest::mouseMoveShowsTheTip() {
     QFETCH(QString, name);
     QFETCH(QString, expected);
-    QWidget* widget = m_window->findChild<QWidget*>(name);
+    QWidget* widget = m_fixture->window->findChild<QWidget*>(name);
     QCOMPARE(tipAfterMove(widget), expected);
     // Every move repeats the tip.
     QCOMPARE(tipAfterMove(widget), expected);
@@ -178,7 +173,7 @@ void TipsTest::exactTexts_data() {
 void TipsTest::exactTexts() {
     QFETCH(QString, name);
     QFETCH(QString, expected);
-    QWidget* widget = m_window->findChild<QWidget*>(name);
+    QWidget* widget = m_fixture->window->findChild<QWidget*>(name);
     QVERIFY(widget);
     reach(widget); // a disabled control gets no mouse movement
     QCOMPARE(tipAfterMove(widget), expected);
@@ -186,7 +181,7 @@ void TipsTest::exactTexts() {
 
 void TipsTest::builtTips() {
     const QDateTime before = QDateTime::currentDateTime();
-    const QString tip = tipAfterMove(m_window->form().chkDateLog);
+    const QString tip = tipAfterMove(m_fixture->window->form().chkDateLog);
     const QDateTime after = QDateTime::currentDateTime();
     const QString prefix =
         "When checked, Q3A will log all data to a file using the date and time (";
@@ -197,7 +192,7 @@ void TipsTest::builtTips() {
     QVERIFY(name.startsWith(before.toString("yyyyMMdd-HHmm")) ||
             name.startsWith(after.toString("yyyyMMdd-HHmm")));
 
-    auto& ui = m_window->form();
+    auto& ui = m_fixture->window->form();
     ui.BotList->clear();
     const QStringList bots{"Anarki", "Bitterman", "Crash", "Doom"};
     for (int i = 0; i < bots.size(); ++i) {
@@ -234,13 +229,13 @@ void TipsTest::focusSelectsWholeText_data() {
 
 void TipsTest::focusSelectsWholeText() {
     QFETCH(QString, name);
-    auto* box = m_window->findChild<QLineEdit*>(name);
+    auto* box = m_fixture->window->findChild<QLineEdit*>(name);
     QVERIFY(box);
-    QApplication::setActiveWindow(m_window.get());
-    QVERIFY(QTest::qWaitForWindowActive(m_window.get()));
+    QApplication::setActiveWindow(m_fixture->window.get());
+    QVERIFY(QTest::qWaitForWindowActive(m_fixture->window.get()));
     reach(box);
     box->setReadOnly(false);
-    m_window->form().cmdStart->setFocus();
+    m_fixture->window->form().cmdStart->setFocus();
     box->setText("old text");
     box->deselect();
     // Not by Tab, which a text box answers on its own by selecting.

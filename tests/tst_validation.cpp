@@ -3,7 +3,6 @@
 #include "TestSupport.h"
 
 #include "settings/Validation.h"
-#include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 
 #include <QClipboard>
@@ -91,26 +90,21 @@ private slots:
     void privateClientsCheckedOnLeaving();
 
 private:
-    std::unique_ptr<TestPlatform> platform;
-    std::unique_ptr<MainWindow> window;
+    std::unique_ptr<WindowFixture> f;
     Ui::frmMain* ui = nullptr;
 };
 
 void ValidationTest::init() {
-    platform = std::make_unique<TestPlatform>();
-    platform->makeGameFolder();
-    window = std::make_unique<MainWindow>(*platform->app);
-    window->showMainWindow();
-    ui = &window->form();
-    applyValues(*window, Baseline);
-    platform->messages.clear();
-    platform->store->writes.clear();
-    platform->desktop.beeps = 0;
+    f = std::make_unique<WindowFixture>();
+    ui = &f->window->form();
+    applyValues(*f->window, Baseline);
+    f->platform.messages.clear();
+    f->platform.store->writes.clear();
+    f->platform.desktop.beeps = 0;
 }
 
 void ValidationTest::cleanup() {
-    window.reset();
-    platform.reset();
+    f.reset();
 }
 
 void ValidationTest::validateAll_data() {
@@ -171,36 +165,36 @@ void ValidationTest::validateAll() {
     QFETCH(bool, passed);
     QFETCH(QString, focusedOnAdvanced);
 
-    applyValues(*window, input);
+    applyValues(*f->window, input);
     ui->SSTab1->setCurrentIndex(0);
-    platform->messages.clear();
+    f->platform.messages.clear();
     for (const QChar answer : answers)
-        platform->messages.answers << (answer == 'Y' ? MsgAnswer::Yes : MsgAnswer::No);
-    platform->store->writes.clear();
+        f->platform.messages.answers << (answer == 'Y' ? MsgAnswer::Yes : MsgAnswer::No);
+    f->platform.store->writes.clear();
 
-    QCOMPARE(window->validation().ValidateAll(), passed);
+    QCOMPARE(f->window->validation().ValidateAll(), passed);
 
-    QCOMPARE(described(platform->messages.shown), messages);
+    QCOMPARE(described(f->platform.messages.shown), messages);
     for (const QString& pair : after.split('|', Qt::SkipEmptyParts))
-        QCOMPARE(window->findChild<QLineEdit*>(pair.section('=', 0, 0))->text(),
+        QCOMPARE(f->window->findChild<QLineEdit*>(pair.section('=', 0, 0))->text(),
                  pair.section('=', 1));
 
     // Stored exactly when it passed, with the values the boxes now hold.
-    const QStringList& writes = platform->store->writes;
+    const QStringList& writes = f->platform.store->writes;
     if (passed) {
         QVERIFY(writes.contains("General/Name=" + ui->txtServerName->text()));
         QVERIFY(writes.contains("Limits/MaxPlayers=" + ui->txtMaxPlayers->text()));
-        platform->reopenStore();
-        QCOMPARE(platform->store->read("General", "Name", "<none>"), ui->txtServerName->text());
+        f->platform.reopenStore();
+        QCOMPARE(f->platform.store->read("General", "Name", "<none>"), ui->txtServerName->text());
     } else {
         QCOMPARE(writes, QStringList{});
     }
 
     if (!focusedOnAdvanced.isEmpty()) {
-        auto* box = window->findChild<QLineEdit*>(focusedOnAdvanced);
+        auto* box = f->window->findChild<QLineEdit*>(focusedOnAdvanced);
         QCOMPARE(ui->SSTab1->currentIndex(), 4);
         QCOMPARE(box->selectedText(), box->text());
-        if (QTest::qWaitForWindowActive(window.get()))
+        if (QTest::qWaitForWindowActive(f->window.get()))
             QVERIFY(box->hasFocus());
     } else {
         QCOMPARE(ui->SSTab1->currentIndex(), 0);
@@ -208,36 +202,36 @@ void ValidationTest::validateAll() {
 }
 
 void ValidationTest::refusedStoreFailsSilently() {
-    platform->store->failAtKey = "Name";
-    QVERIFY(!window->validation().ValidateAll());
-    QCOMPARE(platform->messages.shown.size(), 0);
+    f->platform.store->failAtKey = "Name";
+    QVERIFY(!f->window->validation().ValidateAll());
+    QCOMPARE(f->platform.messages.shown.size(), 0);
 }
 
 void ValidationTest::everyNumericBoxIsFiltered() {
     QCOMPARE(Validation::numericBoxes().size(), 17);
     for (const QString& name : Validation::numericBoxes()) {
-        auto* box = window->findChild<QLineEdit*>(name);
+        auto* box = f->window->findChild<QLineEdit*>(name);
         QVERIFY2(box, qPrintable(name));
         // A disabled box takes no keys at all (txtMinBots is disabled unless
         // bots are automatic), so make the box and its frames typeable.
-        for (QWidget* w = box; w && w != window.get(); w = w->parentWidget())
+        for (QWidget* w = box; w && w != f->window.get(); w = w->parentWidget())
             w->setEnabled(true);
         QVERIFY2(box->isEnabled(), qPrintable(name));
         box->setText("4");
         box->end(false);
-        platform->desktop.beeps = 0;
+        f->platform.desktop.beeps = 0;
         QTest::keyClicks(box, "7x");
         QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
         QTest::keyClick(box, Qt::Key_Return);
         QVERIFY2(box->text() == QStringLiteral("47"), qPrintable(name));
-        QCOMPARE(platform->desktop.beeps, 3);
+        QCOMPARE(f->platform.desktop.beeps, 3);
         QTest::keyClick(box, Qt::Key_Backspace);
         QTest::keyClick(box, Qt::Key_Left);
         QCOMPARE(box->text(), QStringLiteral("4"));
-        QCOMPARE(platform->desktop.beeps, 3);
+        QCOMPARE(f->platform.desktop.beeps, 3);
     }
     // Text the program places, or pasted with the context menu, is not filtered.
-    platform->desktop.beeps = 0;
+    f->platform.desktop.beeps = 0;
     ui->txtHunkMegs->setText("abc");
     QCOMPARE(ui->txtHunkMegs->text(), QStringLiteral("abc"));
     QGuiApplication::clipboard()->setText("x9");
@@ -246,7 +240,7 @@ void ValidationTest::everyNumericBoxIsFiltered() {
     ui->txtHunkMegs->clear();
     ui->txtHunkMegs->paste(); // what the context menu's Paste does
     QCOMPARE(ui->txtHunkMegs->text(), QStringLiteral("x9"));
-    QCOMPARE(platform->desktop.beeps, 0);
+    QCOMPARE(f->platform.desktop.beeps, 0);
 }
 
 void ValidationTest::logFileNameCheckedOnLeaving_data() {
@@ -264,14 +258,14 @@ void ValidationTest::logFileNameCheckedOnLeaving() {
     ui->chkLogFile->setChecked(true);
     ui->txtLogFile->setEnabled(true);
     ui->txtLogFile->setText(name);
-    platform->messages.clear();
+    f->platform.messages.clear();
 
     // Another window taking the focus is no leaving.
     QFocusEvent away(QEvent::FocusOut, Qt::ActiveWindowFocusReason);
     QApplication::sendEvent(ui->txtLogFile, &away);
-    QCOMPARE(platform->messages.shown.size(), 0);
+    QCOMPARE(f->platform.messages.shown.size(), 0);
 
-    const bool active = QTest::qWaitForWindowActive(window.get());
+    const bool active = QTest::qWaitForWindowActive(f->window.get());
     if (active) {
         ui->txtLogFile->setFocus();
         ui->txtServerName->setFocus(Qt::TabFocusReason);
@@ -279,7 +273,7 @@ void ValidationTest::logFileNameCheckedOnLeaving() {
         QFocusEvent out(QEvent::FocusOut, Qt::TabFocusReason);
         QApplication::sendEvent(ui->txtLogFile, &out);
     }
-    QCOMPARE(onlyMessage(platform->messages),
+    QCOMPARE(onlyMessage(f->platform.messages),
              refused ? message("Invalid filename",
                                "A filename cannot contain any of the following characters:\r\r\\ / "
                                ": * ? \" > < |",
@@ -323,10 +317,10 @@ void ValidationTest::privateClientsCheckedOnLeaving() {
     QFETCH(QString, told);
     ui->txtPrivateClients->setText(privateClients);
     ui->txtMaxPlayers->setText(maxPlayers);
-    platform->messages.clear();
+    f->platform.messages.clear();
     QFocusEvent out(QEvent::FocusOut, Qt::MouseFocusReason);
     QApplication::sendEvent(ui->txtPrivateClients, &out);
-    QCOMPARE(onlyMessage(platform->messages), told.isEmpty() ? "0 messages" : told);
+    QCOMPARE(onlyMessage(f->platform.messages), told.isEmpty() ? "0 messages" : told);
     QCOMPARE(ui->txtPrivateClients->text(), privateClients);
     QCOMPARE(ui->txtMaxPlayers->text(), maxPlayers);
 }

@@ -50,6 +50,22 @@ void TestPlatform::makeGameFolder() {
     app->state.GameExeName = QStringLiteral("quake3.exe");
 }
 
+WindowFixture::WindowFixture(const std::function<void(TestPlatform&)>& prepare, bool shown) {
+    platform.makeGameFolder();
+    if (prepare)
+        prepare(platform);
+    window = std::make_unique<MainWindow>(*platform.app);
+    if (shown)
+        window->showMainWindow();
+}
+
+void WindowFixture::reopen() {
+    window.reset();
+    platform.reopenStore();
+    window = std::make_unique<MainWindow>(*platform.app);
+    window->showMainWindow();
+}
+
 QString TestPlatform::writeFile(const QString& path, const QByteArray& content) {
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);

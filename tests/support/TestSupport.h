@@ -4,13 +4,16 @@
 #include "platform/FakePlatform.h"
 #include "platform/QtPlatform.h"
 #include "ui/FirstRun.h"
+#include "ui/MainWindow.h"
 
 #include <QByteArray>
 #include <QHash>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QTest>
 #include <functional>
 #include <memory>
+#include <tuple>
 
 namespace halvane::test {
 
@@ -69,6 +72,30 @@ private:
     void wire();
     QTemporaryDir m_dir;
 };
+
+// The main window over a game folder, as most window tests begin; prepare
+// writes what the window reads (files, stored values) before it is made.
+struct WindowFixture {
+    explicit WindowFixture(const std::function<void(TestPlatform&)>& prepare = {},
+                           bool shown = true);
+    // A new window over the same files and stored values, as the next run sees them.
+    void reopen();
+    Ui::frmMain& ui() const { return window->form(); }
+    TestPlatform platform;
+    std::unique_ptr<MainWindow> window;
+};
+
+// A data-driven test over a static table of tuples: one row per entry, named
+// by its first member; the test function takes its entry back with fetchRow().
+template <typename Row, std::size_t N> void addRows(const Row (&rows)[N]) {
+    QTest::addColumn<int>("row");
+    for (std::size_t i = 0; i < N; ++i)
+        QTest::newRow(std::get<0>(rows[i])) << int(i);
+}
+template <typename Row, std::size_t N> const Row& fetchRow(const Row (&rows)[N]) {
+    QFETCH(int, row);
+    return rows[row];
+}
 
 QByteArray readAll(const QString& path);
 
