@@ -19,8 +19,11 @@ export UBSAN_OPTIONS="print_stacktrace=1:halt_on_error=1"
 export QT_QPA_PLATFORM=offscreen
 (cd build-asan && ctest --output-on-failure)
 
-targets=(build-asan/tests/fuzz/fuzz_*)
-if [ ! -x "${targets[0]}" ]; then
+targets=()
+for file in build-asan/tests/fuzz/fuzz_*; do
+    [ -f "$file" ] && [ -x "$file" ] && targets+=("$file")
+done
+if [ ${#targets[@]} -eq 0 ]; then
     echo "no fuzz targets were built: the compiler lacks libFuzzer" >&2
     exit 1
 fi

@@ -2,6 +2,9 @@
 // What every fuzz target shares: the application object, rules, files.
 #include "TestSupport.h"
 
+#include "maps/MapCatalogue.h"
+#include "maps/MapDiscovery.h"
+
 #include <QApplication>
 #include <cstdio>
 #include <cstdlib>
@@ -24,6 +27,15 @@ inline void writeFile(const QString& path, const QByteArray& bytes) {
     QFile file(path);
     check(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size(), "file written", 0);
 }
+
+// A program folder whose catalogue starts as three records, one a deleted
+// slot, and the discovery of new maps over it.
+struct Discovering {
+    test::TestPlatform platform;
+    MapCatalogue catalogue{platform.programFolder()};
+    MapDiscovery discovery{catalogue, *platform.app, nullptr};
+    const QByteArray before = test::catalogueOf({"q3dm1", "", "Q3CTF1"});
+};
 
 } // namespace halvane::fuzz
 

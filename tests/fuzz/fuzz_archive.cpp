@@ -5,8 +5,6 @@
 #include "FuzzSupport.h"
 
 #include "maps/ArchiveListing.h"
-#include "maps/MapCatalogue.h"
-#include "maps/MapDiscovery.h"
 
 #include <QSet>
 
@@ -14,10 +12,8 @@ using namespace halvane;
 using namespace halvane::fuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static test::TestPlatform platform;
-    static MapCatalogue catalogue(platform.programFolder());
-    static MapDiscovery discovery(catalogue, *platform.app, nullptr);
-    static const QByteArray before = test::catalogueOf({"q3dm1", "", "Q3CTF1"});
+    static Discovering discovering;
+    auto& [platform, catalogue, discovery, before] = discovering;
     if (platform.app->state.GameFolder.isEmpty())
         platform.makeGameFolder();
     const QString archive = platform.gameFolder() + "/baseq3/maps.pk3";

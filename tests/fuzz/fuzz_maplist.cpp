@@ -3,18 +3,14 @@
 // afterwards every name the list offers is known.
 #include "FuzzSupport.h"
 
-#include "maps/MapCatalogue.h"
-#include "maps/MapDiscovery.h"
 #include "maps/MapSelectionFile.h"
 
 using namespace halvane;
 using namespace halvane::fuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-    static test::TestPlatform platform;
-    static MapCatalogue catalogue(platform.programFolder());
-    static MapDiscovery discovery(catalogue, *platform.app, nullptr);
-    static const QByteArray before = test::catalogueOf({"q3dm1", "", "Q3CTF1"});
+    static Discovering discovering;
+    auto& [platform, catalogue, discovery, before] = discovering;
     const QString list = platform.programFolder() + "/maplist.txt";
     const QByteArray bytes = bytesOf(data, size);
     writeFile(catalogue.dataPath(), before);
