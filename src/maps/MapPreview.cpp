@@ -84,6 +84,10 @@ QImage readTarga(const QString& path) {
 }
 
 QImage readTarga(QByteArray bytes) {
+    // Shorter than its header, a file is no picture: the footer added below
+    // would otherwise complete the header and show garbage.
+    if (bytes.size() < 18)
+        return QImage();
     // Qt's reader takes only files with the version 2 footer; the game's own
     // pictures are often older ones, which differ in nothing else.
     static const QByteArray signature("TRUEVISION-XFILE.\0", 18);
