@@ -44,8 +44,10 @@ OptionInterlocks::OptionInterlocks(Ui::frmMain& ui, AppContext& app, QObject* pa
     ui.optClose->setAutoExclusive(false);
     // Without auto-exclusion a click would clear the selected one again: an
     // option button clicked while selected stays selected.
-    for (auto [button, other] :
+    for (const auto& pair :
          {std::pair{ui.optMinimize, ui.optClose}, std::pair{ui.optClose, ui.optMinimize}}) {
+        QRadioButton* button = pair.first;
+        QRadioButton* other = pair.second;
         connect(button, &QRadioButton::toggled, other, [other](bool on) {
             if (on)
                 other->setChecked(false);

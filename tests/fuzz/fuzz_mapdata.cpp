@@ -14,18 +14,22 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     MapCatalogue catalogue(folder.path());
     writeFile(catalogue.dataPath(), bytes);
     writeFile(catalogue.installedPath(), installed);
+    writeFile(catalogue.backupPath(), "the operator's backup");
 
     // The start-up check replaces the file only when its first record names
-    // no map (spaces, or the zero bytes old damage left), keeping a backup.
+    // no map (spaces, or the zero bytes old damage left), keeping the damaged
+    // file under a name of its own and the operator's backup as it was.
     FakeMessageBoxes messages;
     catalogue.CheckMapDataFile(messages, "someone");
     if (test::readAll(catalogue.dataPath()) != bytes) {
         const MapRecord first = MapRecord::fromBytes(bytes.leftJustified(MapRecord::Size, 'x'));
         FUZZ_CHECK(trimSpaces(first.get(MapField::FileName).remove(QChar(0))).isEmpty());
         FUZZ_CHECK(test::readAll(catalogue.dataPath()) == installed && messages.shown.size() == 1);
-        FUZZ_CHECK(test::readAll(catalogue.backupPath()) == bytes);
+        const QString damaged = folder.path() + "/maps-damaged.dat";
+        FUZZ_CHECK(test::readAll(damaged) == bytes && QFile::remove(damaged));
         writeFile(catalogue.dataPath(), bytes);
     }
+    FUZZ_CHECK(test::readAll(catalogue.backupPath()) == "the operator's backup");
     FUZZ_CHECK(messages.shown.size() <= 1);
 
     const qint16 count = catalogue.CountMaps();

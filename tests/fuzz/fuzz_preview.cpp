@@ -15,6 +15,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     static test::TestPlatform platform;
     static MainWindow window(*platform.app);
     static const bool folder = QDir().mkpath(platform.programFolder() + "/Maps");
+    // Pictures are read once the Maps tab can be seen.
+    static const bool visible = [] {
+        window.show();
+        window.form().SSTab1->setCurrentIndex(2);
+        return window.form().stkMapPicture->isVisible();
+    }();
     const bool targa = size > 0 && (data[0] & 1);
     const QString path = platform.programFolder() + "/Maps/fz" + (targa ? ".tga" : ".jpg");
     QFile::remove(platform.programFolder() + "/Maps/fz" + (targa ? ".jpg" : ".tga"));
@@ -23,7 +29,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     Ui::frmMain& ui = window.form();
     window.maps().preview().showPreview("fz");
-    FUZZ_CHECK(folder && ui.stkMapPicture->currentWidget() == (targa ? ui.imgMap : ui.imgMap1));
+    FUZZ_CHECK(folder && visible &&
+               ui.stkMapPicture->currentWidget() == (targa ? ui.imgMap : ui.imgMap1));
     const QImage picture = targa ? readTarga(path) : QImage();
     if (picture.isNull())
         return 0;
