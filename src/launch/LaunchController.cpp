@@ -119,7 +119,7 @@ void LaunchController::cmdStart() {
     const QStringList arguments = splitCommandLine(commandLine);
     const StartResult started =
         m_hooks.startServer ? m_hooks.startServer(program, arguments, gameFolder, commandLine)
-                            : m_app.platform.processes.start(program, arguments, gameFolder);
+                            : m_app.platform.processes.start(program, arguments, gameFolder, {});
     if (!started.started) {
         fail(stepText, started.errorCode != 0 ? started.errorCode : EIO);
         return;

@@ -26,12 +26,7 @@ FileChoice FakeFileDialogs::saveFile(const QString& title, const QString& filter
 }
 
 StartResult FakeProcesses::start(const QString& program, const QStringList& arguments,
-                                 const QString& workingFolder) {
-    return startLogged(program, arguments, workingFolder, QString());
-}
-
-StartResult FakeProcesses::startLogged(const QString& program, const QStringList& arguments,
-                                       const QString& workingFolder, const QString& logFile) {
+                                 const QString& workingFolder, const QString& logFile) {
     if (failWithCode != 0)
         return {false, 0, failWithCode};
     started.append({program, arguments, workingFolder, logFile});

@@ -56,9 +56,7 @@ struct StartedProcess {
 class FakeProcesses : public Processes {
 public:
     StartResult start(const QString& program, const QStringList& arguments,
-                      const QString& workingFolder) override;
-    StartResult startLogged(const QString& program, const QStringList& arguments,
-                            const QString& workingFolder, const QString& logFile) override;
+                      const QString& workingFolder, const QString& logFile) override;
     bool activate(qint64 taskId) override;
     qint64 startTimeOf(qint64 taskId) override;
     bool end(qint64 taskId, bool force) override;

@@ -18,12 +18,10 @@ struct StartResult {
 class Processes {
 public:
     virtual ~Processes() = default;
+    // Standard output and error are appended to logFile (none when it is
+    // empty). The process outlives the program.
     virtual StartResult start(const QString& program, const QStringList& arguments,
-                              const QString& workingFolder) = 0;
-    // As start, with standard output and error appended to logFile (none
-    // when it is empty). The process outlives the program.
-    virtual StartResult startLogged(const QString& program, const QStringList& arguments,
-                                    const QString& workingFolder, const QString& logFile) = 0;
+                              const QString& workingFolder, const QString& logFile) = 0;
     // True when the task still runs; brings its window forward where the platform allows.
     virtual bool activate(qint64 taskId) = 0;
     // The start time of the running task, 0 when no such task runs.

@@ -119,12 +119,12 @@ FileChoice QtFileDialogs::saveFile(const QString& title, const QString& filter,
     return choiceOf(dialog.selectedFiles().constFirst());
 }
 
-// The program as the system will run it, or an error code in result: a
-// bare name is looked up in the working folder first, as a command typed in
-// that folder would be.
-static QString resolveProgram(const QString& program, const QString& workingFolder,
-                              StartResult& result) {
+StartResult QtProcesses::start(const QString& program, const QStringList& arguments,
+                               const QString& workingFolder, const QString& logFile) {
+    StartResult result;
     QString resolved = program;
+    // A bare name is looked up in the working folder first, as a command
+    // typed in that folder would be.
     if (!program.contains(QLatin1Char('/')) && !program.contains(QLatin1Char('\\')) &&
         !workingFolder.isEmpty()) {
         const QString local = QDir(workingFolder).filePath(program);
@@ -133,41 +133,19 @@ static QString resolveProgram(const QString& program, const QString& workingFold
     }
     if (!workingFolder.isEmpty() && !QFileInfo(workingFolder).isDir()) {
         result.errorCode = ENOENT;
-        return resolved;
+        return result;
     }
     const QFileInfo info(resolved);
     if (resolved != program || info.isAbsolute()) {
-        if (!info.exists())
+        if (!info.exists()) {
             result.errorCode = ENOENT;
-        else if (!info.isExecutable() || info.isDir())
+            return result;
+        }
+        if (!info.isExecutable() || info.isDir()) {
             result.errorCode = EACCES;
+            return result;
+        }
     }
-    return resolved;
-}
-
-StartResult QtProcesses::start(const QString& program, const QStringList& arguments,
-                               const QString& workingFolder) {
-    StartResult result;
-    const QString resolved = resolveProgram(program, workingFolder, result);
-    if (result.errorCode != 0)
-        return result;
-    qint64 pid = 0;
-    if (!QProcess::startDetached(resolved, arguments, workingFolder, &pid)) {
-        result.errorCode = QStandardPaths::findExecutable(resolved).isEmpty() ? ENOENT : EIO;
-        return result;
-    }
-    result.started = true;
-    result.taskId = pid;
-    result.startTime = startTimeOf(pid);
-    return result;
-}
-
-StartResult QtProcesses::startLogged(const QString& program, const QStringList& arguments,
-                                     const QString& workingFolder, const QString& logFile) {
-    StartResult result;
-    const QString resolved = resolveProgram(program, workingFolder, result);
-    if (result.errorCode != 0)
-        return result;
     QProcess process;
     process.setProgram(resolved);
     process.setArguments(arguments);

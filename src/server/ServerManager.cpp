@@ -115,7 +115,7 @@ StartResult ServerManager::launch(const QString& program, const QStringList& arg
     record.rconPassword = rconPassword;
     record.logFile = newLogFile(record.port);
     const StartResult started =
-        m_app.platform.processes.startLogged(program, arguments, folder, record.logFile);
+        m_app.platform.processes.start(program, arguments, folder, record.logFile);
     if (!started.started) {
         if (!record.logFile.isEmpty())
             QFile::remove(record.logFile); // the empty file made for it
@@ -144,7 +144,7 @@ bool ServerManager::startProcess(ServerEntry& server) {
     LaunchRecord& r = server.record;
     const QString log = newLogFile(r.port);
     const StartResult started =
-        m_app.platform.processes.startLogged(r.program, r.arguments, r.gameFolder, log);
+        m_app.platform.processes.start(r.program, r.arguments, r.gameFolder, log);
     if (!started.started) {
         server.live.problem =
             QStringLiteral("Could not start the server again (error %1)").arg(started.errorCode);
