@@ -17,6 +17,7 @@
 #include "settings/Validation.h"
 #include "ui/Accessibility.h"
 #include "ui/HelpMenu.h"
+#include "ui/ImagePlugins.h"
 #include "ui/StatusPanel.h"
 #include "ui/TabFrames.h"
 #include "ui/TipLine.h"
@@ -56,6 +57,7 @@ void fill(QComboBox* combo, const QStringList& entries) {
 
 MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::frmMain>()) {
     speakSelectorsByName();
+    leaveImagePluginsUnloaded();
     ui->setupUi(this);
     m_interlocks = std::make_unique<OptionInterlocks>(*ui, m_app);
     m_statusPanel =
