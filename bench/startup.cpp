@@ -25,7 +25,7 @@
 #include <QTest>
 #include <cstdio>
 #include <ctime>
-#include <zip.h>
+#include <zlib.h>
 
 using namespace halvane;
 
@@ -60,21 +60,35 @@ bool writeCatalogue(const QString& path) {
     return file.error() == QFile::NoError;
 }
 
+// One stored member, written by hand: a zip library linked in here would be
+// loaded into every start-up this program times.
 bool writeArchive(const QString& path, int n) {
-    int error = 0;
-    zip_t* archive =
-        zip_open(QFile::encodeName(path).constData(), ZIP_CREATE | ZIP_TRUNCATE, &error);
-    if (!archive)
-        return false;
-    static const char bsp[] = "IBSP";
-    zip_source_t* source = zip_source_buffer(archive, bsp, sizeof bsp - 1, 0);
-    const QByteArray member = QStringLiteral("maps/pak%1map.bsp").arg(n).toLatin1();
-    if (!source || zip_file_add(archive, member.constData(), source, ZIP_FL_OVERWRITE) < 0) {
-        zip_source_free(source);
-        zip_discard(archive);
-        return false;
-    }
-    return zip_close(archive) == 0;
+    const QByteArray name = QStringLiteral("maps/pak%1map.bsp").arg(n).toLatin1();
+    const QByteArray content("IBSP");
+    const quint32 crc = quint32(
+        crc32(0L, reinterpret_cast<const Bytef*>(content.constData()), uInt(content.size())));
+    QByteArray zip;
+    const auto put = [&zip](quint64 value, int bytes) {
+        for (int i = 0; i < bytes; ++i)
+            zip.append(char(value >> (8 * i)));
+    };
+    // local header, then the member, then the central directory and its end
+    const auto common = [&] {
+        put(20, 2), put(0, 2), put(0, 2), put(0, 4); // version, flags, stored, time
+        put(crc, 4), put(content.size(), 4), put(content.size(), 4), put(name.size(), 2);
+        put(0, 2); // extra field
+    };
+    put(0x04034b50, 4), common();
+    zip += name + content;
+    const qsizetype directory = zip.size();
+    put(0x02014b50, 4), put(20, 2), common();
+    put(0, 2), put(0, 2), put(0, 2), put(0, 4), put(0, 4); // comment, disk, attributes, offset
+    zip += name;
+    const qsizetype directorySize = zip.size() - directory;
+    put(0x06054b50, 4), put(0, 2), put(0, 2), put(1, 2), put(1, 2);
+    put(directorySize, 4), put(directory, 4), put(0, 2);
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) && file.write(zip) == zip.size();
 }
 
 bool writeSelection(const QString& path) {

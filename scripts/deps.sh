@@ -3,7 +3,7 @@
 # machine lacks. Uses sudo when not run as root.
 set -euo pipefail
 
-packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools libzip-dev
+packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools zlib1g-dev libzip-dev
           qt6-image-formats-plugins zip unzip ioquake3-server openarena-server
           dpkg-dev file desktop-file-utils appstream "$@")
 missing=()

@@ -24,7 +24,7 @@ fail() {
 package=$(ls "$build"/halvane_*.deb)
 [[ $(basename "$package") =~ ^halvane_[0-9.]+_[a-z0-9]+\.deb$ ]] || fail "package named $package"
 depends=$(dpkg-deb -f "$package" Depends | sed 's/ *([^)]*)//g; s/, */\n/g')
-for needed in libqt6widgets6 libqt6gui6 libqt6core6 libzip4 qt6-image-formats-plugins; do
+for needed in libqt6widgets6 libqt6gui6 libqt6core6 zlib1g qt6-image-formats-plugins; do
     grep -qx "$needed" <<<"$depends" || fail "Depends lacks $needed"
 done
 [ "$(dpkg-deb -f "$package" Recommends)" = "ioquake3-server, openarena-server" ] ||

@@ -9,6 +9,7 @@
 #include "maps/MapCatalogue.h"
 #include "maps/MapDiscovery.h"
 
+#include <QProcess>
 #include <QPushButton>
 #include <QtTest>
 
@@ -63,6 +64,8 @@ private slots:
     void startUpCheck();
     void archiveSearch_data();
     void archiveSearch();
+    void zipReader_data();
+    void zipReader();
     void looseMapsAndImportList();
     void damagedInputs();
 };
@@ -277,6 +280,56 @@ void MapDataTest::archiveSearch() {
                      MsgButtons::Ok, MsgIcon::Critical));
     QCOMPARE(f.loads, 1);
     QCOMPARE(f.platform.desktop.busyDepth, 0);
+}
+
+void MapDataTest::zipReader_data() {
+    QTest::addColumn<QString>("shape");
+    QTest::addColumn<bool>("listed");
+    QTest::addColumn<bool>("read");
+    QTest::newRow("as libzip writes it") << "" << true << true;
+    QTest::newRow("archive comment") << "comment" << true << true;
+    QTest::newRow("64-bit records, stored") << "zip -fz -0" << true << true;
+    QTest::newRow("64-bit records, deflated") << "zip -fz" << true << true;
+    QTest::newRow("member damaged") << "flip" << true << false;
+    QTest::newRow("directory cut") << "cut" << false << false;
+}
+
+// The program's own zip reader against archives written by other tools.
+void MapDataTest::zipReader() {
+    QFETCH(QString, shape);
+    QFETCH(bool, listed);
+    QFETCH(bool, read);
+    TestPlatform platform;
+    const QString folder = platform.programFolder(), path = folder + "/a.pk3";
+    QByteArray shot(5000, 'x');
+    for (int i = 0; i < shot.size(); ++i)
+        shot[i] = char(i * i % 251);
+    const QStringList names{"maps/a.bsp", "levelshots/a.jpg"};
+    if (shape.startsWith("zip")) {
+        for (const QString& name : names)
+            platform.writeFile(folder + '/' + name, name.endsWith("jpg") ? shot : "IBSP");
+        QProcess zip;
+        zip.setWorkingDirectory(folder);
+        zip.start("zip", shape.split(' ').mid(1) + QStringList{"-q", path} + names);
+        QVERIFY(zip.waitForFinished() && zip.exitCode() == 0);
+    } else {
+        QVERIFY(makeArchive(path, names, {{names[1], shot}}));
+    }
+    QByteArray bytes = readAll(path);
+    if (shape == "comment")
+        bytes = bytes.chopped(2) + QByteArray("\x05\0notes", 7);
+    if (shape == "flip")
+        bytes[bytes.indexOf("PK\1\2") - 10] ^= 1; // within the last member's data
+    if (shape == "cut")
+        bytes.chop(30);
+    platform.writeFile(path, bytes);
+    QByteArrayList members;
+    QCOMPARE(listArchive(path, [&](const QByteArray& name) { members.append(name); }), listed);
+    const QByteArrayList expected{"maps/a.bsp", "levelshots/a.jpg"};
+    QCOMPARE(members, listed ? expected : QByteArrayList());
+    QCOMPARE(readArchiveMember(path, "levelshots/a.jpg", 5000).value_or("none"),
+             read ? shot : "none");
+    QVERIFY(!readArchiveMember(path, "levelshots/a.jpg", 4999)); // over the limit
 }
 
 void MapDataTest::looseMapsAndImportList() {
