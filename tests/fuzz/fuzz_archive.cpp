@@ -1,7 +1,8 @@
 // The game's archives: any bytes as a .pk3, or (odd first byte) a real zip
 // of the member names the input gives, one a line. The listing yields every
-// member as stored and only names ending in "bsp" as maps; the search skips
-// pak0.pk3, names an archive it cannot read and adds each new map once.
+// member as stored, each of them readable, and only names ending in "bsp"
+// as maps; the search skips pak0.pk3, names an archive it cannot read and
+// adds each new map once.
 #include "FuzzSupport.h"
 
 #include "maps/ArchiveListing.h"
@@ -40,6 +41,11 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         }
     });
     FUZZ_CHECK(!generated || (readable && listed == members));
+    // A member reads back whole or not at all.
+    for (const QString& name : listed) {
+        const auto content = readArchiveMember(archive, name.toLatin1(), 1 << 20);
+        FUZZ_CHECK(!generated || content == QByteArray("IBSP"));
+    }
 
     writeFile(catalogue.dataPath(), before);
     platform.messages.clear();
