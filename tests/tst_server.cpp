@@ -1,5 +1,5 @@
-// The game's status and console answers as bytes; the record of what was
-// started, from a state file that may be damaged or name a reused process id.
+// The game's status and console answers, as bytes and from a stand-in on 127.0.0.1; the record of
+// what was started, from a state file that may be damaged or name a reused process id.
 #include "TestSupport.h"
 
 #include "server/LaunchRecords.h"
@@ -7,6 +7,8 @@
 #include "server/ServerManager.h"
 #include "server/ServerProtocol.h"
 
+#include <QNetworkDatagram>
+#include <QUdpSocket>
 #include <QtTest>
 
 using namespace halvane;
@@ -58,6 +60,8 @@ private slots:
     void records();
     void logTail_data();
     void logTail();
+    void addresses_data();
+    void addresses();
 };
 
 void ServerTest::status_data() {
@@ -245,6 +249,41 @@ void ServerTest::logTail() {
         QVERIFY(problem.isEmpty() ||
                 problem.startsWith("The log file " + path + " cannot be read"));
     }
+}
+
+void ServerTest::addresses_data() {
+    QTest::addColumn<QString>("address"); // as typed in the IP box
+    QTest::addColumn<QString>("shown");   // the map of the answer, or the problem
+    for (const char* loopback : {"127.0.0.1", "127.1", "0x7f.0.0.1", " 127.0.0.1\t", ""})
+        QTest::newRow(*loopback ? loopback : "empty") << loopback << "oa_dm1";
+    QTest::newRow("1.2.3, another host: not queried") << "1.2.3" << QString();
+    for (const char* bad : {"256.1.1.1", "1.2.3.4.5", "localhost", "::1", "08.0.0.1"})
+        QTest::newRow(bad) << bad << "not a numeric address";
+}
+
+void ServerTest::addresses() {
+    QFETCH(QString, address);
+    QFETCH(QString, shown);
+    QHostAddress qt; // the IPv4 forms Qt's parser took, and no others
+    const bool ipv4 = qt.setAddress(address) && qt.protocol() == QAbstractSocket::IPv4Protocol;
+    QCOMPARE(parseIpv4(address), ipv4 ? std::optional(qt.toIPv4Address()) : std::nullopt);
+    if (shown.isEmpty())
+        return;
+    // First a query refused (nothing listens on its port), then the stand-in's.
+    QUdpSocket game, closed;
+    QVERIFY(game.bind(QHostAddress::LocalHost) && closed.bind(QHostAddress::LocalHost));
+    test::TestPlatform platform;
+    ServerManager manager(*platform.app);
+    manager.launch("q3", {}, platform.root(), {}, {}, QString::number(closed.localPort()), {});
+    manager.launch("q3", {}, platform.root(), {}, address, QString::number(game.localPort()), {});
+    closed.close();
+    manager.setWatched(true);
+    if (shown == "oa_dm1" && game.waitForReadyRead(5000))
+        game.writeDatagram(
+            game.receiveDatagram().makeReply(Oob + "statusResponse\n\\mapname\\oa_dm1\n"));
+    const ServerLive& live = manager.servers().first().live; // the last launched
+    QTRY_COMPARE(
+        (live.status ? live.status->info.value("mapname") : live.problem).section(": ", -1), shown);
 }
 
 QTEST_MAIN(ServerTest)

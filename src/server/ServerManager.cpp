@@ -27,7 +27,7 @@ ServerManager::ServerManager(AppContext& app, QObject* parent)
     connect(&m_tick, &QTimer::timeout, this, &ServerManager::refresh);
     m_stopTick.setInterval(StopTickMs);
     connect(&m_stopTick, &QTimer::timeout, this, &ServerManager::checkStopping);
-    connect(&m_socket, &QUdpSocket::readyRead, this, &ServerManager::readDatagrams);
+    connect(&m_socket, &UdpSocket::readyRead, this, &ServerManager::readDatagrams);
 }
 
 ServerManager::~ServerManager() = default;
@@ -234,11 +234,8 @@ void ServerManager::refresh() {
         save();
 }
 
-std::optional<QHostAddress> ServerManager::addressOf(const LaunchRecord& record) {
-    QHostAddress address;
-    if (!address.setAddress(record.address))
-        return std::nullopt;
-    return address;
+std::optional<quint32> ServerManager::addressOf(const LaunchRecord& record) {
+    return parseIpv4(record.address);
 }
 
 void ServerManager::query(ServerEntry& server) {
@@ -248,31 +245,23 @@ void ServerManager::query(ServerEntry& server) {
                                   .arg(server.record.address);
         return;
     }
-    if (m_socket.state() != QAbstractSocket::BoundState)
-        m_socket.bind(QHostAddress(QHostAddress::AnyIPv4), 0);
+    m_socket.bind();
     if (!server.live.silentSince.isValid())
         server.live.silentSince = QDateTime::currentDateTime();
     ++server.live.unanswered;
-    m_socket.writeDatagram(protocol::statusRequest(), *address, server.record.port);
+    m_socket.send(protocol::statusRequest(), *address, server.record.port);
     // The previous query went unanswered for a whole round.
     if (server.live.unanswered == 2)
         emit serverChanged(server.record.id);
 }
 
 void ServerManager::readDatagrams() {
-    while (m_socket.hasPendingDatagrams()) {
-        QHostAddress from;
-        quint16 port = 0;
-        QByteArray datagram(int(qMin<qint64>(m_socket.pendingDatagramSize(), 65536)), '\0');
-        const qint64 size = m_socket.readDatagram(datagram.data(), datagram.size(), &from, &port);
-        if (size < 0)
-            continue;
-        datagram.truncate(size);
+    while (auto received = m_socket.receive()) {
+        const QByteArray& datagram = received->data;
         ServerEntry* server = nullptr;
         for (ServerEntry& candidate : m_servers) {
-            const auto address = addressOf(candidate.record);
-            if (candidate.record.running() && candidate.record.port == port && address &&
-                address->isEqual(from, QHostAddress::ConvertV4MappedToIPv4)) {
+            if (candidate.record.running() && candidate.record.port == received->port &&
+                addressOf(candidate.record) == received->address) {
                 server = &candidate;
                 break;
             }
@@ -338,9 +327,8 @@ void ServerManager::sendNextExchange(const QString& id) {
         finishExchange(id);
         return;
     }
-    if (m_socket.state() != QAbstractSocket::BoundState)
-        m_socket.bind(QHostAddress(QHostAddress::AnyIPv4), 0);
-    m_socket.writeDatagram(
+    m_socket.bind();
+    m_socket.send(
         protocol::rconRequest(server->record.rconPassword, m_exchanges[id].front().command),
         *address, server->record.port);
     timer->start(FirstPacketMs);

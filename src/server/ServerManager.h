@@ -1,13 +1,12 @@
 #pragma once
 
 #include "platform/Processes.h"
+#include "platform/UdpSocket.h"
 #include "server/LaunchRecords.h"
 #include "server/ServerProtocol.h"
 
-#include <QHostAddress>
 #include <QObject>
 #include <QTimer>
-#include <QUdpSocket>
 #include <deque>
 #include <functional>
 #include <memory>
@@ -106,7 +105,7 @@ private:
     void save();
     void sendNextExchange(const QString& id);
     void finishExchange(const QString& id);
-    static std::optional<QHostAddress> addressOf(const LaunchRecord& record);
+    static std::optional<quint32> addressOf(const LaunchRecord& record);
 
     AppContext& m_app;
     LaunchRecordFile m_file;
@@ -114,7 +113,7 @@ private:
     bool m_loaded = false;
     bool m_watched = false;
     QString m_fileProblem;
-    QUdpSocket m_socket;
+    UdpSocket m_socket;
     QTimer m_tick;
     QTimer m_stopTick;
     std::map<QString, std::deque<Exchange>> m_exchanges;
