@@ -156,6 +156,10 @@ void ShellTest::savesOnABrokenDisk_data() {
             QTest::addRow("%s: %s", fault, QByteArray(save).split('|')[0].constData())
                 << fault << save;
     }
+    // A record rewritten in place needs no room: only a read-only disk refuses it.
+    QTest::newRow("read-only: choose another map")
+        << "read-only"
+        << "choose||program/maps.dat|The rules shown for m1 could not be written";
 }
 
 // Every whole-file save on a disk that refuses it: the old file stays byte
@@ -214,6 +218,12 @@ void ShellTest::savesOnABrokenDisk() {
             window.form().cmdDefault->click();
         if (save.startsWith("config"))
             window.form().mnuFileMakeCfg->trigger();
+        if (save.startsWith("choose")) { // told at once, not only when closing
+            window.form().txtMapFragLimit->setText("5");
+            window.form().MapList->setCurrentRow(1);
+            QVERIFY(!platform.messages.shown.isEmpty() &&
+                    platform.messages.shown.last().text.contains(save.section('|', 3)));
+        }
         window.form().cmdAddSelMap->click(); // a selection that takes room to store
         window.close();
     }

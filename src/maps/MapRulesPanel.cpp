@@ -49,10 +49,16 @@ void MapRulesPanel::CommitShownMap() {
     writeShownMap();
 }
 
-bool MapRulesPanel::writeShownMap() {
-    m_catalogue.RecordBuffer =
-        makeMapRecord(ui.lblMap->text(), trimSpaces(ui.lblMapFilename->text()), shownRules());
-    return m_catalogue.writeRecord(m_catalogue.CurrentMapRecord);
+void MapRulesPanel::writeShownMap() {
+    const QString file = trimSpaces(ui.lblMapFilename->text());
+    m_catalogue.RecordBuffer = makeMapRecord(ui.lblMap->text(), file, shownRules());
+    if (!m_catalogue.writeRecord(m_catalogue.CurrentMapRecord)) {
+        m_app.platform.messages.tell(QStringLiteral("Warning"),
+                                     QStringLiteral("The rules shown for ") + file +
+                                         QStringLiteral(" could not be written to maps.dat:\r\r") +
+                                         m_catalogue.errorString(),
+                                     MsgIcon::Critical);
+    }
 }
 
 void MapRulesPanel::cmdDefault() {

@@ -22,8 +22,9 @@ public:
     // shown or the display name was blanked.
     void CommitShownMap();
     // The write itself: the boxes into record CurrentMapRecord, whatever the
-    // name box holds. False when the record could not be written.
-    bool writeShownMap();
+    // name box holds. When the record cannot be written the operator is told,
+    // naming the map and the reason, since the edits would be lost unseen.
+    void writeShownMap();
     // The shown values as rules.
     MapRules shownRules() const;
     // "Use Settings as Default": the shown rules become the defaults and the

@@ -81,13 +81,7 @@ void MapsController::commitOnClose() {
     const QString file = trimSpaces(ui.lblMapFilename->text());
     if (m_catalogue.CurrentMapRecord < 1 || m_catalogue.MapDataDamaged || file.isEmpty())
         return;
-    if (!m_rules->writeShownMap()) {
-        m_app.platform.messages.tell(QStringLiteral("Warning"),
-                                     QStringLiteral("The rules shown for ") + file +
-                                         QStringLiteral(" could not be written to maps.dat:\r\r") +
-                                         m_catalogue.errorString(),
-                                     MsgIcon::Critical);
-    }
+    m_rules->writeShownMap();
 }
 
 void MapsController::SaveMaps() {
