@@ -259,11 +259,17 @@ void ServerTest::addresses_data() {
     QTest::newRow("1.2.3, another host: not queried") << "1.2.3" << QString();
     for (const char* bad : {"256.1.1.1", "1.2.3.4.5", "localhost", "::1", "08.0.0.1"})
         QTest::newRow(bad) << bad << "not a numeric address";
+    // The port box names a taken port; the game says in its log where it went.
+    QTest::newRow("the game moved on to the next port") << "moved"
+                                                        << "oa_dm1";
 }
 
 void ServerTest::addresses() {
     QFETCH(QString, address);
     QFETCH(QString, shown);
+    const bool moved = address == "moved";
+    if (moved)
+        address = "127.0.0.1";
     QHostAddress qt; // the IPv4 forms Qt's parser took, and no others
     const bool ipv4 = qt.setAddress(address) && qt.protocol() == QAbstractSocket::IPv4Protocol;
     QCOMPARE(parseIpv4(address), ipv4 ? std::optional(qt.toIPv4Address()) : std::nullopt);
@@ -275,7 +281,17 @@ void ServerTest::addresses() {
     test::TestPlatform platform;
     ServerManager manager(*platform.app);
     manager.launch("q3", {}, platform.root(), {}, {}, QString::number(closed.localPort()), {});
-    manager.launch("q3", {}, platform.root(), {}, address, QString::number(game.localPort()), {});
+    const quint16 given = moved ? closed.localPort() : game.localPort();
+    manager.launch("q3", {}, platform.root(), {}, address, QString::number(given), {});
+    if (moved) {
+        platform.writeFile(manager.servers().first().record.logFile,
+                           QString("Opening IP socket: 127.0.0.1:%1\nWARNING: NET_IPSocket: bind: "
+                                   "Address already in use\nOpening IP socket: 127.0.0.1:%2\n"
+                                   "Opening IP6 socket: [::]:%2\nOpening IP socket: 127.0.0.1:1")
+                               .arg(given)
+                               .arg(game.localPort())
+                               .toUtf8());
+    }
     closed.close();
     manager.setWatched(true);
     if (shown == "oa_dm1" && game.waitForReadyRead(5000))

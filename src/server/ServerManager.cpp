@@ -227,11 +227,31 @@ void ServerManager::refresh() {
             emit serverChanged(server.record.id);
             continue;
         }
+        if (!server.live.portRead)
+            changed |= readOpenedPort(server);
         if (polled(server))
             query(server);
     }
     if (changed)
         save();
+}
+
+// Queries go where the game really listens, which the port box alone does
+// not tell: an empty box or a taken port moves it on. True when it moved.
+bool ServerManager::readOpenedPort(ServerEntry& server) {
+    constexpr qint64 Scanned = 64 * 1024; // the line comes within the first few lines
+    QFile log(server.record.logFile);
+    if (server.record.logFile.isEmpty() || !log.open(QIODevice::ReadOnly)) {
+        server.live.portRead = true; // asked on the port given
+        return false;
+    }
+    const QByteArray start = log.read(Scanned);
+    const auto port = protocol::openedPort(start);
+    server.live.portRead = port || start.size() >= Scanned;
+    if (!port || *port == server.record.port)
+        return false;
+    server.record.port = *port;
+    return true;
 }
 
 std::optional<quint32> ServerManager::addressOf(const LaunchRecord& record) {

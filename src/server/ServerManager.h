@@ -27,6 +27,7 @@ struct ServerLive {
     QDateTime stopAsked;
     bool asked = false; // the process was asked to end
     bool killed = false;
+    bool portRead = false; // the port the game opened was read from its log, or cannot be
 };
 
 struct ServerEntry {
@@ -101,6 +102,7 @@ private:
     bool startProcess(ServerEntry& server);
     bool alive(const LaunchRecord& record) const;
     bool polled(const ServerEntry& server) const;
+    bool readOpenedPort(ServerEntry& server);
     QString newLogFile(quint16 port) const;
     void save();
     void sendNextExchange(const QString& id);

@@ -192,4 +192,25 @@ QString gameTypeName(const QString& gameType) {
     return gameType.isEmpty() ? QString() : QStringLiteral("type ") + gameType;
 }
 
+std::optional<quint16> openedPort(const QByteArray& consoleOutput) {
+    std::optional<quint16> opened;
+    bool confirmed = false;
+    const QList<QByteArray> lines = consoleOutput.split('\n');
+    // The last piece is a line still being written.
+    for (qsizetype i = 0; i + 1 < lines.size(); ++i) {
+        const QByteArray line = lines[i].trimmed();
+        if (line.startsWith("Opening IP socket: ")) {
+            bool ok = false;
+            const uint port = line.mid(line.lastIndexOf(':') + 1).toUInt(&ok);
+            opened = ok && port > 0 && port <= 65535 ? std::optional(quint16(port)) : std::nullopt;
+            confirmed = false;
+        } else if (opened && !confirmed) {
+            confirmed = !line.startsWith("WARNING: NET_IPSocket");
+            if (!confirmed)
+                opened.reset();
+        }
+    }
+    return confirmed ? opened : std::nullopt;
+}
+
 } // namespace halvane::protocol

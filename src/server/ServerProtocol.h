@@ -59,4 +59,10 @@ QString colouredHtml(const QString& text);
 
 QString gameTypeName(const QString& gameType);
 
+// The UDP port the game opened, from the start of its console output: it
+// tries the next port while one is taken, whatever port it was given, and
+// says so ("Opening IP socket: 0.0.0.0:27961"). Nothing until a line after
+// the last such line shows that attempt was not refused.
+std::optional<quint16> openedPort(const QByteArray& consoleOutput);
+
 } // namespace halvane::protocol
