@@ -1,6 +1,7 @@
 #include "maps/ArchiveListing.h"
 
 #include <QFile>
+#include <QtEndian>
 #include <limits>
 #include <zlib.h>
 
@@ -27,16 +28,15 @@ constexpr qint64 LocalSize = 30;
 constexpr qint64 MaxDirectoryBytes = 64 << 20;
 
 quint16 le16(const char* p) {
-    const auto* b = reinterpret_cast<const uchar*>(p);
-    return quint16(b[0] | b[1] << 8);
+    return qFromLittleEndian<quint16>(p);
 }
 
 quint32 le32(const char* p) {
-    return quint32(le16(p)) | quint32(le16(p + 2)) << 16;
+    return qFromLittleEndian<quint32>(p);
 }
 
 quint64 le64(const char* p) {
-    return quint64(le32(p)) | quint64(le32(p + 4)) << 32;
+    return qFromLittleEndian<quint64>(p);
 }
 
 QByteArray readAt(QFile& file, qint64 offset, qint64 size) {
