@@ -112,23 +112,18 @@ void LaunchTest::makeWindow(Processes& processes) {
 
     LaunchHooks& hooks = window->launch().hooks();
     wired = hooks;
-    const auto saveParameters = hooks.saveParameterList;
-    const auto loadParameters = hooks.loadParameterList;
-    const auto validate = hooks.ValidateAll;
-    hooks.saveParameterList = [this, saveParameters] {
-        events << "save parameters";
-        saveParameters();
+    // Each step leaves its name in events; these three still do their work.
+    const auto recorded = [this](const char* event, auto step) {
+        return [this, event, step] {
+            events << event;
+            return step();
+        };
     };
-    hooks.loadParameterList = [this, loadParameters] {
-        events << "load parameters";
-        loadParameters();
-    };
+    hooks.saveParameterList = recorded("save parameters", hooks.saveParameterList);
+    hooks.loadParameterList = recorded("load parameters", hooks.loadParameterList);
+    hooks.ValidateAll = recorded("validate", hooks.ValidateAll);
     hooks.CommitShownMap = [this] { events << "commit map"; };
     hooks.MakeBotScript = [this] { events << "bot script"; };
-    hooks.ValidateAll = [this, validate] {
-        events << "validate";
-        return validate();
-    };
     hooks.WriteConfig = [this](const QString& path, bool withCommandLine, const QString& line) {
         events << "write " + path + (withCommandLine ? " with" : " without");
         writtenCommandLines << line;
