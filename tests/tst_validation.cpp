@@ -100,7 +100,6 @@ void ValidationTest::init() {
     applyValues(*f->window, Baseline);
     f->platform.messages.clear();
     f->platform.store->writes.clear();
-    f->platform.desktop.beeps = 0;
 }
 
 void ValidationTest::cleanup() {
