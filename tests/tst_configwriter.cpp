@@ -197,7 +197,6 @@ const std::tuple<const char*, Change, QStringList, QStringList> Branches[] = {
      [](ServerSettings& s) { s.logFile = s.dateLog = true, s.logFileName = "mine.log"; },
      {"seta g_log \"20260305-0709.log\""},
      {}},
-    {"team play is game 3", [](ServerSettings& s) { s.gameType = 2; }, {"seta g_gametype 3"}, {}},
     {"blanks inside a ping count for nothing",
      [](ServerSettings& s) { s.minPing = "0 50"; },
      {"seta sv_minPing 0 50", "seta sv_maxPing 0", "", "seta g_forcerespawn 20"},

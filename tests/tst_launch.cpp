@@ -15,8 +15,6 @@
 using namespace halvane;
 using namespace halvane::test;
 
-Q_DECLARE_METATYPE(LaunchOptions)
-
 namespace {
 
 const QDateTime Now{QDate(2000, 2, 5), QTime(17, 4, 40)};
@@ -68,10 +66,7 @@ private slots:
     void split_data();
     void split();
 
-    void stepsRunInOrder();
-    void fixedBotScript_data();
-    void fixedBotScript();
-    void duplicateServer();
+    void stepsRunInOrderAndAskBeforeASecondServer();
     void afterTheStart_data();
     void afterTheStart();
 
@@ -117,23 +112,18 @@ void LaunchTest::makeWindow(Processes& processes) {
 
     LaunchHooks& hooks = window->launch().hooks();
     wired = hooks;
-    const auto saveParameters = hooks.saveParameterList;
-    const auto loadParameters = hooks.loadParameterList;
-    const auto validate = hooks.ValidateAll;
-    hooks.saveParameterList = [this, saveParameters] {
-        events << "save parameters";
-        saveParameters();
+    // Each step leaves its name in events; these three still do their work.
+    const auto recorded = [this](const char* event, auto step) {
+        return [this, event, step] {
+            events << event;
+            return step();
+        };
     };
-    hooks.loadParameterList = [this, loadParameters] {
-        events << "load parameters";
-        loadParameters();
-    };
+    hooks.saveParameterList = recorded("save parameters", hooks.saveParameterList);
+    hooks.loadParameterList = recorded("load parameters", hooks.loadParameterList);
+    hooks.ValidateAll = recorded("validate", hooks.ValidateAll);
     hooks.CommitShownMap = [this] { events << "commit map"; };
     hooks.MakeBotScript = [this] { events << "bot script"; };
-    hooks.ValidateAll = [this, validate] {
-        events << "validate";
-        return validate();
-    };
     hooks.WriteConfig = [this](const QString& path, bool withCommandLine, const QString& line) {
         events << "write " + path + (withCommandLine ? " with" : " without");
         writtenCommandLines << line;
@@ -163,74 +153,62 @@ void LaunchTest::setLaunchReady() {
     ui->txtCmdParameters->setEditText("");
 }
 
+// Type, N-0-P, memory, bots, password?, password, IP, port, parameters, CD?,
+// CD, admin name, mail, web site; and the line built from them.
+const std::tuple<const char*, LaunchOptions, const char*> CommandLines[] = {
+    {"every piece, afternoon in 24 hours",
+     {1, true, "48x", 2, true, "open sesame", "10.0.0.1", "",
+      "   +set fs_game osp +set sv_fps 30  ", true, "D:", "Ann Admin", "ann@example.org",
+      "http://example.org"},
+     " +set dedicated 1 +sets gamestartup \"02/05/2000 17:04\" +sets configured_by "
+     "Halvane_2.07 +set com_hunkmegs 48x +set g_password open sesame +set g_needpass 1 +set "
+     "net_ip 10.0.0.1 +set fs_game osp +set sv_fps 30 +set fs_cdpath D:\\Quake3\\ +sets "
+     "admin_name Ann Admin +sets admin_email ann@example.org +sets admin_website "
+     "http://example.org +exec halvane.cfg"},
+    {"listen server, bots disabled, address kept",
+     {0, false, "64", 0, false, "", "192.168.1.10", "27961", "", false, "", "", "", ""},
+     " +set dedicated 0 +sets configured_by Halvane_2.07 +set com_hunkmegs 64 +set "
+     "bot_enable 0 +set g_needpass 0 +set net_ip 192.168.1.10 +set net_port 27961 +exec "
+     "halvane.cfg"},
+    {"blank parameters, stored CD unused, mail without name",
+     {2, false, "32", 1, false, "", "", "", "    ", false, "E:", "", "only@mail", ""},
+     " +set dedicated 2 +sets configured_by Halvane_2.07 +set com_hunkmegs 32 +set "
+     "g_needpass 0 +sets admin_email only@mail +exec halvane.cfg"},
+    {"nothing chosen, empty password",
+     {-1, false, "", -1, true, "", "", "", "", false, "", "", "", ""},
+     " +sets configured_by Halvane_2.07 +set com_hunkmegs  +set g_password  +set g_needpass 1 "
+     "+exec halvane.cfg"},
+};
+
 void LaunchTest::commandLine_data() {
-    QTest::addColumn<LaunchOptions>("options");
-    QTest::addColumn<QString>("expected");
-    // Type, N-0-P, memory, bots, password?, password, IP, port, parameters,
-    // CD?, CD, admin name, mail, web site.
-    const struct {
-        const char* name;
-        LaunchOptions options;
-        const char* expected;
-    } rows[] = {
-        {"every piece, afternoon in 24 hours",
-         {1, true, "48x", 2, true, "open sesame", "10.0.0.1", "",
-          "   +set fs_game osp +set sv_fps 30  ", true, "D:", "Ann Admin", "ann@example.org",
-          "http://example.org"},
-         " +set dedicated 1 +sets gamestartup \"02/05/2000 17:04\" +sets configured_by "
-         "Halvane_2.07 +set com_hunkmegs 48x +set g_password open sesame +set g_needpass 1 +set "
-         "net_ip 10.0.0.1 +set fs_game osp +set sv_fps 30 +set fs_cdpath D:\\Quake3\\ +sets "
-         "admin_name Ann Admin +sets admin_email ann@example.org +sets admin_website "
-         "http://example.org +exec halvane.cfg"},
-        {"listen server, bots disabled, address kept",
-         {0, false, "64", 0, false, "", "192.168.1.10", "27961", "", false, "", "", "", ""},
-         " +set dedicated 0 +sets configured_by Halvane_2.07 +set com_hunkmegs 64 +set "
-         "bot_enable 0 +set g_needpass 0 +set net_ip 192.168.1.10 +set net_port 27961 +exec "
-         "halvane.cfg"},
-        {"blank parameters, stored CD unused, mail without name",
-         {2, false, "32", 1, false, "", "", "", "    ", false, "E:", "", "only@mail", ""},
-         " +set dedicated 2 +sets configured_by Halvane_2.07 +set com_hunkmegs 32 +set "
-         "g_needpass 0 +sets admin_email only@mail +exec halvane.cfg"},
-        {"nothing chosen, empty password",
-         {-1, false, "", -1, true, "", "", "", "", false, "", "", "", ""},
-         " +sets configured_by Halvane_2.07 +set com_hunkmegs  +set g_password  +set g_needpass 1 "
-         "+exec halvane.cfg"},
-    };
-    for (const auto& row : rows)
-        QTest::newRow(row.name) << row.options << QString(row.expected);
+    addRows(CommandLines);
 }
 
 void LaunchTest::commandLine() {
-    QFETCH(LaunchOptions, options);
-    QFETCH(QString, expected);
-    QCOMPARE(buildCommandLine(options, Now), expected);
+    const auto& [name, options, expected] = fetchRow(CommandLines);
+    QCOMPARE(buildCommandLine(options, Now), QString(expected));
 }
 
+// A line and the arguments it splits into.
+const std::tuple<const char*, const char*, QStringList> Splits[] = {
+    {"blanks only", "   \t ", {}},
+    {"runs of blanks and tabs, backslashes", " a  D:\\Q3\\\t\tc ", {"a", "D:\\Q3\\", "c"}},
+    {"quotes inside a word", "a\"b c\"d e", {"ab cd", "e"}},
+    {"empty quotes", "a \"\" b", {"a", "", "b"}},
+    {"unclosed quote runs to the end", "a \"b  c", {"a", "b  c"}},
+};
+
 void LaunchTest::split_data() {
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<QStringList>("arguments");
-    const struct {
-        const char* name;
-        const char* line;
-        QStringList arguments;
-    } rows[] = {
-        {"blanks only", "   \t ", {}},
-        {"runs of blanks and tabs, backslashes", " a  D:\\Q3\\\t\tc ", {"a", "D:\\Q3\\", "c"}},
-        {"quotes inside a word", "a\"b c\"d e", {"ab cd", "e"}},
-        {"empty quotes", "a \"\" b", {"a", "", "b"}},
-        {"unclosed quote runs to the end", "a \"b  c", {"a", "b  c"}},
-    };
-    for (const auto& row : rows)
-        QTest::newRow(row.name) << QString(row.line) << row.arguments;
+    addRows(Splits);
 }
 
 void LaunchTest::split() {
-    QFETCH(QString, line);
-    QFETCH(QStringList, arguments);
+    const auto& [name, line, arguments] = fetchRow(Splits);
     QCOMPARE(splitCommandLine(line), arguments);
 }
 
-void LaunchTest::stepsRunInOrder() {
+// Answering Yes to the duplicate question starts a second real server end to end.
+void LaunchTest::stepsRunInOrderAndAskBeforeASecondServer() {
     makeWindow(platform->processes);
     ui->txtCmdParameters->setEditText("+set sv_fps 30");
     ui->cmdStart->click();
@@ -258,47 +236,11 @@ void LaunchTest::stepsRunInOrder() {
     QCOMPARE(platform->store->read("Advanced", "Parameter0", ""), QStringLiteral("+set sv_fps 30"));
     QCOMPARE(ui->txtCmdParameters->count(), 1);
     QVERIFY(window->isVisible() && !window->isMinimized());
-}
+    QCOMPARE(platform->processes.activated, QList<qint64>{}); // no server before: nothing asked
 
-void LaunchTest::fixedBotScript_data() {
-    QTest::addColumn<int>("botType");
-    QTest::addColumn<bool>("random");
-    QTest::addColumn<bool>("written");
-    QTest::newRow("user-defined") << 1 << false << true;
-    QTest::newRow("user-defined, randomized") << 1 << true << false;
-    QTest::newRow("disabled") << 0 << false << false;
-    QTest::newRow("automatic") << 2 << false << false;
-}
-
-void LaunchTest::fixedBotScript() {
-    QFETCH(int, botType);
-    QFETCH(bool, random);
-    QFETCH(bool, written);
-    makeWindow(platform->processes);
-    ui->cmbBotType->setCurrentIndex(botType);
-    ui->chkAutoSelectBots->setChecked(random);
-    ui->txtServerName->clear(); // validation refuses: the script is written all the same
-    ui->cmdStart->click();
-    QCOMPARE(events.contains("bot script"), written);
-    QCOMPARE(events.last(), QStringLiteral("ask Warning!"));
-    // A refused validation ends the launch: nothing written, nothing started.
-    QCOMPARE(writtenCommandLines.size(), 0);
-    QVERIFY(!QFile::exists(platform->gameFolder() + "/baseq3/halvane.cfg"));
-    QCOMPARE(platform->processes.started.size(), 0);
-    QCOMPARE(platform->desktop.busyDepth, 0);
-    QCOMPARE(window->launch().ServerTaskID, qint64(0));
-}
-
-// Answering No; the Yes path starts a second real server end to end.
-void LaunchTest::duplicateServer() {
-    makeWindow(platform->processes);
-    // No server yet: nothing to ask about, nothing activated.
-    ui->cmdStart->click();
-    QCOMPARE(platform->processes.activated, QList<qint64>{});
-    QCOMPARE(platform->messages.shown.size(), 0);
-
+    // A second start while that server runs asks first; No ends it there.
     events.clear();
-    QFile::remove(platform->gameFolder() + "/baseq3/halvane.cfg");
+    QFile::remove(config);
     platform->messages.answers = {MsgAnswer::No};
     ui->cmdStart->click();
     QCOMPARE(platform->processes.activated, QList<qint64>{1000});
@@ -313,7 +255,7 @@ void LaunchTest::duplicateServer() {
     QVERIFY(platform->desktop.busyCalls >= 4); // the pointer was busy while asking the system
     QCOMPARE(events, (QStringList{"save parameters", "load parameters", "commit map",
                                   "ask Duplicate Server Confirmation"}));
-    QVERIFY(!QFile::exists(platform->gameFolder() + "/baseq3/halvane.cfg"));
+    QVERIFY(!QFile::exists(config));
     QCOMPARE(platform->processes.started.size(), 1);
     QCOMPARE(window->launch().ServerTaskID, qint64(1000));
 
@@ -324,23 +266,35 @@ void LaunchTest::duplicateServer() {
     QCOMPARE(platform->processes.started.size(), 2);
 }
 
+// The fixed bot script is written for user-defined bots that are not random.
 void LaunchTest::afterTheStart_data() {
     QTest::addColumn<bool>("startState");
     QTest::addColumn<bool>("minimize"); // or close
-    QTest::newRow("stay, though close is chosen") << false << false;
-    QTest::newRow("minimise") << true << true;
-    QTest::newRow("close") << true << false;
+    QTest::addColumn<int>("botType");
+    QTest::addColumn<bool>("randomBots");
+    QTest::addColumn<bool>("botScript");
+    QTest::newRow("stay, though close is chosen; user-defined bots")
+        << false << false << 1 << false << true;
+    QTest::newRow("stay; automatic bots") << false << true << 2 << false << false;
+    QTest::newRow("minimise; user-defined random bots") << true << true << 1 << true << false;
+    QTest::newRow("close; bots disabled") << true << false << 0 << false << false;
 }
 
 void LaunchTest::afterTheStart() {
     QFETCH(bool, startState);
     QFETCH(bool, minimize);
+    QFETCH(int, botType);
+    QFETCH(bool, randomBots);
+    QFETCH(bool, botScript);
     makeWindow(platform->processes);
     ui->chkStartState->setChecked(startState);
     (minimize ? ui->optMinimize : ui->optClose)->setChecked(true);
+    ui->cmbBotType->setCurrentIndex(botType);
+    ui->chkAutoSelectBots->setChecked(randomBots);
     ui->txtCmdParameters->setEditText("+set typed 1");
     ui->cmdStart->click();
 
+    QCOMPARE(events.contains("bot script"), botScript);
     QCOMPARE(platform->processes.started.size(), 1);
     QCOMPARE(platform->desktop.busyDepth, 0);
     QCOMPARE(platform->messages.shown.size(), 0);
@@ -393,30 +347,25 @@ void LaunchTest::realStartRunsTheWrittenLine() {
     QVERIFY(QDir::currentPath() != folder); // our own folder did not move
 }
 
+// A fault and the message it gives, "<exe>" standing for the whole command.
+const std::tuple<const char*, const char*> Failures[] = {
+    {"folder vanishes after the write", "Error changing directories\r\rError:  2"},
+    {"folder vanishes before the write", "\r\rError:  2"},
+    {"writer fails", "\r\rError:  5"},
+    {"executable not executable", "<exe>\r\rError:  13"},
+    {"executable missing", "<exe>\r\rError:  2"},
+    {"executable cannot run", "<exe>\r\rError:  5"}, // executable by its mode, but no program
+    // Refused before anything is written; the fixed bot script is written all the same.
+    {"validation refuses", "Server name is required"},
+};
+
 void LaunchTest::failures_data() {
-    QTest::addColumn<QString>("fault");
-    QTest::addColumn<QString>("stepText"); // "<exe>" stands for the whole command
-    QTest::addColumn<int>("code");
-    const struct {
-        const char* fault;
-        const char* stepText;
-        int code;
-    } rows[] = {
-        {"folder vanishes after the write", "Error changing directories", 2},
-        {"folder vanishes before the write", "", 2},
-        {"writer fails", "", 5},
-        {"executable not executable", "<exe>", 13},
-        {"executable missing", "<exe>", 2},
-        {"executable cannot run", "<exe>", 5}, // executable by its mode, but no program
-    };
-    for (const auto& row : rows)
-        QTest::newRow(row.fault) << QString(row.fault) << QString(row.stepText) << row.code;
+    addRows(Failures);
 }
 
 void LaunchTest::failures() {
-    QFETCH(QString, fault);
-    QFETCH(QString, stepText);
-    QFETCH(int, code);
+    const auto& [name, told] = fetchRow(Failures);
+    const QString fault = name;
     makeStandInGame(*platform);
     makeWindow(realProcesses);
     const QString exe = platform->gameFolder() + "/quake3.exe";
@@ -438,14 +387,17 @@ void LaunchTest::failures() {
         platform->writeFile(exe, QByteArray("\x01\x02 not a program\r\n"));
     if (fault == "executable not executable")
         QFile::setPermissions(exe, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    if (fault == "validation refuses")
+        ui->txtServerName->clear();
 
     ui->cmdStart->click();
 
-    if (stepText == "<exe>")
-        stepText = "quake3.exe" + writtenCommandLines.value(0);
     QCOMPARE(onlyMessage(platform->messages),
-             message("Warning!", stepText + "\r\rError:  " + QString::number(code), MsgButtons::Ok,
-                     MsgIcon::Critical));
+             message("Warning!",
+                     QString(told).replace("<exe>", "quake3.exe" + writtenCommandLines.value(0)),
+                     MsgButtons::Ok, MsgIcon::Critical));
+    QCOMPARE(writtenCommandLines.isEmpty(), fault == "validation refuses");
+    QVERIFY(events.contains("bot script"));
     QCOMPARE(platform->desktop.busyDepth, 0);
     QCOMPARE(window->launch().ServerTaskID, qint64(0));
     // Nothing was started: the stand-in would have left its record.

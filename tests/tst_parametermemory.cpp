@@ -40,71 +40,54 @@ struct BrokenStore : RecordingStore {
     }
 };
 
+// The parameter box, the CD boxes and the memory over a real settings file.
+struct Fixture {
+    TestPlatform platform;
+    QComboBox combo;
+    QCheckBox specifyCd;
+    QLineEdit cdDrive;
+    std::unique_ptr<ParameterMemory> memory = remake();
+    Fixture() { combo.setEditable(true); }
+    std::unique_ptr<ParameterMemory> remake() {
+        return std::make_unique<ParameterMemory>(combo, specifyCd, cdDrive, *platform.app);
+    }
+    void store(const QStringList& parameters, const QString& cdLine) {
+        for (int i = 0; i < parameters.size(); ++i) {
+            if (!parameters[i].isEmpty())
+                platform.ini->write("Advanced", QStringLiteral("Parameter%1").arg(i),
+                                    parameters[i]);
+        }
+        platform.ini->write("Advanced", "CDLine", cdLine);
+        platform.ini->flush();
+    }
+    QStringList storedParameters() {
+        platform.reopenStore();
+        QStringList result;
+        for (int i = 0; i < 11; ++i)
+            result << platform.store->read("Advanced", QStringLiteral("Parameter%1").arg(i), "");
+        return result;
+    }
+};
+
 } // namespace
 
 class ParameterMemoryTest : public QObject {
     Q_OBJECT
 private slots:
-    void init();
-    void cleanup();
     void loadingSkipsEmptyLinesAndNeverReadsTheEleventh();
     void saving_data();
     void saving();
     void cdDriveLoading_data();
     void cdDriveLoading();
-
-private:
-    void store(const QStringList& parameters, const QString& cdLine = QString());
-    QStringList storedParameters(int count = 11);
-
-    std::unique_ptr<TestPlatform> platform;
-    std::unique_ptr<QComboBox> combo;
-    std::unique_ptr<QCheckBox> specifyCd;
-    std::unique_ptr<QLineEdit> cdDrive;
-    std::unique_ptr<ParameterMemory> memory;
 };
 
-void ParameterMemoryTest::init() {
-    platform = std::make_unique<TestPlatform>();
-    combo = std::make_unique<QComboBox>();
-    combo->setEditable(true);
-    specifyCd = std::make_unique<QCheckBox>();
-    cdDrive = std::make_unique<QLineEdit>();
-    memory = std::make_unique<ParameterMemory>(*combo, *specifyCd, *cdDrive, *platform->app);
-}
-
-void ParameterMemoryTest::cleanup() {
-    memory.reset();
-    combo.reset();
-    specifyCd.reset();
-    cdDrive.reset();
-    platform.reset();
-}
-
-void ParameterMemoryTest::store(const QStringList& parameters, const QString& cdLine) {
-    for (int i = 0; i < parameters.size(); ++i) {
-        if (!parameters[i].isEmpty())
-            platform->ini->write("Advanced", QStringLiteral("Parameter%1").arg(i), parameters[i]);
-    }
-    if (!cdLine.isNull())
-        platform->ini->write("Advanced", "CDLine", cdLine);
-    platform->ini->flush();
-}
-
-QStringList ParameterMemoryTest::storedParameters(int count) {
-    platform->reopenStore();
-    QStringList result;
-    for (int i = 0; i < count; ++i)
-        result << platform->store->read("Advanced", QStringLiteral("Parameter%1").arg(i), "");
-    return result;
-}
-
 void ParameterMemoryTest::loadingSkipsEmptyLinesAndNeverReadsTheEleventh() {
-    store({"", "b", "", "d", "", "", "", "", "", "j", "k"}, "typed last time");
-    combo->addItem("left over");
-    memory->loadParameterList();
-    QCOMPARE(comboList(*combo), (QStringList{"b", "d", "j"}));
-    QCOMPARE(combo->currentText(), QStringLiteral("typed last time"));
+    Fixture f;
+    f.store({"", "b", "", "d", "", "", "", "", "", "j", "k"}, "typed last time");
+    f.combo.addItem("left over");
+    f.memory->loadParameterList();
+    QCOMPARE(comboList(f.combo), (QStringList{"b", "d", "j"}));
+    QCOMPARE(f.combo.currentText(), QStringLiteral("typed last time"));
 }
 
 void ParameterMemoryTest::saving_data() {
@@ -131,22 +114,23 @@ void ParameterMemoryTest::saving() {
     QFETCH(QStringList, afterwards);
     QFETCH(QStringList, offeredNext);
 
-    store(stored, "old line");
-    memory->loadParameterList();
-    combo->setEditText(text);
-    platform->store->writes.clear();
-    memory->saveParameterList();
+    Fixture f;
+    f.store(stored, "old line");
+    f.memory->loadParameterList();
+    f.combo.setEditText(text);
+    f.platform.store->writes.clear();
+    f.memory->saveParameterList();
 
     // "CDLine" holds the text as typed, blanks included, every time.
-    QVERIFY(platform->store->writes.contains("Advanced/CDLine=" + text));
-    QCOMPARE(storedParameters(), afterwards);
-    QCOMPARE(platform->store->read("Advanced", "CDLine", "<none>"), text);
+    QVERIFY(f.platform.store->writes.contains("Advanced/CDLine=" + text));
+    QCOMPARE(f.storedParameters(), afterwards);
+    QCOMPARE(f.platform.store->read("Advanced", "CDLine", "<none>"), text);
 
     // What the launch shows right after saving.
-    memory = std::make_unique<ParameterMemory>(*combo, *specifyCd, *cdDrive, *platform->app);
-    memory->loadParameterList();
-    QCOMPARE(comboList(*combo), offeredNext);
-    QCOMPARE(combo->currentText(), text);
+    f.memory = f.remake();
+    f.memory->loadParameterList();
+    QCOMPARE(comboList(f.combo), offeredNext);
+    QCOMPARE(f.combo.currentText(), text);
 }
 
 void ParameterMemoryTest::cdDriveLoading_data() {
@@ -161,19 +145,21 @@ void ParameterMemoryTest::cdDriveLoading_data() {
 void ParameterMemoryTest::cdDriveLoading() {
     QFETCH(bool, checked);
     QFETCH(bool, broken);
-    platform->ini->write("Advanced", "CDLetter", "E:");
-    BrokenStore brokenStore(*platform->ini);
-    AppContext app{{platform->messages, platform->dialogs, platform->processes, platform->shell,
-                    platform->desktop, broken ? brokenStore : *platform->store, *platform->folder},
+    Fixture f;
+    f.platform.ini->write("Advanced", "CDLetter", "E:");
+    BrokenStore brokenStore(*f.platform.ini);
+    TestPlatform& p = f.platform;
+    AppContext app{{p.messages, p.dialogs, p.processes, p.shell, p.desktop,
+                    broken ? brokenStore : *p.store, *p.folder},
                    AppState{}};
-    ParameterMemory loading(*combo, *specifyCd, *cdDrive, app);
-    cdDrive->setText("X:");
-    cdDrive->setEnabled(!checked);
-    specifyCd->setChecked(checked);
+    ParameterMemory loading(f.combo, f.specifyCd, f.cdDrive, app);
+    f.cdDrive.setText("X:");
+    f.cdDrive.setEnabled(!checked);
+    f.specifyCd.setChecked(checked);
     loading.loadCdDrive();
-    QCOMPARE(cdDrive->text(), QString(broken ? "C:" : "E:"));
-    QCOMPARE(cdDrive->isEnabled(), checked);
-    QCOMPARE(onlyMessage(platform->messages),
+    QCOMPARE(f.cdDrive.text(), QString(broken ? "C:" : "E:"));
+    QCOMPARE(f.cdDrive.isEnabled(), checked);
+    QCOMPARE(onlyMessage(p.messages),
              broken ? message("Warning!",
                               "Halvane was unable to locate a valid CD Rom drive.\r\rThe C: Drive "
                               "has been selected by default.",
