@@ -57,8 +57,6 @@ private slots:
     void recordLayoutByteForByte();
     void countFollowsWholeRecords_data();
     void countFollowsWholeRecords();
-    void findMap_data();
-    void findMap();
     void writeDeleteAndAppend();
     void startUpCheck_data();
     void startUpCheck();
@@ -87,22 +85,37 @@ void MapDataTest::recordLayoutByteForByte() {
 void MapDataTest::countFollowsWholeRecords_data() {
     QTest::addColumn<QByteArray>("content"); // maps.dat; "<none>": no file at all
     QTest::addColumn<int>("records");
-    QTest::addColumn<int>("found"); // the number q3dm1 is found at
-    const QByteArray three = catalogueOf({"q3dm1", "q3dm2", "q3dm3"});
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("found"); // the number the name is found at
+    const QByteArray three = catalogueOf({"q3dm1", "q3ctf1", "q3tourney2"});
     QByteArray garbage;
     for (int i = 0; i < 1000; ++i)
         garbage.append(char((i * 37 + 11) % 256));
-    QTest::newRow("missing file") << QByteArray("<none>") << 0 << -1;
-    QTest::newRow("empty") << QByteArray() << 0 << -1;
-    QTest::newRow("70 bytes") << three.left(70) << 0 << -1;
-    QTest::newRow("141 bytes") << three.left(141) << 1 << 1;
-    QTest::newRow("two records") << three.left(142) << 2 << 1;
-    QTest::newRow("garbage") << garbage << 1000 / 71 << -1;
+    const auto row = [](const char* name, const QByteArray& content, int records,
+                        const QString& map,
+                        int found) { QTest::newRow(name) << content << records << map << found; };
+    row("missing file", "<none>", 0, "q3dm1", -1);
+    row("empty", QByteArray(), 0, "q3dm1", -1);
+    row("70 bytes", three.left(70), 0, "q3dm1", -1);
+    row("141 bytes", three.left(141), 1, "q3dm1", 1);
+    row("two records", three.left(142), 2, "q3dm1", 1);
+    row("garbage", garbage, 1000 / 71, "q3dm1", -1);
+    row("capitals", three, 3, "Q3CTF1", 2);
+    row("spaces around", three, 3, "  q3tourney2  ", 3);
+    row("part of a name", three, 3, "q3dm", -1);
+    row("accented capitals", catalogueOf({"q3dm1", QStringLiteral(u"\u00c9TAPE")}), 2,
+        QStringLiteral(u"\u00e9tape"), 2);
+    row("no single byte", three, 3, QStringLiteral(u"q3dm1\u0100"), -1);
+    row("duplicate gives the lower", catalogueOf({"a", "dup", "b", "DUP"}), 4, "dup", 2);
+    row("deleted slot never matches", catalogueOf({"", "q3dm1"}), 2, "q3dm1", 2);
+    row("blank finds the first deleted", catalogueOf({"q3dm1", "", ""}), 3, "   ", 2);
+    row("blank without deleted slots", three, 3, "", -1);
 }
 
 void MapDataTest::countFollowsWholeRecords() {
     QFETCH(QByteArray, content);
     QFETCH(int, records);
+    QFETCH(QString, name);
     QFETCH(int, found);
     TestPlatform platform;
     const QString path = platform.programFolder() + "/maps.dat";
@@ -112,39 +125,12 @@ void MapDataTest::countFollowsWholeRecords() {
     MapCatalogue catalogue(platform.programFolder());
     QCOMPARE(int(catalogue.CountMaps()), records);
     QCOMPARE(int(catalogue.snapshot().count()), records);
-    QCOMPARE(int(catalogue.FindMap("q3dm1")), found);
+    QCOMPARE(int(catalogue.FindMap(name)), found);
+    QCOMPARE(int(catalogue.snapshot().find(name)), found);
     QVERIFY(records == 0 || catalogue.readRecord(qint16(records)));
     // Nothing is changed; counting creates a missing file.
     QVERIFY(QFileInfo(path).isFile());
     QCOMPARE(readAll(path), content == "<none>" ? QByteArray() : content);
-}
-
-void MapDataTest::findMap_data() {
-    QTest::addColumn<QStringList>("files");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("number");
-    const QStringList three{"q3dm1", "q3ctf1", "q3tourney2"};
-    QTest::newRow("capitals") << three << "Q3CTF1" << 2;
-    QTest::newRow("spaces around") << three << "  q3tourney2  " << 3;
-    QTest::newRow("part of a name") << three << "q3dm" << -1;
-    QTest::newRow("accented capitals") << QStringList{"q3dm1", QStringLiteral(u"\u00c9TAPE")}
-                                       << QStringLiteral(u"\u00e9tape") << 2;
-    QTest::newRow("no single byte") << three << QStringLiteral(u"q3dm1\u0100") << -1;
-    QTest::newRow("duplicate gives the lower") << QStringList{"a", "dup", "b", "DUP"} << "dup" << 2;
-    QTest::newRow("deleted slot never matches") << QStringList{"", "q3dm1"} << "q3dm1" << 2;
-    QTest::newRow("blank finds the first deleted") << QStringList{"q3dm1", "", ""} << "   " << 2;
-    QTest::newRow("blank without deleted slots") << three << "" << -1;
-}
-
-void MapDataTest::findMap() {
-    QFETCH(QStringList, files);
-    QFETCH(QString, name);
-    QFETCH(int, number);
-    TestPlatform platform;
-    platform.writeFile(platform.programFolder() + "/maps.dat", catalogueOf(files));
-    MapCatalogue catalogue(platform.programFolder());
-    QCOMPARE(int(catalogue.FindMap(name)), number);
-    QCOMPARE(int(catalogue.snapshot().find(name)), number);
 }
 
 void MapDataTest::writeDeleteAndAppend() {
