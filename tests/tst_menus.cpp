@@ -154,20 +154,16 @@ void MenusTest::f8ShowsAboutAndDisablesTheTabLeft() {
     Fixture f;
     auto& ui = f.ui();
     ui.SSTab1->setCurrentIndex(3);
-    for (QWidget* frame :
-         {(QWidget*)ui.Frame7, (QWidget*)ui.Frame1, (QWidget*)ui.Frame8, (QWidget*)ui.Frame9})
-        QVERIFY(frame->isEnabled());
+    const QList<QWidget*> options{ui.Frame7, ui.Frame1, ui.Frame8, ui.Frame9};
+    QVERIFY(std::all_of(options.begin(), options.end(), std::mem_fn(&QWidget::isEnabled)));
     ui.SSTab1->tabBar()->setFocus();
     QTest::keyClick(f.window.get(), Qt::Key_F8);
     QCOMPARE(ui.SSTab1->currentIndex(), 5);
-    for (QWidget* frame :
-         {(QWidget*)ui.Frame7, (QWidget*)ui.Frame1, (QWidget*)ui.Frame8, (QWidget*)ui.Frame9})
-        QVERIFY2(!frame->isEnabled(), qPrintable(frame->objectName()));
+    QVERIFY(std::none_of(options.begin(), options.end(), std::mem_fn(&QWidget::isEnabled)));
     // Back on General, its frames are usable again.
     QTest::keyClick(f.window.get(), Qt::Key_F2);
-    for (QWidget* frame :
-         {(QWidget*)ui.Frame4, (QWidget*)ui.Frame6, (QWidget*)ui.Frame3, (QWidget*)ui.Frame2})
-        QVERIFY(frame->isEnabled());
+    for (QWidget* frame : {ui.Frame4, ui.Frame6, ui.Frame3, ui.Frame2})
+        QVERIFY2(frame->isEnabled(), qPrintable(frame->objectName()));
 }
 
 void MenusTest::shiftClickOnTabStripShowsHiddenWindow_data() {
