@@ -100,8 +100,6 @@ class TestForms : public QObject {
 
 private slots:
     void initTestCase();
-    void init();
-    void cleanup();
 
     void tabCaptions();
     void screenReaderMeetsEveryControl_data();
@@ -137,16 +135,10 @@ void TestForms::initTestCase() {
     m_readerRoots.append(&m_window->servers().serverWindow());
 }
 
-void TestForms::init() {
+// A fresh window from the form alone, so nothing the program does sizes it.
+void TestForms::showMainWindow(int height) {
     m_main.reset(new QMainWindow);
     m_mainUi.setupUi(m_main.data());
-}
-
-void TestForms::cleanup() {
-    m_main.reset();
-}
-
-void TestForms::showMainWindow(int height) {
     m_main->resize(m_main->width(), height);
     m_main->show();
     QVERIFY(QTest::qWaitForWindowExposed(m_main.data()));
@@ -161,11 +153,12 @@ void TestForms::showMainWindow(int height) {
 void TestForms::tabCaptions() {
     const QStringList tabs{" &General  |Frame4", "&Bots |Frame16",       " &Maps  |Picture3",
                            " &Options  |Frame1", " A&dvanced  |Frame10", " &About  |lblVersion"};
-    QCOMPARE(m_mainUi.SSTab1->count(), tabs.size());
+    const QTabWidget* tab = m_window->form().SSTab1;
+    QCOMPARE(tab->count(), tabs.size());
     for (int i = 0; i < tabs.size(); ++i) {
-        QCOMPARE(m_mainUi.SSTab1->tabText(i), tabs[i].section('|', 0, 0));
-        QVERIFY(m_mainUi.SSTab1->widget(i)->isAncestorOf(
-            m_main->findChild<QWidget*>(tabs[i].section('|', 1))));
+        QCOMPARE(tab->tabText(i), tabs[i].section('|', 0, 0));
+        QVERIFY(
+            tab->widget(i)->isAncestorOf(m_window->findChild<QWidget*>(tabs[i].section('|', 1))));
     }
 }
 
