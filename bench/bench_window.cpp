@@ -8,8 +8,8 @@
 #include "maps/GameFileListing.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapsController.h"
+#include "ui/MainForm.h"
 #include "ui/MainWindow.h"
-#include "ui_frmMain.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -87,7 +87,7 @@ bool runOnce(int size, Timings& timings) {
     window.resize(720, 430);
     window.showMainWindow();
     settle();
-    Ui::frmMain& ui = window.form();
+    MainForm& ui = window.form();
     auto time = [&](const char* what, const std::function<void()>& work) {
         timings[what].push_back(timed(work));
     };

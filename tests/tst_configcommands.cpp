@@ -3,7 +3,7 @@
 #include "TestSupport.h"
 
 #include "config/ConfigFileCommands.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 #include <QtTest>
 
@@ -21,7 +21,7 @@ private slots:
 
 private:
     std::unique_ptr<WindowFixture> f;
-    Ui::frmMain* ui = nullptr;
+    MainForm* ui = nullptr;
     QStringList writes; // "path|with or without|command line" per call
     bool writerSucceeds = true;
 };

@@ -5,9 +5,9 @@
 #include "TestSupport.h"
 #include "server/ServerControl.h"
 #include "server/ServerWindow.h"
+#include "ui/MainForm.h"
 #include "ui/MainWindow.h"
 #include "ui/SecretWindow.h"
-#include "ui_frmMain.h"
 
 #include <QAccessible>
 #include <QDialog>

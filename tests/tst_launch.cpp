@@ -7,8 +7,8 @@
 #include "app/AppInfo.h"
 #include "launch/CommandLine.h"
 #include "launch/LaunchController.h"
+#include "ui/MainForm.h"
 #include "ui/MainWindow.h"
-#include "ui_frmMain.h"
 
 #include <QtTest>
 
@@ -81,7 +81,7 @@ private:
     std::unique_ptr<TestPlatform> platform;
     std::unique_ptr<AppContext> app; // the test platform, but with a chosen process starter
     std::unique_ptr<MainWindow> window;
-    Ui::frmMain* ui = nullptr;
+    MainForm* ui = nullptr;
     QtProcesses realProcesses;
     QStringList events;
     QStringList writtenCommandLines;

@@ -11,7 +11,7 @@
 #include "maps/MapEntryDelegate.h"
 #include "maps/MapPreview.h"
 #include "maps/MapsController.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 #include "ui_frmMap.h"
 
 #include <QScrollBar>
@@ -427,7 +427,7 @@ void MapSelectionTest::picturesInTheWindow() {
                              {"LEVELSHOTS/Y.TGA", targa(40, 30)}}));
     });
     MainWindow& window = *w.window;
-    Ui::frmMain& ui = w.ui();
+    MainForm& ui = w.ui();
     // The Maps tab shows the delivered default picture after start-up.
     ui.SSTab1->setCurrentIndex(2);
     QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap1);

@@ -10,8 +10,8 @@
 #include "maps/MapSelectionFile.h"
 #include "maps/MapsController.h"
 #include "settings/SettingsController.h"
+#include "ui/MainForm.h"
 #include "ui/MainWindow.h"
-#include "ui_frmMain.h"
 
 #include <QtTest>
 #include <random>
@@ -45,7 +45,7 @@ struct Monkey {
     }
     // One action, described; empty when the pick found nothing to act on.
     QString act(MainWindow& window) {
-        Ui::frmMain& ui = window.form();
+        MainForm& ui = window.form();
         const int kind = below(6);
         if (auto* button = kind == 0 ? any(reachable<QAbstractButton>()) : nullptr) {
             if (rolls(button))

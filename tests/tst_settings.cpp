@@ -4,7 +4,7 @@
 
 #include "settings/OptionCatalogue.h"
 #include "settings/SettingsController.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 #include <QtTest>
 
@@ -87,7 +87,7 @@ void SettingsTest::emptyStoreSavesEveryDefaultUntilARefusal() {
 
 void SettingsTest::saveThenLoadReproducesEveryValue() {
     Loaded run(5);
-    Ui::frmMain& ui = run.ui();
+    MainForm& ui = run.ui();
     int i = 0;
     for (QLineEdit* edit : run.window->findChildren<QLineEdit*>()) {
         if (edit->objectName().startsWith("txt") && !edit->objectName().startsWith("txtMap"))

@@ -3,7 +3,7 @@
 #include "TestSupport.h"
 
 #include "settings/Validation.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 #include <QClipboard>
 #include <QtTest>
@@ -89,7 +89,7 @@ private slots:
 
 private:
     std::unique_ptr<WindowFixture> f;
-    Ui::frmMain* ui = nullptr;
+    MainForm* ui = nullptr;
 };
 
 void ValidationTest::init() {

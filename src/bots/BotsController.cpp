@@ -4,7 +4,7 @@
 #include "bots/BotListFile.h"
 #include "bots/BotTables.h"
 #include "settings/TextForms.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 #include <QFocusEvent>
 
@@ -14,7 +14,7 @@ const QString BotsController::NoBotsTip =
     QStringLiteral("No bots selected.  Select the bots you want to add to your server, and then "
                    "click the 'Create Bot Script' button.");
 
-BotsController::BotsController(Ui::frmMain& form, BotTables& tables, AppContext& app, TipSetter tip)
+BotsController::BotsController(MainForm& form, BotTables& tables, AppContext& app, TipSetter tip)
     : ui(form), m_tables(tables), m_app(app), m_tip(std::move(tip)) {
     if (!m_tip)
         m_tip = [this](const QString& text) { ui.txtTip->setText(text); };

@@ -8,12 +8,9 @@
 
 class QListWidget;
 
-namespace Ui {
-class frmMain;
-}
-
 namespace halvane {
 
+struct MainForm;
 struct AppContext;
 class BotTables;
 
@@ -25,7 +22,7 @@ public:
     using TipSetter = std::function<void(const QString&)>;
 
     // tip puts a text on the tip line; by default it sets txtTip.
-    BotsController(Ui::frmMain& ui, BotTables& tables, AppContext& app, TipSetter tip = {});
+    BotsController(MainForm& ui, BotTables& tables, AppContext& app, TipSetter tip = {});
 
     // Empties BotList and fills it from botlist.txt beside the program.
     void LoadBotList();
@@ -46,7 +43,7 @@ private:
     void storeSkill(int index);
     void editBotList();
 
-    Ui::frmMain& ui;
+    MainForm& ui;
     BotTables& m_tables;
     AppContext& m_app;
     TipSetter m_tip;

@@ -2,7 +2,7 @@
 
 #include "app/AppContext.h"
 #include "bots/BotsController.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 namespace halvane {
 
@@ -17,7 +17,7 @@ bool ownEnabled(const QWidget* widget) {
 }
 } // namespace
 
-ServerSettings readServerSettings(const Ui::frmMain& ui, const BotTables& tables,
+ServerSettings readServerSettings(const MainForm& ui, const BotTables& tables,
                                   const AppState& state) {
     ServerSettings s;
     s.versionCaption = ui.lblVersion->text();
@@ -67,7 +67,7 @@ ServerSettings readServerSettings(const Ui::frmMain& ui, const BotTables& tables
     return s;
 }
 
-ConfigController::ConfigController(Ui::frmMain& form, BotTables& tables, MapCatalogue& catalogue,
+ConfigController::ConfigController(MainForm& form, BotTables& tables, MapCatalogue& catalogue,
                                    AppContext& app, RandomSource& random)
     : ui(form), m_tables(tables), m_app(app), m_bots(app.state, app.platform.messages, random),
       m_writer(app.state, app.platform.messages, catalogue, m_bots) {}

@@ -4,12 +4,9 @@
 #include "config/ConfigWriter.h"
 #include "config/ServerSettings.h"
 
-namespace Ui {
-class frmMain;
-}
-
 namespace halvane {
 
+struct MainForm;
 struct AppContext;
 struct AppState;
 class BotTables;
@@ -17,14 +14,14 @@ class MapCatalogue;
 class RandomSource;
 
 // The options of the main window as they stand now.
-ServerSettings readServerSettings(const Ui::frmMain& ui, const BotTables& tables,
+ServerSettings readServerSettings(const MainForm& ui, const BotTables& tables,
                                   const AppState& state);
 
 // What the launch and the File menu call to write the game's scripts: reads
 // the controls at the moment of the call and hands them to the writers.
 class ConfigController {
 public:
-    ConfigController(Ui::frmMain& ui, BotTables& tables, MapCatalogue& catalogue, AppContext& app,
+    ConfigController(MainForm& ui, BotTables& tables, MapCatalogue& catalogue, AppContext& app,
                      RandomSource& random);
 
     // Writes the server configuration to path (and the rotation and random
@@ -41,7 +38,7 @@ public:
     ConfigWriter& writer() { return m_writer; }
 
 private:
-    Ui::frmMain& ui;
+    MainForm& ui;
     BotTables& m_tables;
     AppContext& m_app;
     BotScriptWriter m_bots;

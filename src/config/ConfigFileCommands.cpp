@@ -1,7 +1,7 @@
 #include "config/ConfigFileCommands.h"
 
 #include "app/AppContext.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 namespace halvane {
 
@@ -10,7 +10,7 @@ const QString Success = QStringLiteral("Success!");
 const QString Failed = QStringLiteral("Warning!");
 } // namespace
 
-ConfigFileCommands::ConfigFileCommands(Ui::frmMain& ui, AppContext& app,
+ConfigFileCommands::ConfigFileCommands(MainForm& ui, AppContext& app,
                                        std::function<bool()> validateAll,
                                        WriteConfigFunction writeConfig, QObject* parent)
     : QObject(parent), ui(ui), m_app(app), m_validateAll(std::move(validateAll)),

@@ -3,12 +3,9 @@
 #include <QObject>
 #include <functional>
 
-namespace Ui {
-class frmMain;
-}
-
 namespace halvane {
 
+struct MainForm;
 struct AppContext;
 
 // Writes the server configuration to a path; withCommandLine adds the
@@ -21,7 +18,7 @@ using WriteConfigFunction =
 class ConfigFileCommands : public QObject {
     Q_OBJECT
 public:
-    ConfigFileCommands(Ui::frmMain& ui, AppContext& app, std::function<bool()> validateAll,
+    ConfigFileCommands(MainForm& ui, AppContext& app, std::function<bool()> validateAll,
                        WriteConfigFunction writeConfig, QObject* parent = nullptr);
 
     void setWriteConfig(WriteConfigFunction writeConfig) { m_writeConfig = std::move(writeConfig); }
@@ -34,7 +31,7 @@ public:
 private:
     bool write(const QString& path);
 
-    Ui::frmMain& ui;
+    MainForm& ui;
     AppContext& m_app;
     std::function<bool()> m_validateAll;
     WriteConfigFunction m_writeConfig;

@@ -2,11 +2,11 @@
 #include "settings/Positions.h"
 
 #include "app/AppInfo.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 namespace halvane {
 
-LaunchOptions launchOptionsFrom(const Ui::frmMain& ui) {
+LaunchOptions launchOptionsFrom(const MainForm& ui) {
     LaunchOptions options;
     options.serverType = ui.cmbServerType->currentIndex();
     options.nop = ui.chkNOP->isChecked();

@@ -4,11 +4,9 @@
 #include <QString>
 #include <QStringList>
 
-namespace Ui {
-class frmMain;
-}
-
 namespace halvane {
+
+struct MainForm;
 
 // What the game's command line is made of, read from the main window's
 // controls at the moment of a launch. Texts are as typed.
@@ -29,7 +27,7 @@ struct LaunchOptions {
     QString adminUrl;
 };
 
-LaunchOptions launchOptionsFrom(const Ui::frmMain& ui);
+LaunchOptions launchOptionsFrom(const MainForm& ui);
 
 // The text appended to the executable's name; every piece starts with a blank.
 QString buildCommandLine(const LaunchOptions& options, const QDateTime& now);

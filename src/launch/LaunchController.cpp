@@ -4,7 +4,7 @@
 #include "app/AppContext.h"
 #include "launch/CommandLine.h"
 #include "settings/TextForms.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 #include <QDir>
 #include <QFileInfo>
@@ -38,7 +38,7 @@ bool changeDrive(const QString& gameFolder, int& code) {
 }
 } // namespace
 
-LaunchController::LaunchController(Ui::frmMain& ui, AppContext& app, QWidget& window,
+LaunchController::LaunchController(MainForm& ui, AppContext& app, QWidget& window,
                                    LaunchHooks hooks, QObject* parent)
     : QObject(parent), ui(ui), m_app(app), m_window(window), m_hooks(std::move(hooks)) {
     connect(ui.cmdStart, &QAbstractButton::clicked, this, &LaunchController::cmdStart);

@@ -8,12 +8,9 @@
 
 class QWidget;
 
-namespace Ui {
-class frmMain;
-}
-
 namespace halvane {
 
+struct MainForm;
 struct AppContext;
 
 // What the launch reaches outside its own subsystem; the main window wires
@@ -39,7 +36,7 @@ class LaunchController : public QObject {
     Q_OBJECT
 public:
     // window is minimised or closed after a start when the operator asked for it.
-    LaunchController(Ui::frmMain& ui, AppContext& app, QWidget& window, LaunchHooks hooks,
+    LaunchController(MainForm& ui, AppContext& app, QWidget& window, LaunchHooks hooks,
                      QObject* parent = nullptr);
 
     LaunchHooks& hooks() { return m_hooks; }
@@ -55,7 +52,7 @@ private:
     void fail(const QString& stepText, int code);
     int configWriteErrorCode() const;
 
-    Ui::frmMain& ui;
+    MainForm& ui;
     AppContext& m_app;
     QWidget& m_window;
     LaunchHooks m_hooks;

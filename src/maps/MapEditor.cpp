@@ -3,7 +3,7 @@
 #include "app/AppContext.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapSelection.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 #include "ui_frmMap.h"
 
 namespace halvane {
@@ -13,7 +13,7 @@ const QString AddCaption = QStringLiteral("Add a Map");
 const QString EditCaption = QStringLiteral("Edit Map");
 } // namespace
 
-MapEditor::MapEditor(QWidget* owner, Ui::frmMain& main, MapCatalogue& catalogue, AppContext& app,
+MapEditor::MapEditor(QWidget* owner, MainForm& main, MapCatalogue& catalogue, AppContext& app,
                      MapSelection& selection)
     : QDialog(owner), ui(std::make_unique<Ui::frmMap>()), main(main), m_catalogue(catalogue),
       m_app(app), m_selection(selection) {

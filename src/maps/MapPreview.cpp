@@ -5,7 +5,7 @@
 #include "maps/GameFiles.h"
 #include "maps/MapRecord.h"
 #include "maps/WhenShown.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 #include <QBuffer>
 #include <QFile>
@@ -99,7 +99,7 @@ QImage readTarga(QByteArray bytes) {
     return reader.read();
 }
 
-MapPreview::MapPreview(Ui::frmMain& ui, AppContext& app, const GameFiles& archives)
+MapPreview::MapPreview(MainForm& ui, AppContext& app, const GameFiles& archives)
     : ui(ui), m_app(app), m_archives(archives),
       m_whenShown(std::make_unique<WhenShown>(*ui.stkMapPicture)) {}
 

@@ -7,12 +7,9 @@
 
 class QIODevice;
 
-namespace Ui {
-class frmMain;
-}
-
 namespace halvane {
 
+struct MainForm;
 struct AppContext;
 class GameFiles;
 class WhenShown;
@@ -42,7 +39,7 @@ QImage readTarga(QByteArray bytes);
 class MapPreview {
 public:
     // Pictures in the game's archives are found through archives.
-    MapPreview(Ui::frmMain& ui, AppContext& app, const GameFiles& archives);
+    MapPreview(MainForm& ui, AppContext& app, const GameFiles& archives);
     ~MapPreview();
 
     void showPreview(const QString& entry);
@@ -60,7 +57,7 @@ private:
     void drawTarga(const QImage& picture);
     void showEmpty();
 
-    Ui::frmMain& ui;
+    MainForm& ui;
     AppContext& m_app;
     const GameFiles& m_archives;
     QString m_shown;

@@ -2,7 +2,7 @@
 
 #include "app/AppContext.h"
 #include "maps/MapDefaults.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 namespace halvane {
 
@@ -10,7 +10,7 @@ namespace {
 const QString FailureTitle = QStringLiteral("Default Settings Not Applied");
 }
 
-MapRulesPanel::MapRulesPanel(Ui::frmMain& ui, MapCatalogue& catalogue, AppContext& app)
+MapRulesPanel::MapRulesPanel(MainForm& ui, MapCatalogue& catalogue, AppContext& app)
     : ui(ui), m_catalogue(catalogue), m_app(app) {
     ui.txtMapTimeLimit->setMaxLength(3);
     ui.txtMapFragLimit->setMaxLength(3);

@@ -2,19 +2,16 @@
 
 #include "maps/MapCatalogue.h"
 
-namespace Ui {
-class frmMain;
-}
-
 namespace halvane {
 
+struct MainForm;
 struct AppContext;
 
 // The rules of the shown map in the boxes of the Maps tab, their way back
 // into the map's record, and "Use Settings as Default".
 class MapRulesPanel {
 public:
-    MapRulesPanel(Ui::frmMain& ui, MapCatalogue& catalogue, AppContext& app);
+    MapRulesPanel(MainForm& ui, MapCatalogue& catalogue, AppContext& app);
 
     // Puts RecordBuffer's fields into the boxes.
     void ShowMap();
@@ -32,7 +29,7 @@ public:
     void cmdDefault();
 
 private:
-    Ui::frmMain& ui;
+    MainForm& ui;
     MapCatalogue& m_catalogue;
     AppContext& m_app;
 };

@@ -6,7 +6,7 @@
 #include "maps/MapPreview.h"
 #include "maps/MapRulesPanel.h"
 #include "maps/MapSelectionFile.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 #include <QMenu>
 #include <QMouseEvent>
@@ -45,7 +45,7 @@ QList<int> highlightedRows(const QListWidget& list) {
 }
 } // namespace
 
-MapSelection::MapSelection(Ui::frmMain& ui, MapCatalogue& catalogue, AppContext& app,
+MapSelection::MapSelection(MainForm& ui, MapCatalogue& catalogue, AppContext& app,
                            MapRulesPanel& rules, MapPreview& preview, const GameFiles& gameFiles,
                            QObject* parent)
     : QObject(parent), ui(ui), m_catalogue(catalogue), m_app(app), m_rules(rules),

@@ -4,12 +4,9 @@
 #include <QStringList>
 #include <functional>
 
-namespace Ui {
-class frmMain;
-}
-
 namespace halvane {
 
+struct MainForm;
 struct AppContext;
 class GameFiles;
 class MapCatalogue;
@@ -23,7 +20,7 @@ class MapRulesPanel;
 class MapSelection : public QObject {
     Q_OBJECT
 public:
-    MapSelection(Ui::frmMain& ui, MapCatalogue& catalogue, AppContext& app, MapRulesPanel& rules,
+    MapSelection(MainForm& ui, MapCatalogue& catalogue, AppContext& app, MapRulesPanel& rules,
                  MapPreview& preview, const GameFiles& gameFiles, QObject* parent = nullptr);
 
     // Fills both lists from the catalogue and mapsel.txt, sets the captions.
@@ -75,7 +72,7 @@ private:
     bool showChosen(const QString& entry);
     QString selectionFilePath() const;
 
-    Ui::frmMain& ui;
+    MainForm& ui;
     MapCatalogue& m_catalogue;
     AppContext& m_app;
     MapRulesPanel& m_rules;

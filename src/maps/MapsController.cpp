@@ -8,11 +8,11 @@
 #include "maps/MapPreview.h"
 #include "maps/MapRulesPanel.h"
 #include "maps/MapSelection.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 namespace halvane {
 
-MapsController::MapsController(QWidget& mainWindow, Ui::frmMain& ui, AppContext& app,
+MapsController::MapsController(QWidget& mainWindow, MainForm& ui, AppContext& app,
                                MapCatalogue& catalogue)
     : ui(ui), m_mainWindow(mainWindow), m_app(app), m_catalogue(catalogue),
       m_gameFiles(std::make_unique<GameFileListing>()) {

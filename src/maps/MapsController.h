@@ -7,13 +7,11 @@
 #include <functional>
 #include <memory>
 
-namespace Ui {
-class frmMain;
-}
 class QWidget;
 
 namespace halvane {
 
+struct MainForm;
 struct AppContext;
 class GameFileListing;
 class MapDiscovery;
@@ -29,7 +27,7 @@ class MapsController : public QObject {
 public:
     // The catalogue is the program's one map catalogue, shared with the
     // script writers, so every part sees the same shown map.
-    MapsController(QWidget& mainWindow, Ui::frmMain& ui, AppContext& app, MapCatalogue& catalogue);
+    MapsController(QWidget& mainWindow, MainForm& ui, AppContext& app, MapCatalogue& catalogue);
     ~MapsController() override;
 
     // Start-up steps, in the order the main window runs them.
@@ -68,7 +66,7 @@ public:
     std::function<void()> closeMainWindow;
 
 private:
-    Ui::frmMain& ui;
+    MainForm& ui;
     QWidget& m_mainWindow;
     AppContext& m_app;
     MapCatalogue& m_catalogue;

@@ -4,7 +4,7 @@
 #include "launch/LaunchController.h"
 #include "server/ServerManager.h"
 #include "server/ServerWindow.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 #include <QMainWindow>
 #include <QMenu>
@@ -14,7 +14,7 @@
 
 namespace halvane {
 
-ServerControl::ServerControl(QMainWindow& window, Ui::frmMain& ui, AppContext& app,
+ServerControl::ServerControl(QMainWindow& window, MainForm& ui, AppContext& app,
                              LaunchController& launch)
     : m_window(window), m_app(app), m_manager(std::make_unique<ServerManager>(app)) {
     auto* menu = new QMenu(QStringLiteral("Se&rver"), &window);

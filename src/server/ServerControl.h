@@ -7,12 +7,9 @@ class QAction;
 class QMainWindow;
 class QPushButton;
 
-namespace Ui {
-class frmMain;
-}
-
 namespace halvane {
 
+struct MainForm;
 struct AppContext;
 class LaunchController;
 class ServerManager;
@@ -24,7 +21,7 @@ class ServerWindow;
 class ServerControl : public QObject {
     Q_OBJECT
 public:
-    ServerControl(QMainWindow& window, Ui::frmMain& ui, AppContext& app, LaunchController& launch);
+    ServerControl(QMainWindow& window, MainForm& ui, AppContext& app, LaunchController& launch);
     ~ServerControl() override;
 
     ServerManager& manager() { return *m_manager; }

@@ -2,7 +2,7 @@
 #include "settings/Positions.h"
 
 #include "app/AppContext.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 namespace halvane {
 
@@ -15,7 +15,7 @@ void enable(std::initializer_list<QWidget*> widgets, bool enabled) {
 }
 } // namespace
 
-OptionInterlocks::OptionInterlocks(Ui::frmMain& ui, AppContext& app, QObject* parent)
+OptionInterlocks::OptionInterlocks(MainForm& ui, AppContext& app, QObject* parent)
     : QObject(parent), ui(ui), m_app(app) {
     connect(ui.cmbGameType, &QComboBox::currentIndexChanged, this,
             &OptionInterlocks::gameTypeClicked);

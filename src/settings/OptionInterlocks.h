@@ -3,12 +3,9 @@
 #include <QObject>
 #include <functional>
 
-namespace Ui {
-class frmMain;
-}
-
 namespace halvane {
 
+struct MainForm;
 struct AppContext;
 
 // Keeps dependent options usable or unusable to match the options they depend
@@ -17,7 +14,7 @@ struct AppContext;
 class OptionInterlocks : public QObject {
     Q_OBJECT
 public:
-    OptionInterlocks(Ui::frmMain& ui, AppContext& app, QObject* parent = nullptr);
+    OptionInterlocks(MainForm& ui, AppContext& app, QObject* parent = nullptr);
 
     void SetGameType();
     void UpdateWarmUpControls();
@@ -38,7 +35,7 @@ private:
     void gameTypeClicked();
     void demoRecordingClicked(bool checked);
 
-    Ui::frmMain& ui;
+    MainForm& ui;
     AppContext& m_app;
 };
 

@@ -3,7 +3,7 @@
 
 #include "app/AppContext.h"
 #include "settings/TextForms.h"
-#include "ui_frmMain.h"
+#include "ui/MainForm.h"
 
 #include <QFocusEvent>
 #include <QKeyEvent>
@@ -57,7 +57,7 @@ bool typesNothing(const QKeyEvent* key) {
 }
 } // namespace
 
-Validation::Validation(Ui::frmMain& ui, AppContext& app, std::function<bool()> saveSettings,
+Validation::Validation(MainForm& ui, AppContext& app, std::function<bool()> saveSettings,
                        QObject* parent)
     : QObject(parent), ui(ui), m_app(app), m_saveSettings(std::move(saveSettings)) {}
 

@@ -6,12 +6,9 @@
 
 class QLineEdit;
 
-namespace Ui {
-class frmMain;
-}
-
 namespace halvane {
 
+struct MainForm;
 struct AppContext;
 
 // The checks before the options are used: ValidateAll before a launch or a
@@ -21,7 +18,7 @@ class Validation : public QObject {
     Q_OBJECT
 public:
     // saveSettings stores every option; false when the store refused.
-    Validation(Ui::frmMain& ui, AppContext& app, std::function<bool()> saveSettings,
+    Validation(MainForm& ui, AppContext& app, std::function<bool()> saveSettings,
                QObject* parent = nullptr);
 
     // True when every check passed and the settings were stored.
@@ -45,7 +42,7 @@ private:
     void focusAdvancedBox(QLineEdit* box);
     bool refuseKey(QObject* watched, QEvent* event);
 
-    Ui::frmMain& ui;
+    MainForm& ui;
     AppContext& m_app;
     std::function<bool()> m_saveSettings;
     QList<QObject*> m_numeric;

@@ -2,8 +2,8 @@
 
 #include "app/AppContext.h"
 #include "app/AppInfo.h"
+#include "ui/MainForm.h"
 #include "ui/SecretWindow.h"
-#include "ui_frmMain.h"
 
 #include <QKeyEvent>
 #include <QMainWindow>
@@ -12,7 +12,7 @@
 
 namespace halvane {
 
-HelpMenu::HelpMenu(QMainWindow& window, Ui::frmMain& form, AppContext& app, QObject* parent)
+HelpMenu::HelpMenu(QMainWindow& window, MainForm& form, AppContext& app, QObject* parent)
     : QObject(parent), m_window(window), ui(form), m_app(app) {
     const auto site = [] { return AppInfo::productSiteAddress(); };
     connect(ui.mnuViewNews, &QAction::triggered, this,

@@ -8,12 +8,9 @@
 class QMainWindow;
 class QWidget;
 
-namespace Ui {
-class frmMain;
-}
-
 namespace halvane {
 
+struct MainForm;
 struct AppContext;
 
 // The View and Help menus, the help pages, the About tab's links, the N-0-P
@@ -22,7 +19,7 @@ struct AppContext;
 class HelpMenu : public QObject {
     Q_OBJECT
 public:
-    HelpMenu(QMainWindow& window, Ui::frmMain& ui, AppContext& app, QObject* parent = nullptr);
+    HelpMenu(QMainWindow& window, MainForm& ui, AppContext& app, QObject* parent = nullptr);
     ~HelpMenu() override;
 
     // Hands a help page, web address or mail link to the desktop; a failure
@@ -47,7 +44,7 @@ private:
     void makeLink(QWidget& label, std::function<QString()> target);
 
     QMainWindow& m_window;
-    Ui::frmMain& ui;
+    MainForm& ui;
     AppContext& m_app;
     QHash<QObject*, std::function<QString()>> m_links;
     QPointer<QWidget> m_secret;

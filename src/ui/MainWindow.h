@@ -4,15 +4,11 @@
 #include "launch/PathDialog.h"
 
 #include <QMainWindow>
-#include <functional>
 #include <memory>
-
-namespace Ui {
-class frmMain;
-}
 
 namespace halvane {
 
+struct MainForm;
 struct AppContext;
 class BotsController;
 class ConfigController;
@@ -45,7 +41,7 @@ public:
     void showMainWindow() override;
     void endProgram() override;
 
-    Ui::frmMain& form() { return *ui; }
+    MainForm& form() { return *ui; }
     PathDialog& pathDialog() { return *m_pathDialog; }
     SettingsController& settings() { return *m_settings; }
     OptionInterlocks& interlocks() { return *m_interlocks; }
@@ -69,9 +65,6 @@ public:
 
     bool SkipSaveOnClose = false;
 
-    // Told the name of each start-up and shut-down step as it begins.
-    std::function<void(const QString& step)> stepRecorder;
-
 protected:
     void closeEvent(QCloseEvent* event) override;
 
@@ -80,13 +73,9 @@ private:
     void unload();
     void cmdSetPath();
     void connectMenus();
-    void step(const char* name) {
-        if (stepRecorder)
-            stepRecorder(QString::fromLatin1(name));
-    }
 
     AppContext& m_app;
-    std::unique_ptr<Ui::frmMain> ui;
+    std::unique_ptr<MainForm> ui;
     BotTables m_botTables;
     std::unique_ptr<OptionInterlocks> m_interlocks;
     std::unique_ptr<StatusPanel> m_statusPanel;

@@ -1,7 +1,7 @@
 #include "ui/TipLine.h"
 
+#include "ui/MainForm.h"
 #include "ui/Tips.h"
-#include "ui_frmMain.h"
 
 #include <QComboBox>
 #include <QEvent>
@@ -20,7 +20,7 @@ bool isPartOfControl(const QObject& child) {
 }
 } // namespace
 
-TipLine::TipLine(QWidget& window, Ui::frmMain& form, QObject* parent)
+TipLine::TipLine(QWidget& window, MainForm& form, QObject* parent)
     : QObject(parent), m_window(window), ui(form) {
     const auto& tips = Tips::table();
     const auto& built = Tips::builtNames();

@@ -7,11 +7,9 @@
 class QLineEdit;
 class QWidget;
 
-namespace Ui {
-class frmMain;
-}
-
 namespace halvane {
+
+struct MainForm;
 
 // The tip line of the main window: mouse movement over a control of the tip
 // tables puts that control's tip on it, and the listed text boxes select
@@ -19,7 +17,7 @@ namespace halvane {
 class TipLine : public QObject {
     Q_OBJECT
 public:
-    TipLine(QWidget& window, Ui::frmMain& ui, QObject* parent = nullptr);
+    TipLine(QWidget& window, MainForm& ui, QObject* parent = nullptr);
 
     // Sets the tip line: the web site line for an empty text, the trademark
     // notice for "tm", otherwise t itself.
@@ -38,7 +36,7 @@ private:
     QString tipForKey(const QString& key) const;
 
     QWidget& m_window;
-    Ui::frmMain& ui;
+    MainForm& ui;
     QHash<QObject*, QWidget*> m_owner; // watched object -> the control whose tip it shows
     QSet<QObject*> m_selectAll;
     QSet<QObject*> m_selectNothing;

@@ -13,8 +13,8 @@
 #include "server/ServerControl.h"
 #include "server/ServerManager.h"
 #include "server/ServerWindow.h"
+#include "ui/MainForm.h"
 #include "ui/MainWindow.h"
-#include "ui_frmMain.h"
 #include "ui_frmPath.h"
 #include "ui_frmServer.h"
 
@@ -65,7 +65,7 @@ QSet<QString> addedBots(const QString& path) {
     return asSet(names);
 }
 
-void chooseMap(Ui::frmMain& ui, const QString& name, const QString& time, const QString& frag) {
+void chooseMap(MainForm& ui, const QString& name, const QString& time, const QString& frag) {
     const QList<QListWidgetItem*> found = ui.SelMap->findItems(name, Qt::MatchExactly);
     QVERIFY2(found.size() == 1, qPrintable(name));
     ui.SelMap->setCurrentItem(found.first());
@@ -94,7 +94,7 @@ struct Operator {
         started.addRecorded(platform.root() + "/state/servers.jsonl");
         started.stop();
     }
-    Ui::frmMain& ui() { return window->form(); }
+    MainForm& ui() { return window->form(); }
     void openHalvane() {
         window = std::make_unique<MainWindow>(app);
         window->start();
@@ -120,7 +120,7 @@ void Operator::launch() {
     QVERIFY(window->isVisible());
     QVERIFY2(platform.messages.shown.isEmpty(), qPrintable(test::onlyMessage(platform.messages)));
 
-    Ui::frmMain& ui = window->form();
+    MainForm& ui = window->form();
     ui.txtServerName->setText("Halvane window e2e");
     ui.cmbGameType->setCurrentIndex(2); // Team Play
     ui.cmbServerType->setCurrentIndex(2);

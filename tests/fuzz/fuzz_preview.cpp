@@ -5,8 +5,8 @@
 
 #include "maps/MapPreview.h"
 #include "maps/MapsController.h"
+#include "ui/MainForm.h"
 #include "ui/MainWindow.h"
-#include "ui_frmMain.h"
 
 using namespace halvane;
 using namespace halvane::fuzz;
@@ -27,7 +27,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     const QByteArray bytes = bytesOf(data, size).mid(1);
     writeFile(path, bytes);
 
-    Ui::frmMain& ui = window.form();
+    MainForm& ui = window.form();
     window.maps().preview().showPreview("fz");
     FUZZ_CHECK(folder && visible &&
                ui.stkMapPicture->currentWidget() == (targa ? ui.imgMap : ui.imgMap1));

@@ -4,6 +4,7 @@
 #include "platform/FakePlatform.h"
 #include "platform/QtPlatform.h"
 #include "ui/FirstRun.h"
+#include "ui/MainForm.h"
 #include "ui/MainWindow.h"
 
 #include <QByteArray>
@@ -80,7 +81,7 @@ struct WindowFixture {
                            bool shown = true);
     // A new window over the same files and stored values, as the next run sees them.
     void reopen();
-    Ui::frmMain& ui() const { return window->form(); }
+    MainForm& ui() const { return window->form(); }
     TestPlatform platform;
     std::unique_ptr<MainWindow> window;
 };
