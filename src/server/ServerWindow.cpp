@@ -3,6 +3,7 @@
 #include "platform/Shell.h"
 #include "server/ServerManager.h"
 #include "server/ServerProtocol.h"
+#include "ui/Accessibility.h"
 #include "ui_frmServer.h"
 
 #include <QFontDatabase>
@@ -61,6 +62,7 @@ ServerWindow::ServerWindow(ServerManager& manager, Shell& shell, QWidget* owner)
     ui->chkMonitor->setToolTip(QStringLiteral("Starts the server again when it ends without a "
                                               "Stop, or does not answer for a minute"));
     ui->cmdOpenLog->setToolTip(QStringLiteral("Opens the whole log file"));
+    nameControls(*this);
     connect(ui->lstServers, &QTreeWidget::currentItemChanged, this, [this] {
         m_actionProblem.clear();
         const ServerEntry* server = m_manager.find(currentId());
