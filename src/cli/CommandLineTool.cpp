@@ -267,8 +267,10 @@ int onSettings(const QString& command, const Arguments& arguments) {
 bool isCommand(const QStringList& arguments) {
     if (arguments.isEmpty())
         return false;
+    // Qt's own options, which the window takes, have a single dash.
     const QString& first = arguments.first();
-    return HelpWords.contains(first) || !first.startsWith(QLatin1Char('-'));
+    return HelpWords.contains(first) || !first.startsWith(QLatin1Char('-')) ||
+           first.startsWith(QLatin1String("--"));
 }
 
 QString helpText() {
@@ -307,7 +309,9 @@ int run(const QStringList& arguments) {
         return Done;
     }
     if (!Commands.contains(command))
-        return usage(QStringLiteral("unknown command ") + command);
+        return usage((command.startsWith(QLatin1Char('-')) ? QStringLiteral("unknown argument ")
+                                                           : QStringLiteral("unknown command ")) +
+                     command);
     const bool onProfile = command != QLatin1String("status") && command != QLatin1String("stop");
     const int operands = command == QLatin1String("stop") || command == QLatin1String("export");
     const auto parsed =

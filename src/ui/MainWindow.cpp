@@ -147,6 +147,10 @@ bool MainWindow::loadWithoutWindow() {
     // maps and the import list are still taken in as at every start.
     m_maps->discovery().searchAtStartup = [] { return false; };
     load();
+    // On the first tab, as the window shows itself: the tab's frame rules
+    // decide what a write takes, so a command writes what the window would
+    // right after its start.
+    ui->SSTab1->setCurrentIndex(0);
     return !m_ended;
 }
 
