@@ -4,6 +4,7 @@
 #include "bots/BotScripts.h"
 #include "config/ConfigController.h"
 #include "config/ConfigWriter.h"
+#include "config/ConsoleText.h"
 #include "export/ExportFiles.h"
 #include "launch/CommandLine.h"
 #include "maps/MapsController.h"
@@ -25,22 +26,6 @@ namespace halvane {
 namespace {
 const QString Title = QStringLiteral("Export Server");
 
-// A value between double quotes in a script ends at a quote, and a line or
-// a semicolon ends the command.
-QChar unsafeCharacter(const QString& value) {
-    for (const QChar c : value) {
-        if (c == QLatin1Char('"') || c == QLatin1Char(';') || c == QLatin1Char('\r') ||
-            c == QLatin1Char('\n'))
-            return c;
-    }
-    return {};
-}
-
-QString describe(QChar c) {
-    if (c == QLatin1Char('\r') || c == QLatin1Char('\n'))
-        return QStringLiteral("a line break");
-    return QLatin1Char('"') + QString(c) + QLatin1Char('"');
-}
 } // namespace
 
 ServerExport::ServerExport(MainWindow& window, AppContext& app) : m_window(window), m_app(app) {
@@ -83,18 +68,21 @@ bool ServerExport::exportTo(const QString& folder, const QString& name) {
         return fail(QStringLiteral("The folder ") + QDir::toNativeSeparators(parent) +
                     QStringLiteral(" does not exist."));
 
-    Ui::frmMain& ui = m_window.form();
-    LaunchOptions options = launchOptionsFrom(ui);
-    const QString consolePassword = ui.txtConsolePW->text();
-    for (const QString& password : {options.serverPassword, consolePassword}) {
-        const QChar bad = unsafeCharacter(password);
-        if (!bad.isNull())
-            return fail(QStringLiteral("A password holds ") + describe(bad) +
-                        QStringLiteral(", which the game's scripts cannot hold."));
-    }
     m_window.maps().CommitShownMap();
     if (!m_window.validation().ValidateAll())
         return false; // the validation said why
+    // Read after the validation, which may correct a box.
+    Ui::frmMain& ui = m_window.form();
+    const LaunchOptions options = launchOptionsFrom(ui);
+    const QString consolePassword = ui.txtConsolePW->text();
+    // Both passwords go between double quotes into passwords.cfg.
+    for (const auto& [caption, password] :
+         {std::pair{QStringLiteral("Server Password"), options.serverPassword},
+          std::pair{QStringLiteral("Console (rcon) Password"), consolePassword}}) {
+        const QString refusal = consoleRefusal(caption, password, ConsolePlace::Quoted);
+        if (!refusal.isEmpty())
+            return fail(refusal);
+    }
 
     // Made beside the target and renamed into its place once whole.
     QTemporaryDir staging(parent + QStringLiteral("/.halvane-export-XXXXXX"));
@@ -150,7 +138,8 @@ bool ServerExport::exportTo(const QString& folder, const QString& name) {
             continue; // written there already
         const QString path = staging.path() + QLatin1Char('/') + file.path;
         QString reason;
-        if (!saveWholeFile(path, file.bytes, &reason))
+        if (!saveWholeFile(path, file.bytes, &reason,
+                           file.ownerOnly ? FileAccess::Private : FileAccess::Usual))
             return fail(QStringLiteral("Cannot write ") + QDir::toNativeSeparators(path) +
                         QStringLiteral(": ") + reason);
         QFileDevice::Permissions mode = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
