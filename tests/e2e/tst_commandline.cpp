@@ -9,6 +9,7 @@
 #include "maps/MapSelectionFile.h"
 #include "ui_frmMain.h"
 
+#include <QAction>
 #include <QDirIterator>
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -249,6 +250,21 @@ void TestCommandLine::launchStatusStopAndExport() {
     // The export, copied to a fresh place and started with its run-server.sh.
     result = cli.run({"export", p.root() + "/export"});
     QVERIFY2(result.code == 0, qPrintable(result.err));
+    {
+        // The window's "Export Server…" on the same settings writes the same folder.
+        p.app->state.GameFolder = game;
+        p.app->state.GameExeName = "quake3.exe";
+        MainWindow window(*p.app);
+        window.showMainWindow();
+        p.dialogs.choices = {{true, p.root() + "/fromwindow", "fromwindow"}};
+        window.findChild<QAction*>("mnuServerExport")->trigger();
+        QCOMPARE(test::onlyMessage(p.messages),
+                 test::message("Export Server",
+                               "The server's files were written to " + p.root() +
+                                   "/fromwindow.\r\rREADME.md in it says how to run them.",
+                               MsgButtons::Ok, MsgIcon::Information));
+        QCOMPARE(filesBelow(p.root() + "/fromwindow"), filesBelow(p.root() + "/export"));
+    }
     QCOMPARE(QProcess::execute("cp", {"-a", p.root() + "/export", p.root() + "/elsewhere"}), 0);
     const QString folder = p.root() + "/elsewhere";
     const QMap<QString, QByteArray> files = filesBelow(folder);
