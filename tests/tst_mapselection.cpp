@@ -322,13 +322,15 @@ void MapSelectionTest::editorChecks() {
 void MapSelectionTest::addAndDeleteMaps() {
     Window w({"a", "b"});
     MapEditor& editor = w.maps().editor();
-    w.ui().mnuMapNew->trigger();
-    editor.form().txtFileName->setText("newmap");
-    editor.form().Command2->click();
-    QVERIFY(!editor.isVisible());
+    QTest::mouseClick(w.ui().cmdAddMaps, Qt::LeftButton);
+    // The box keeps no more than the record: a longer name once ended the program.
+    QTest::keyClicks(editor.form().txtFileName, "newmap_with_a_long_name");
+    QTest::mouseClick(editor.form().Command2, Qt::LeftButton);
+    QVERIFY(!editor.isVisible() && w.window->isVisible());
+    QCOMPARE(w.platform.messages.shown.size(), 0);
     // Appended, and named after its file.
-    QCOMPARE(w.record(3).get(MapField::DisplayName), QStringLiteral("newmap"));
-    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("newmap"));
+    QCOMPARE(w.record(3).get(MapField::DisplayName), QStringLiteral("newmap_with_a_long_n"));
+    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("newmap_with_a_long_n"));
 
     w.ui().MapList->setCurrentRow(1);
     w.platform.messages.answers = {MsgAnswer::Yes};
@@ -340,7 +342,7 @@ void MapSelectionTest::addAndDeleteMaps() {
                      MsgButtons::YesNo, MsgIcon::Question));
     QCOMPARE(w.catalogue().CountMaps(), qint16(3));
     QVERIFY(w.record(2).isDeleted()); // the slot stays
-    QCOMPARE(entries(w.ui().MapList), QStringList({"a", "newmap"}));
+    QCOMPARE(entries(w.ui().MapList), QStringList({"a", "newmap_with_a_long_n"}));
 }
 
 void MapSelectionTest::gameTypeSuggestion() {
