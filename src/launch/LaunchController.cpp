@@ -20,22 +20,6 @@ void run(const std::function<void()>& hook) {
         hook();
 }
 
-// Where drives have letters the game folder must start on one that exists;
-// elsewhere there is no drive to change to. The code is the system's
-// "invalid drive" error.
-bool changeDrive(const QString& gameFolder, int& code) {
-#ifdef Q_OS_WIN
-    const QChar drive = gameFolder.isEmpty() ? QChar() : gameFolder[0];
-    if (!drive.isLetter() || !QDir(QString(drive) + QStringLiteral(":/")).exists()) {
-        code = 15; // ERROR_INVALID_DRIVE
-        return false;
-    }
-#else
-    Q_UNUSED(gameFolder);
-#endif
-    code = 0;
-    return true;
-}
 } // namespace
 
 LaunchController::LaunchController(MainForm& ui, AppContext& app, QWidget& window,
@@ -52,7 +36,7 @@ bool LaunchController::ServerRunning() {
     return alive;
 }
 
-void LaunchController::cmdStart() {
+bool LaunchController::cmdStart() {
     // 1. Remember the parameter line, then offer the list as it now stands.
     run(m_hooks.saveParameterList);
     run(m_hooks.loadParameterList);
@@ -69,7 +53,7 @@ void LaunchController::cmdStart() {
                                "on the advanced tab.\rIf no port is specified, the next available "
                                "port will be used by default."),
                 MsgIcon::Information))
-            return;
+            return false;
     }
 
     // 4. Before validation: the fixed bot script is rewritten even when it fails.
@@ -78,7 +62,7 @@ void LaunchController::cmdStart() {
 
     // 5. The validator tells the operator why it refused.
     if (!m_hooks.ValidateAll || !m_hooks.ValidateAll())
-        return;
+        return false;
 
     // 6.
     Desktop& desktop = m_app.platform.desktop;
@@ -93,23 +77,17 @@ void LaunchController::cmdStart() {
     const QString config = m_app.state.gameFile(QStringLiteral("baseq3/halvane.cfg"));
     if (!m_hooks.WriteConfig || !m_hooks.WriteConfig(config, true, commandLine)) {
         fail(stepText, configWriteErrorCode());
-        return;
+        return false;
     }
 
-    // 9.
+    // 9. Folders have no drive letters here: there is no drive to change to.
     const QString gameFolder = m_app.state.GameFolder;
-    stepText = QStringLiteral("Error changing drives");
-    int code = 0;
-    if (!changeDrive(gameFolder, code)) {
-        fail(stepText, code);
-        return;
-    }
 
     // 10. The game runs in its folder; the program's own directory stays.
     stepText = QStringLiteral("Error changing directories");
     if (gameFolder.isEmpty() || !QFileInfo(gameFolder).isDir()) {
         fail(stepText, ENOENT);
-        return;
+        return false;
     }
 
     // 11. Started without a shell: the command line becomes the arguments.
@@ -122,12 +100,12 @@ void LaunchController::cmdStart() {
                             : m_app.platform.processes.start(program, arguments, gameFolder, {});
     if (!started.started) {
         fail(stepText, started.errorCode != 0 ? started.errorCode : EIO);
-        return;
+        return false;
     }
     ServerTaskID = started.taskId;
 
-    // 12.
-    if (ui.chkStartState->isChecked()) {
+    // 12. The command line's window is never shown, so it stays as it is.
+    if (ui.chkStartState->isChecked() && m_window.isVisible()) {
         if (ui.optClose->isChecked())
             m_window.close(); // the shut-down stores everything
         else
@@ -136,6 +114,7 @@ void LaunchController::cmdStart() {
 
     // 13.
     desktop.setBusy(false);
+    return true;
 }
 
 // The writer answers only yes or no; the code says what most likely stood
