@@ -345,13 +345,18 @@ void MapSelectionTest::chooseEditAndDelete() {
                      MsgButtons::YesNo, MsgIcon::Question));
     QVERIFY(w.record(deleted.mid(1).toInt()).isDeleted()); // the slot stays
     QVERIFY(!entries(w.ui().MapList).contains(deleted));
-    // A map added after it goes to the end, named after its file, and is shown.
-    w.ui().mnuMapNew->trigger();
-    w.maps().editor().form().txtFileName->setText("newmap");
-    w.maps().editor().form().Command2->click();
-    QVERIFY(!w.maps().editor().isVisible());
-    QCOMPARE(w.record(5).get(MapField::DisplayName), QStringLiteral("newmap"));
-    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("newmap"));
+    // A map added after it goes to the end, named after its file, and is
+    // shown; the box keeps no more than the record: a longer name once ended
+    // the program.
+    w.platform.messages.shown.clear();
+    MapEditor& editor = w.maps().editor();
+    QTest::mouseClick(w.ui().cmdAddMaps, Qt::LeftButton);
+    QTest::keyClicks(editor.form().txtFileName, "newmap_with_a_long_name");
+    QTest::mouseClick(editor.form().Command2, Qt::LeftButton);
+    QVERIFY(!editor.isVisible() && w.window->isVisible());
+    QCOMPARE(w.platform.messages.shown.size(), 0);
+    QCOMPARE(w.record(5).get(MapField::DisplayName), QStringLiteral("newmap_with_a_long_n"));
+    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("newmap_with_a_long_n"));
     QCOMPARE(entries(w.ui().MapList).size(), 4);
 }
 

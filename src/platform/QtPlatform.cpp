@@ -1,4 +1,5 @@
 #include "platform/QtPlatform.h"
+#include "platform/PrivateFiles.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -307,18 +308,36 @@ void QtDesktop::setBusy(bool busy) {
     }
 }
 
+namespace {
+void keepPrivate(const QSettings& settings) {
+    if (settings.format() == QSettings::IniFormat && QFileInfo::exists(settings.fileName()))
+        makeFilePrivate(settings.fileName());
+}
+} // namespace
+
+void QtSettingsStore::Closer::operator()(QSettings* settings) const {
+    settings->sync();
+    keepPrivate(*settings);
+    delete settings;
+}
+
 QtSettingsStore::QtSettingsStore()
-    : m_settings(std::make_unique<QSettings>(
+    : m_settings(new QSettings(
 #ifdef Q_OS_WIN
           QSettings::NativeFormat,
 #else
           QSettings::IniFormat,
 #endif
           QSettings::UserScope, QStringLiteral("Halvane"), QStringLiteral("Halvane"))) {
+    if (m_settings->format() == QSettings::IniFormat)
+        makePrivateFolder(QFileInfo(m_settings->fileName()).absolutePath());
+    keepPrivate(*m_settings);
 }
 
 QtSettingsStore::QtSettingsStore(const QString& iniFile)
-    : m_settings(std::make_unique<QSettings>(iniFile, QSettings::IniFormat)) {}
+    : m_settings(new QSettings(iniFile, QSettings::IniFormat)) {
+    keepPrivate(*m_settings);
+}
 
 QString QtSettingsStore::read(const QString& section, const QString& key,
                               const QString& defaultText) const {
@@ -338,6 +357,7 @@ bool QtSettingsStore::write(const QString& section, const QString& key, const QS
 
 bool QtSettingsStore::flush() {
     m_settings->sync();
+    keepPrivate(*m_settings);
     // A format error comes from reading a damaged file, not from this write.
     return m_settings->status() != QSettings::AccessError;
 }
