@@ -423,20 +423,31 @@ void MapSelectionTest::picturesInTheWindow() {
         QDir().mkpath(p.programFolder() + "/maps"); // beside Maps, which holds the picture
         QVERIFY(QFile::copy(HALVANE_BIN_DIR "/maps/default.jpg",
                             p.programFolder() + "/Maps/default.jpg"));
-        QVERIFY(makeArchive(p.gameFolder() + "/baseoa/pak0.pk3",
-                            {"levelshots/x.jpg", "LEVELSHOTS/Y.TGA"},
-                            {{"levelshots/x.jpg", readAll(HALVANE_BIN_DIR "/maps/default.jpg")},
-                             {"LEVELSHOTS/Y.TGA", targa(40, 30)}}));
+        QByteArray tall;
+        QBuffer buffer(&tall);
+        QVERIFY(buffer.open(QIODevice::WriteOnly) &&
+                QImage(2, 4097, QImage::Format_RGB32).save(&buffer, "jpeg"));
+        QVERIFY(makeArchive(
+            p.gameFolder() + "/baseoa/pak0.pk3",
+            {"levelshots/x.jpg", "LEVELSHOTS/Y.TGA", "levelshots/tall.jpg", "levelshots/wide.tga"},
+            {{"levelshots/x.jpg", readAll(HALVANE_BIN_DIR "/maps/default.jpg")},
+             {"LEVELSHOTS/Y.TGA", targa(40, 30)},
+             {"levelshots/tall.jpg", tall},
+             {"levelshots/wide.tga", targa(4097, 1)}}));
     });
     MainWindow& window = *w.window;
     Ui::frmMain& ui = w.ui();
+    const auto show = [&](const char* map) {
+        window.maps().preview().showPreview(map);
+        window.maps().preview().finish(); // read on a thread of its own
+    };
     // The Maps tab shows the delivered default picture after start-up.
     ui.SSTab1->setCurrentIndex(2);
     QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap1);
     QVERIFY(!ui.imgMap1->pixmap().isNull());
 
     // A large picture is cut at the box, not scaled.
-    window.maps().preview().showPreview("big");
+    show("big");
     QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap);
     QImage shown = ui.imgMap->pixmap().toImage();
     QCOMPARE(shown.size(), ui.imgMap->size());
@@ -445,15 +456,23 @@ void MapSelectionTest::picturesInTheWindow() {
 
     // A map without a picture empties the box; a damaged Targa reads as none.
     QFile::remove(w.platform.programFolder() + "/Maps/default.jpg");
-    window.maps().preview().showPreview("none");
+    show("none");
     QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap);
     QVERIFY(ui.imgMap->pixmap().isNull());
     // Level shots in the free game's archives, listed once the window showed.
     window.maps().gameFiles().finish();
-    window.maps().preview().showPreview("x");
+    show("x");
     QCOMPARE(ui.imgMap1->pixmap().size(), QSize(160, 120));
     window.maps().preview().showPreview("y");
+    QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap1); // not decoded on the window's thread
+    window.maps().preview().finish();
     QCOMPARE(ui.imgMap->pixmap().toImage().pixel(39, 29) & 0xFFFFFF, tgaColour(39, 29) & 0xFFFFFF);
+    // Over 4,096 pixels a side a picture is refused by its header's size.
+    show("tall");
+    QVERIFY(ui.imgMap1->pixmap().isNull());
+    show("wide");
+    QCOMPARE(ui.imgMap->pixmap().toImage().pixel(0, 0),
+             ui.imgMap->palette().color(QPalette::Window).rgb());
     QVERIFY(readTarga(w.platform.programFolder() + "/Maps/bad.tga").isNull());
 }
 

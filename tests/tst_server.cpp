@@ -265,11 +265,13 @@ void ServerTest::logTail() {
 void ServerTest::addresses_data() {
     QTest::addColumn<QString>("address"); // as typed in the IP box
     QTest::addColumn<QString>("shown");   // the map of the answer, or the problem
-    for (const char* loopback : {"127.0.0.1", "127.1", "0x7f.0.0.1", " 127.0.0.1\t", ""})
+    for (const char* loopback : {"127.0.0.1", " 127.0.0.1\t", ""})
         QTest::newRow(*loopback ? loopback : "empty") << loopback << "oa_dm1";
-    QTest::newRow("1.2.3, another host: not queried") << "1.2.3" << QString();
-    for (const char* bad : {"256.1.1.1", "1.2.3.4.5", "localhost", "::1", "08.0.0.1"})
-        QTest::newRow(bad) << bad << "not a numeric address";
+    // Four decimal parts only, as the system's parser reads an address.
+    for (const QString& bad :
+         QStringList{"127.1", "0x7f.0.0.1", "1.2.3", "256.1.1.1", "1.2.3.4.5", "localhost", "::1",
+                     "127.0.0.1" + QString(QChar(0)) + "x"})
+        QTest::newRow(qPrintable(bad)) << bad << "not a numeric address";
     // The port box names a taken port; the game says in its log where it went.
     QTest::newRow("the game moved on to the next port") << "moved"
                                                         << "oa_dm1";
@@ -281,11 +283,8 @@ void ServerTest::addresses() {
     const bool moved = address == "moved";
     if (moved)
         address = "127.0.0.1";
-    QHostAddress qt; // the IPv4 forms Qt's parser took, and no others
-    const bool ipv4 = qt.setAddress(address) && qt.protocol() == QAbstractSocket::IPv4Protocol;
-    QCOMPARE(parseIpv4(address), ipv4 ? std::optional(qt.toIPv4Address()) : std::nullopt);
-    if (shown.isEmpty())
-        return;
+    QCOMPARE(parseIpv4(address),
+             shown == "oa_dm1" && !address.isEmpty() ? std::optional(0x7f000001u) : std::nullopt);
     // First a query refused (nothing listens on its port), then the stand-in's.
     QUdpSocket game, closed;
     QVERIFY(game.bind(QHostAddress::LocalHost) && closed.bind(QHostAddress::LocalHost));
