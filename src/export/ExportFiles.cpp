@@ -156,7 +156,7 @@ QByteArray runScript(const ExportInput& input) {
             "# on the scripts in this folder's baseq3, where the game writes its files.\n"
             "here=$(dirname \"$(readlink -f \"$0\")\")\n"
             "exec %3")
-            .arg(slug(input.name), SetupNote, Engine);
+            .arg(slug(input.name), SetupNote, shellWord(input.engine));
     const QStringList args = serverArguments(input, QStringLiteral("\x01"), true);
     for (const QString& arg : args) {
         if (arg.startsWith(QLatin1Char('+')))
@@ -171,7 +171,7 @@ QByteArray runScript(const ExportInput& input) {
 QByteArray systemdUnit(const ExportInput& input) {
     const QString name = slug(input.name);
     const QString folder = hostFolder(input.name);
-    QStringList exec{Engine};
+    QStringList exec{unitWord(input.engine)};
     for (const QString& arg : serverArguments(input, folder, true))
         exec.append(unitWord(arg));
     return text(QStringLiteral(
@@ -210,7 +210,8 @@ QByteArray systemdUnit(const ExportInput& input) {
 }
 
 QByteArray containerfile(const ExportInput& input) {
-    const QStringList command = QStringList{Engine} + serverArguments(input, ContainerHome, false);
+    const QStringList command =
+        QStringList{input.engine} + serverArguments(input, ContainerHome, false);
     return text(
         QStringLiteral("# halvane-%1 in a container: Debian 12 with %2.\n"
                        "# The passwords are not part of the image: compose.yaml mounts\n"
@@ -351,7 +352,7 @@ QByteArray kubernetes(const ExportInput& input) {
                        "      port: %7\n"
                        "      targetPort: %7\n")
             .arg(name, scripts, PasswordFile, QString::fromLatin1(input.passwords.toBase64()),
-                 jsonString(Engine), argLines, port(input), ContainerHome, items));
+                 jsonString(input.engine), argLines, port(input), ContainerHome, items));
 }
 
 QByteArray readme(const ExportInput& input) {

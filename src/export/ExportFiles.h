@@ -11,7 +11,8 @@ namespace halvane {
 // What a server folder for another host is made of: plain values taken from
 // a profile (or the current settings) at the moment of the export.
 struct ExportInput {
-    QString name;              // the profile's name, as typed
+    QString name; // the profile's name, as typed
+    QString engine = QStringLiteral("/usr/lib/ioquake3/ioq3ded");
     QStringList gameArguments; // the game's command line, split, with no password in it
     quint16 port = 27960;
     QMap<QString, QByteArray> scripts; // path below baseq3 ('/'-separated) -> bytes
@@ -27,8 +28,7 @@ struct ExportFile {
 
 namespace exporting {
 
-// The engine and the free game's files as Debian installs them.
-inline const QString Engine = QStringLiteral("/usr/lib/ioquake3/ioq3ded");
+// The free game's files as Debian installs them.
 inline const QString FreeGameFolder = QStringLiteral("/usr/lib/openarena-server");
 // Where the container image and the Kubernetes pod keep the folder.
 inline const QString ContainerHome = QStringLiteral("/srv/halvane");

@@ -6,6 +6,7 @@
 #include "TestSupport.h"
 
 #include "config/ConfigFileCommands.h"
+#include "export/ExportFiles.h"
 #include "maps/MapSelectionFile.h"
 #include "ui_frmMain.h"
 
@@ -94,6 +95,7 @@ private slots:
     void refusals_data();
     void refusals();
     void launchStatusStopAndExport();
+    void runScriptKeepsEveryWord();
 };
 
 void TestCommandLine::writeConfigIsTheWindows_data() {
@@ -307,6 +309,25 @@ void TestCommandLine::launchStatusStopAndExport() {
     QVERIFY2(schemas.exitCode() == 0, schemas.readAllStandardError().constData());
     QCOMPARE(schemas.readAllStandardOutput().trimmed(),
              QByteArray("ConfigMap Secret Deployment Service"));
+}
+
+// The operator's parameter line reaches the game through run-server.sh as the
+// same words: none split, joined or expanded by the shell.
+void TestCommandLine::runScriptKeepsEveryWord() {
+    test::TestPlatform p;
+    ExportInput input;
+    input.engine = p.writeFile(p.root() + "/engine", "#!/bin/sh\nprintf '%s\\n' \"$@\"\n");
+    QFile::setPermissions(input.engine, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    input.gameArguments = {"+set",  "sv_hostname", "two  words",
+                           "+set",  "a",           "it's \"quoted\"",
+                           "+set",  "b",           "$HOME `id` $(id) %h \\ *",
+                           "+exec", "halvane.cfg"};
+    const QString script = p.writeFile(p.root() + "/run-server.sh", exporting::runScript(input));
+    QProcess run;
+    run.start("/bin/sh", {script});
+    QVERIFY(run.waitForFinished(30000));
+    QCOMPARE(QString::fromUtf8(run.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts),
+             exporting::serverArguments(input, QFileInfo(p.root()).canonicalFilePath(), true));
 }
 
 QTEST_MAIN(TestCommandLine)
