@@ -30,7 +30,8 @@ public:
     // another command; "Save config file As" validates nothing else.
     std::function<bool()> consoleTextIsSafe;
 
-    void mnuFileMakeCfg();
+    // True when the configuration was written.
+    bool mnuFileMakeCfg();
     void mnuFileSaveAs();
     void cmdEditCfg();
     void txtCfgChanged();
