@@ -3,12 +3,24 @@
 #include "TestSupport.h"
 
 #include "config/ConfigFileCommands.h"
+#include "config/ConfigSteps.h"
 #include "ui/MainForm.h"
 
 #include <QtTest>
 
 using namespace halvane;
 using namespace halvane::test;
+
+// The window's own checks, with the write replaced.
+struct StandInWriter : ConfigSteps {
+    explicit StandInWriter(ConfigSteps& wired) : wired(wired) {}
+    bool ValidateAll() override { return wired.ValidateAll(); }
+    bool WriteConfig(const QString& path, bool withCommandLine, const QString& line) override {
+        return write(path, withCommandLine, line);
+    }
+    ConfigSteps& wired;
+    std::function<bool(const QString&, bool, const QString&)> write;
+};
 
 class ConfigCommandsTest : public QObject {
     Q_OBJECT
@@ -23,6 +35,7 @@ private slots:
 
 private:
     std::unique_ptr<WindowFixture> f;
+    std::unique_ptr<StandInWriter> writer;
     MainForm* ui = nullptr;
     QStringList writes; // "path|with or without|command line" per call
     bool writerSucceeds = true;
@@ -37,17 +50,18 @@ void ConfigCommandsTest::init() {
     ui->cmbServerType->setCurrentIndex(2);
     writes.clear();
     writerSucceeds = true;
-    f->window->configCommands().setWriteConfig(
-        [this](const QString& path, bool withCommandLine, const QString& commandLine) {
-            writes << path + (withCommandLine ? "|with|" : "|without|") + commandLine;
-            if (!writerSucceeds)
-                return false;
-            QFile file(path);
-            if (!file.open(QIODevice::WriteOnly))
-                return false;
-            file.write("// test config for " + ui->txtServerName->text().toLatin1() + "\r\n");
-            return true;
-        });
+    writer = std::make_unique<StandInWriter>(f->window->configCommands().steps());
+    f->window->configCommands().setSteps(*writer);
+    writer->write = [this](const QString& path, bool withCommandLine, const QString& commandLine) {
+        writes << path + (withCommandLine ? "|with|" : "|without|") + commandLine;
+        if (!writerSucceeds)
+            return false;
+        QFile file(path);
+        if (!file.open(QIODevice::WriteOnly))
+            return false;
+        file.write("// test config for " + ui->txtServerName->text().toLatin1() + "\r\n");
+        return true;
+    };
     f->platform.messages.clear();
     f->platform.store->writes.clear();
 }

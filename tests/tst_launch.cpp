@@ -19,6 +19,41 @@ namespace {
 
 const QDateTime Now{QDate(2000, 2, 5), QTime(17, 4, 40)};
 
+// The window's own launch steps, each leaving its name in events: the
+// parameter lines and the checks still do their work, the map, the bot
+// script and the write only record unless told to run the window's own.
+struct RecordedSteps : LaunchSteps {
+    explicit RecordedSteps(LaunchSteps& wired, QStringList& events)
+        : wired(wired), events(events) {}
+    void saveParameterList() override {
+        events << "save parameters";
+        wired.saveParameterList();
+    }
+    void loadParameterList() override {
+        events << "load parameters";
+        wired.loadParameterList();
+    }
+    bool ValidateAll() override {
+        events << "validate";
+        return wired.ValidateAll();
+    }
+    void CommitShownMap() override { events << "commit map"; }
+    void MakeBotScript() override {
+        events << "bot script";
+        if (realBotScript)
+            wired.MakeBotScript();
+    }
+    bool WriteConfig(const QString& path, bool withCommandLine, const QString& line) override {
+        return write(path, withCommandLine, line);
+    }
+    QDateTime now() override { return at; }
+    LaunchSteps& wired;
+    QStringList& events;
+    std::function<bool(const QString&, bool, const QString&)> write;
+    bool realBotScript = false;
+    QDateTime at = Now;
+};
+
 // A game executable that writes its working folder and arguments, then ends.
 void makeStandInGame(TestPlatform& platform) {
     const QString script = platform.gameFolder() + "/quake3.exe";
@@ -85,7 +120,7 @@ private:
     QtProcesses realProcesses;
     QStringList events;
     QStringList writtenCommandLines;
-    LaunchHooks wired; // the hooks as the main window wired them
+    std::unique_ptr<RecordedSteps> steps;
 };
 
 void LaunchTest::init() {
@@ -110,28 +145,15 @@ void LaunchTest::makeWindow(Processes& processes) {
     ui = &window->form();
     setLaunchReady();
 
-    LaunchHooks& hooks = window->launch().hooks();
-    wired = hooks;
-    // Each step leaves its name in events; these three still do their work.
-    const auto recorded = [this](const char* event, auto step) {
-        return [this, event, step] {
-            events << event;
-            return step();
-        };
-    };
-    hooks.saveParameterList = recorded("save parameters", hooks.saveParameterList);
-    hooks.loadParameterList = recorded("load parameters", hooks.loadParameterList);
-    hooks.ValidateAll = recorded("validate", hooks.ValidateAll);
-    hooks.CommitShownMap = [this] { events << "commit map"; };
-    hooks.MakeBotScript = [this] { events << "bot script"; };
-    hooks.WriteConfig = [this](const QString& path, bool withCommandLine, const QString& line) {
+    steps = std::make_unique<RecordedSteps>(window->launch().steps(), events);
+    steps->write = [this](const QString& path, bool withCommandLine, const QString& line) {
         events << "write " + path + (withCommandLine ? " with" : " without");
         writtenCommandLines << line;
         QFile file(path);
         return file.open(QIODevice::WriteOnly) &&
                file.write("// " + app->state.GameExeName.toLatin1() + line.toLatin1() + "\r\n") > 0;
     };
-    hooks.now = [] { return Now; };
+    window->launch().setSteps(*steps);
     platform->messages.onShow = [this](const ShownMessage& m) { events << "ask " + m.title; };
     platform->messages.clear();
     platform->store->writes.clear();
@@ -315,9 +337,11 @@ void LaunchTest::afterTheStart() {
 void LaunchTest::realStartRunsTheWrittenLine() {
     makeStandInGame(*platform);
     makeWindow(realProcesses);
-    window->launch().hooks().WriteConfig = wired.WriteConfig;
-    window->launch().hooks().MakeBotScript = wired.MakeBotScript;
-    window->launch().hooks().now = [] { return QDateTime(QDate(2000, 2, 5), QTime(5, 3)); };
+    steps->write = [this](const QString& path, bool withCommandLine, const QString& line) {
+        return steps->wired.WriteConfig(path, withCommandLine, line);
+    };
+    steps->realBotScript = true;
+    steps->at = QDateTime(QDate(2000, 2, 5), QTime(5, 3));
     ui->chkNOP->setChecked(true);
     // Quotes group words; shell characters are plain text to the game.
     const QString typed = "+set g_motd \"hello  there\" +set a `touch made1`&touch made2 "
@@ -378,8 +402,7 @@ void LaunchTest::failures() {
     if (fault.contains("write")) {
         // The folder vanishes before the write, which fails, or after a write
         // that succeeded, which only the start can notice; or the writer fails.
-        window->launch().hooks().WriteConfig = [this, fault](const QString& path, bool,
-                                                             const QString& line) {
+        steps->write = [this, fault](const QString& path, bool, const QString& line) {
             writtenCommandLines << line;
             if (fault == "writer fails")
                 return false;

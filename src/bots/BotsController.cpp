@@ -4,7 +4,7 @@
 #include "bots/BotListFile.h"
 #include "bots/BotTables.h"
 #include "settings/TextForms.h"
-#include "ui/MainForm.h"
+#include "ui_frmBots.h"
 
 #include <QFocusEvent>
 
@@ -14,11 +14,9 @@ const QString BotsController::NoBotsTip =
     QStringLiteral("No bots selected.  Select the bots you want to add to your server, and then "
                    "click the 'Create Bot Script' button.");
 
-BotsController::BotsController(MainForm& form, BotTables& tables, AppContext& app, TipSetter tip)
-    : ui(form), m_tables(tables), m_app(app), m_tip(std::move(tip)) {
-    if (!m_tip)
-        m_tip = [this](const QString& text) { ui.txtTip->setText(text); };
-
+BotsController::BotsController(Ui::frmBots& form, const QLineEdit& maxPlayers, BotTables& tables,
+                               AppContext& app)
+    : ui(form), m_maxPlayers(maxPlayers), m_tables(tables), m_app(app) {
     connect(ui.BotList, &QListWidget::currentRowChanged, this, [this] {
         showCurrentBot();
         Countbots();
@@ -47,14 +45,14 @@ bool BotsController::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void BotsController::randomBotsLeft() {
-    if (leadingNumber(ui.txtRandomBots->text()) <= leadingNumber(ui.txtMaxPlayers->text()))
+    if (leadingNumber(ui.txtRandomBots->text()) <= leadingNumber(m_maxPlayers.text()))
         return;
     m_warning = true;
     m_app.platform.messages.tell(
         QStringLiteral("Warning"),
         QStringLiteral("This number exceeds the maximum number of players you have specified for "
                        "the server (") +
-            ui.txtMaxPlayers->text() +
+            m_maxPlayers.text() +
             QStringLiteral(").\r\rIt is suggested that this number be less than the maximum "
                            "players."),
         MsgIcon::Information);
@@ -107,7 +105,7 @@ int BotsController::Countbots() {
             ++selected;
     }
     if (selected == 0)
-        m_tip(NoBotsTip);
+        emit tip(NoBotsTip);
     ui.lblBotCount->setText(botCountCaption(selected));
     return selected;
 }

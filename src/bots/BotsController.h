@@ -3,14 +3,17 @@
 #include "config/ServerSettings.h"
 
 #include <QObject>
-#include <functional>
 #include <vector>
 
+class QLineEdit;
 class QListWidget;
+
+namespace Ui {
+class frmBots;
+}
 
 namespace halvane {
 
-struct MainForm;
 struct AppContext;
 class BotTables;
 
@@ -19,10 +22,10 @@ class BotTables;
 class BotsController : public QObject {
     Q_OBJECT
 public:
-    using TipSetter = std::function<void(const QString&)>;
-
-    // tip puts a text on the tip line; by default it sets txtTip.
-    BotsController(MainForm& ui, BotTables& tables, AppContext& app, TipSetter tip = {});
+    // ui is the Bots tab's form; maxPlayers the General tab's player limit,
+    // which the number of random bots should not exceed.
+    BotsController(Ui::frmBots& ui, const QLineEdit& maxPlayers, BotTables& tables,
+                   AppContext& app);
 
     // Empties BotList and fills it from botlist.txt beside the program.
     void LoadBotList();
@@ -30,6 +33,10 @@ public:
     int Countbots();
 
     static const QString NoBotsTip;
+
+signals:
+    // A text for the tip line.
+    void tip(const QString& text);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -43,10 +50,10 @@ private:
     void storeSkill(int index);
     void editBotList();
 
-    MainForm& ui;
+    Ui::frmBots& ui;
+    const QLineEdit& m_maxPlayers;
     BotTables& m_tables;
     AppContext& m_app;
-    TipSetter m_tip;
     bool m_warning = false;
 };
 

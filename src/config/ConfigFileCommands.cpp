@@ -1,6 +1,7 @@
 #include "config/ConfigFileCommands.h"
 
 #include "app/AppContext.h"
+#include "config/ConfigSteps.h"
 #include "ui/MainForm.h"
 
 #include <QFileInfo>
@@ -73,11 +74,9 @@ QString ConfigFileCommands::refusedTarget(const QString& target) const {
     return QString();
 }
 
-ConfigFileCommands::ConfigFileCommands(MainForm& ui, AppContext& app,
-                                       std::function<bool()> validateAll,
-                                       WriteConfigFunction writeConfig, QObject* parent)
-    : QObject(parent), ui(ui), m_app(app), m_validateAll(std::move(validateAll)),
-      m_writeConfig(std::move(writeConfig)) {
+ConfigFileCommands::ConfigFileCommands(MainForm& ui, AppContext& app, ConfigSteps& steps,
+                                       QObject* parent)
+    : QObject(parent), ui(ui), m_app(app), m_steps(&steps) {
     ui.mnuFileMakeCfg->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_S));
     ui.mnuFileSaveAs->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_A));
     connect(ui.mnuFileMakeCfg, &QAction::triggered, this, &ConfigFileCommands::mnuFileMakeCfg);
@@ -89,11 +88,11 @@ ConfigFileCommands::ConfigFileCommands(MainForm& ui, AppContext& app,
 }
 
 bool ConfigFileCommands::write(const QString& path) {
-    return m_writeConfig && m_writeConfig(path, false, QString());
+    return m_steps->WriteConfig(path, false, QString());
 }
 
 bool ConfigFileCommands::mnuFileMakeCfg() {
-    if (!m_validateAll || !m_validateAll())
+    if (!m_steps->ValidateAll())
         return false;
     const QString target = m_app.state.gameFile(QStringLiteral("baseq3/halvane.cfg"));
     MessageBoxes& messages = m_app.platform.messages;

@@ -1,27 +1,23 @@
 #pragma once
 
 #include <QObject>
-#include <functional>
 
 namespace halvane {
 
 struct MainForm;
 struct AppContext;
-
-// Writes the server configuration to a path; withCommandLine adds the
-// closing comment with the game's command line. False when the write failed.
-using WriteConfigFunction =
-    std::function<bool(const QString& path, bool withCommandLine, const QString& commandLine)>;
+class ConfigSteps;
 
 // The File menu commands that write the configuration without launching, and
 // the extra script chooser with its "Edit" button.
 class ConfigFileCommands : public QObject {
     Q_OBJECT
 public:
-    ConfigFileCommands(MainForm& ui, AppContext& app, std::function<bool()> validateAll,
-                       WriteConfigFunction writeConfig, QObject* parent = nullptr);
+    ConfigFileCommands(MainForm& ui, AppContext& app, ConfigSteps& steps,
+                       QObject* parent = nullptr);
 
-    void setWriteConfig(WriteConfigFunction writeConfig) { m_writeConfig = std::move(writeConfig); }
+    ConfigSteps& steps() { return *m_steps; }
+    void setSteps(ConfigSteps& steps) { m_steps = &steps; }
 
     // Refuses (with its own message) script values the game would split into
     // another command; "Save config file As" validates nothing else.
@@ -41,8 +37,7 @@ private:
 
     MainForm& ui;
     AppContext& m_app;
-    std::function<bool()> m_validateAll;
-    WriteConfigFunction m_writeConfig;
+    ConfigSteps* m_steps;
 };
 
 } // namespace halvane

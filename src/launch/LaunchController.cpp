@@ -14,17 +14,11 @@ namespace halvane {
 
 namespace {
 using positions::UserDefinedBots;
-
-void run(const std::function<void()>& hook) {
-    if (hook)
-        hook();
-}
-
 } // namespace
 
 LaunchController::LaunchController(MainForm& ui, AppContext& app, QWidget& window,
-                                   LaunchHooks hooks, QObject* parent)
-    : QObject(parent), ui(ui), m_app(app), m_window(window), m_hooks(std::move(hooks)) {
+                                   LaunchSteps& steps, QObject* parent)
+    : QObject(parent), ui(ui), m_app(app), m_window(window), m_steps(&steps) {
     connect(ui.cmdStart, &QAbstractButton::clicked, this, &LaunchController::cmdStart);
 }
 
@@ -38,11 +32,11 @@ bool LaunchController::ServerRunning() {
 
 bool LaunchController::cmdStart() {
     // 1. Remember the parameter line, then offer the list as it now stands.
-    run(m_hooks.saveParameterList);
-    run(m_hooks.loadParameterList);
+    m_steps->saveParameterList();
+    m_steps->loadParameterList();
 
     // 2.
-    run(m_hooks.CommitShownMap);
+    m_steps->CommitShownMap();
 
     // 3.
     if (ServerRunning()) {
@@ -58,10 +52,10 @@ bool LaunchController::cmdStart() {
 
     // 4. Before validation: the fixed bot script is rewritten even when it fails.
     if (ui.cmbBotType->currentIndex() == UserDefinedBots && !ui.chkAutoSelectBots->isChecked())
-        run(m_hooks.MakeBotScript);
+        m_steps->MakeBotScript();
 
     // 5. The validator tells the operator why it refused.
-    if (!m_hooks.ValidateAll || !m_hooks.ValidateAll())
+    if (!m_steps->ValidateAll())
         return false;
 
     // 6.
@@ -70,12 +64,12 @@ bool LaunchController::cmdStart() {
 
     // 7.
     QString stepText;
-    const QDateTime now = m_hooks.now ? m_hooks.now() : QDateTime::currentDateTime();
+    const QDateTime now = m_steps->now();
     const QString commandLine = buildCommandLine(launchOptionsFrom(ui), now);
 
     // 8.
     const QString config = m_app.state.gameFile(QStringLiteral("baseq3/halvane.cfg"));
-    if (!m_hooks.WriteConfig || !m_hooks.WriteConfig(config, true, commandLine)) {
+    if (!m_steps->WriteConfig(config, true, commandLine)) {
         fail(stepText, configWriteErrorCode());
         return false;
     }
@@ -96,8 +90,8 @@ bool LaunchController::cmdStart() {
     const QString program = QDir(gameFolder).filePath(exeName);
     const QStringList arguments = splitCommandLine(commandLine);
     const StartResult started =
-        m_hooks.startServer ? m_hooks.startServer(program, arguments, gameFolder, commandLine)
-                            : m_app.platform.processes.start(program, arguments, gameFolder, {});
+        m_starter ? m_starter->startServer(program, arguments, gameFolder, commandLine)
+                  : m_app.platform.processes.start(program, arguments, gameFolder, {});
     if (!started.started) {
         fail(stepText, started.errorCode != 0 ? started.errorCode : EIO);
         return false;

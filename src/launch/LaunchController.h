@@ -1,10 +1,8 @@
 #pragma once
 
-#include "platform/Processes.h"
+#include "launch/LaunchSteps.h"
 
-#include <QDateTime>
 #include <QObject>
-#include <functional>
 
 class QWidget;
 
@@ -13,33 +11,18 @@ namespace halvane {
 struct MainForm;
 struct AppContext;
 
-// What the launch reaches outside its own subsystem; the main window wires
-// them, tests put recording stand-ins in their place.
-struct LaunchHooks {
-    std::function<void()> saveParameterList;
-    std::function<void()> loadParameterList;
-    std::function<void()> CommitShownMap;
-    std::function<void()> MakeBotScript;
-    std::function<bool()> ValidateAll;
-    std::function<bool(const QString& path, bool withCommandLine, const QString& commandLine)>
-        WriteConfig;
-    std::function<QDateTime()> now; // local time for the N-0-P start stamp
-    // Starts the game in place of a plain process start, keeping a record
-    // and a log of the server.
-    std::function<StartResult(const QString& program, const QStringList& arguments,
-                              const QString& folder, const QString& commandLine)>
-        startServer;
-};
-
 // "Launch the Server": turns the options into a running game server.
 class LaunchController : public QObject {
     Q_OBJECT
 public:
     // window is minimised or closed after a start when the operator asked for it.
-    LaunchController(MainForm& ui, AppContext& app, QWidget& window, LaunchHooks hooks,
+    LaunchController(MainForm& ui, AppContext& app, QWidget& window, LaunchSteps& steps,
                      QObject* parent = nullptr);
 
-    LaunchHooks& hooks() { return m_hooks; }
+    LaunchSteps& steps() { return *m_steps; }
+    void setSteps(LaunchSteps& steps) { m_steps = &steps; }
+    // Without a starter the game is a plain process.
+    void setServerStarter(ServerStarter* starter) { m_starter = starter; }
 
     // True when the server was started.
     bool cmdStart();
@@ -56,7 +39,8 @@ private:
     MainForm& ui;
     AppContext& m_app;
     QWidget& m_window;
-    LaunchHooks m_hooks;
+    LaunchSteps* m_steps;
+    ServerStarter* m_starter = nullptr;
 };
 
 } // namespace halvane

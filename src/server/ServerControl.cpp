@@ -4,7 +4,8 @@
 #include "launch/LaunchController.h"
 #include "server/ServerManager.h"
 #include "server/ServerWindow.h"
-#include "ui/MainForm.h"
+#include "ui_frmAdvanced.h"
+#include "ui_frmMain.h"
 
 #include <QMainWindow>
 #include <QMenu>
@@ -14,9 +15,10 @@
 
 namespace halvane {
 
-ServerControl::ServerControl(QMainWindow& window, MainForm& ui, AppContext& app,
-                             LaunchController& launch)
-    : m_window(window), m_app(app), m_manager(std::make_unique<ServerManager>(app)) {
+ServerControl::ServerControl(QMainWindow& window, Ui::frmMain& ui, const Ui::frmAdvanced& advanced,
+                             AppContext& app, LaunchController& launch)
+    : m_window(window), m_advanced(advanced), m_app(app),
+      m_manager(std::make_unique<ServerManager>(app)) {
     auto* menu = new QMenu(QStringLiteral("Se&rver"), &window);
     menu->setObjectName(QStringLiteral("mnuServer"));
     statusAction = menu->addAction(QStringLiteral("Server Status"));
@@ -33,11 +35,7 @@ ServerControl::ServerControl(QMainWindow& window, MainForm& ui, AppContext& app,
     QWidget::setTabOrder(ui.cmdSetPath, statusButton); // tabbing follows the row
     connect(statusButton, &QPushButton::clicked, this, &ServerControl::showServerWindow);
 
-    launch.hooks().startServer = [this, &ui](const QString& program, const QStringList& arguments,
-                                             const QString& folder, const QString& commandLine) {
-        return m_manager->launch(program, arguments, folder, commandLine, ui.txtNetIP->text(),
-                                 ui.txtNetPort->text(), ui.txtConsolePW->text());
-    };
+    launch.setServerStarter(this);
     // A restarted server is still the one launched last.
     connect(m_manager.get(), &ServerManager::restarted, this,
             [&launch](qint64 oldPid, qint64 newPid) {
@@ -49,6 +47,12 @@ ServerControl::ServerControl(QMainWindow& window, MainForm& ui, AppContext& app,
 }
 
 ServerControl::~ServerControl() = default;
+
+StartResult ServerControl::startServer(const QString& program, const QStringList& arguments,
+                                       const QString& folder, const QString& commandLine) {
+    return m_manager->launch(program, arguments, folder, commandLine, m_advanced.txtNetIP->text(),
+                             m_advanced.txtNetPort->text(), m_advanced.txtConsolePW->text());
+}
 
 ServerWindow& ServerControl::serverWindow() {
     if (!m_serverWindow)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "launch/LaunchSteps.h"
+
 #include <QObject>
 #include <memory>
 
@@ -7,9 +9,13 @@ class QAction;
 class QMainWindow;
 class QPushButton;
 
+namespace Ui {
+class frmMain;
+class frmAdvanced;
+} // namespace Ui
+
 namespace halvane {
 
-struct MainForm;
 struct AppContext;
 class LaunchController;
 class ServerManager;
@@ -17,11 +23,13 @@ class ServerWindow;
 
 // Ties the servers to the main window: every launch goes through the
 // manager, which records it, and the "Server" menu and the button open the
-// server window.
-class ServerControl : public QObject {
+// server window. The server's address and console password come from the
+// Advanced tab.
+class ServerControl : public QObject, public ServerStarter {
     Q_OBJECT
 public:
-    ServerControl(QMainWindow& window, MainForm& ui, AppContext& app, LaunchController& launch);
+    ServerControl(QMainWindow& window, Ui::frmMain& frame, const Ui::frmAdvanced& advanced,
+                  AppContext& app, LaunchController& launch);
     ~ServerControl() override;
 
     ServerManager& manager() { return *m_manager; }
@@ -29,11 +37,15 @@ public:
     ServerWindow& serverWindow();
     void showServerWindow();
 
+    StartResult startServer(const QString& program, const QStringList& arguments,
+                            const QString& folder, const QString& commandLine) override;
+
     QAction* statusAction = nullptr;
     QPushButton* statusButton = nullptr;
 
 private:
     QMainWindow& m_window;
+    const Ui::frmAdvanced& m_advanced;
     AppContext& m_app;
     std::unique_ptr<ServerManager> m_manager;
     std::unique_ptr<ServerWindow> m_serverWindow;

@@ -72,8 +72,7 @@ void OptionInterlocks::gameTypeClicked() {
         return;
     }
     SetGameType();
-    if (suggestMaps)
-        suggestMaps(ui.cmbGameType->currentIndex());
+    emit gameTypeChosen(ui.cmbGameType->currentIndex());
     m_app.state.StartupInProgress = false;
 }
 

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <functional>
 
 namespace halvane {
 
@@ -27,9 +26,10 @@ public:
     void UpdateServerTypeControls();
     void UpdateCdControls();
 
-    // The map suggestion that follows a game-type change to Tournament or
-    // Capture the Flag; installed by the map selection.
-    std::function<void(int gameTypeIndex)> suggestMaps;
+signals:
+    // The operator chose a game type (not the start-up's own choice): the
+    // map selection may suggest maps for it.
+    void gameTypeChosen(int gameTypeIndex);
 
 private:
     void gameTypeClicked();

@@ -29,9 +29,9 @@ using positions::TabCount;
 
 SettingsController::SettingsController(QObject& window, QTabWidget& tabs, QListWidget& botList,
                                        BotTables& bots, OptionInterlocks& interlocks,
-                                       AppContext& app, SettingsHooks hooks)
+                                       AppContext& app, SettingsWindow& parts)
     : m_window(window), m_tabs(tabs), m_botList(botList), m_bots(bots), m_interlocks(interlocks),
-      m_app(app), m_hooks(std::move(hooks)) {}
+      m_app(app), m_parts(parts) {}
 
 QString SettingsController::read(const OptionKey& option) const {
     return m_app.platform.store.read(QString::fromLatin1(option.section),
@@ -92,9 +92,9 @@ void SettingsController::loadStep(int step) {
             if (!open)
                 report(message);
             else if (*open)
-                m_hooks.RollOut();
+                m_parts.RollOut();
             else
-                m_hooks.Rollin();
+                m_parts.Rollin();
         } else if (holderName == QLatin1String(HolderLastTab)) {
             auto tab = parseWholeNumber(text);
             if (tab && *tab == TabCount)
@@ -141,15 +141,13 @@ void SettingsController::loadStep(int step) {
         m_interlocks.UpdateWarmUpControls();
         break;
     case 31:
-        if (m_hooks.loadParameterList)
-            m_hooks.loadParameterList();
+        m_parts.loadParameterList();
         break;
     case 37:
         m_interlocks.UpdateLogFileControls();
         break;
     case 38:
-        if (m_hooks.loadCdDrive)
-            m_hooks.loadCdDrive();
+        m_parts.loadCdDrive();
         m_interlocks.UpdatePasswordControls();
         break;
     default:
@@ -187,7 +185,7 @@ bool SettingsController::SaveSettings() {
             continue;
         QString value;
         if (holderName == QLatin1String(HolderStatusPanel)) {
-            value = truthText(m_hooks.statusPanelOpen());
+            value = truthText(m_parts.statusPanelOpen());
         } else if (holderName == QLatin1String(HolderLastTab)) {
             value = QString::number(m_tabs.currentIndex());
         } else if (holderName == QLatin1String(HolderBots)) {

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <functional>
 
 class QListWidget;
 class QTabWidget;
@@ -13,13 +12,16 @@ class BotTables;
 class OptionInterlocks;
 struct OptionKey;
 
-// What the settings load and save reach outside the option controls.
-struct SettingsHooks {
-    std::function<void()> RollOut;           // open the status panel
-    std::function<void()> Rollin;            // close the status panel
-    std::function<bool()> statusPanelOpen;   // is the window tall enough to count as open
-    std::function<void()> loadParameterList; // the remembered parameter lines
-    std::function<void()> loadCdDrive;       // the CD drive box
+// What the settings load and save reach outside the option controls; the
+// main window provides it.
+class SettingsWindow {
+public:
+    virtual ~SettingsWindow() = default;
+    virtual void RollOut() = 0;               // open the status panel
+    virtual void Rollin() = 0;                // close the status panel
+    virtual bool statusPanelOpen() const = 0; // is the window tall enough to count as open
+    virtual void loadParameterList() = 0;     // the remembered parameter lines
+    virtual void loadCdDrive() = 0;           // the CD drive box
 };
 
 // Moves the option catalogue between the settings store and the main
@@ -27,7 +29,7 @@ struct SettingsHooks {
 class SettingsController {
 public:
     SettingsController(QObject& window, QTabWidget& tabs, QListWidget& botList, BotTables& bots,
-                       OptionInterlocks& interlocks, AppContext& app, SettingsHooks hooks);
+                       OptionInterlocks& interlocks, AppContext& app, SettingsWindow& parts);
 
     // Applies every stored option to its control, reporting a value that does
     // not convert with its step's message and going on.
@@ -50,7 +52,7 @@ private:
     BotTables& m_bots;
     OptionInterlocks& m_interlocks;
     AppContext& m_app;
-    SettingsHooks m_hooks;
+    SettingsWindow& m_parts;
     qint16 m_gameType = 0;
 };
 

@@ -3,6 +3,7 @@
 
 #include "app/AppContext.h"
 #include "config/ConsoleText.h"
+#include "settings/SettingsController.h"
 #include "settings/TextForms.h"
 #include "ui/MainForm.h"
 
@@ -58,9 +59,8 @@ bool typesNothing(const QKeyEvent* key) {
 }
 } // namespace
 
-Validation::Validation(MainForm& ui, AppContext& app, std::function<bool()> saveSettings,
-                       QObject* parent)
-    : QObject(parent), ui(ui), m_app(app), m_saveSettings(std::move(saveSettings)) {}
+Validation::Validation(MainForm& ui, AppContext& app, SettingsController& settings, QObject* parent)
+    : QObject(parent), ui(ui), m_app(app), m_settings(settings) {}
 
 const QStringList& Validation::numericBoxes() {
     static const QStringList boxes{
@@ -384,7 +384,7 @@ bool Validation::checkAll(QString& failure) {
     }
 
     // A store that refuses the settings stops the launch without a message.
-    return m_saveSettings && m_saveSettings();
+    return m_settings.SaveSettings();
 }
 
 } // namespace halvane

@@ -2,7 +2,6 @@
 
 #include <QObject>
 #include <QStringList>
-#include <functional>
 
 class QLineEdit;
 
@@ -10,6 +9,7 @@ namespace halvane {
 
 struct MainForm;
 struct AppContext;
+class SettingsController;
 
 // The checks before the options are used: ValidateAll before a launch or a
 // configuration write, and the guards that act while the operator types
@@ -17,8 +17,8 @@ struct AppContext;
 class Validation : public QObject {
     Q_OBJECT
 public:
-    // saveSettings stores every option; false when the store refused.
-    Validation(MainForm& ui, AppContext& app, std::function<bool()> saveSettings,
+    // settings stores every option once the checks pass.
+    Validation(MainForm& ui, AppContext& app, SettingsController& settings,
                QObject* parent = nullptr);
 
     // True when every check passed and the settings were stored.
@@ -58,7 +58,7 @@ private:
 
     MainForm& ui;
     AppContext& m_app;
-    std::function<bool()> m_saveSettings;
+    SettingsController& m_settings;
     QList<QObject*> m_numeric;
 };
 

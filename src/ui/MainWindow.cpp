@@ -18,6 +18,8 @@
 #include "settings/TextForms.h"
 #include "settings/Validation.h"
 #include "ui/Accessibility.h"
+#include "ui/AdvancedPage.h"
+#include "ui/BotsPage.h"
 #include "ui/HelpMenu.h"
 #include "ui/ImagePlugins.h"
 #include "ui/MainForm.h"
@@ -71,14 +73,8 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<MainFo
     nameControls(*this);
     m_parameters = std::make_unique<ParameterMemory>(*ui->txtCmdParameters, *ui->chkSpecifyCD,
                                                      *ui->txtCDROM, m_app);
-    SettingsHooks hooks;
-    hooks.RollOut = [this] { m_statusPanel->RollOut(); };
-    hooks.Rollin = [this] { m_statusPanel->Rollin(); };
-    hooks.statusPanelOpen = [this] { return m_statusPanel->isOpen(); };
-    hooks.loadParameterList = [this] { m_parameters->loadParameterList(); };
-    hooks.loadCdDrive = [this] { m_parameters->loadCdDrive(); };
     m_settings = std::make_unique<SettingsController>(*this, *ui->SSTab1, *ui->BotList, m_botTables,
-                                                      *m_interlocks, m_app, hooks);
+                                                      *m_interlocks, m_app, *this);
     // Not a child widget: the main window is disabled while the dialog is
     // open, and a child would be disabled with it.
     m_pathDialog = std::make_unique<PathDialog>(m_app, *this);
@@ -87,29 +83,19 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<MainFo
                                                  m_app.platform.folder.installed());
     m_maps = std::make_unique<MapsController>(*this, *ui, m_app, *m_catalogue);
     m_maps->closeMainWindow = [this] { close(); };
-    m_interlocks->suggestMaps = [this](int gameType) { m_maps->suggestMaps(gameType); };
-    m_bots = std::make_unique<BotsController>(*ui, m_botTables, m_app);
+    connect(m_interlocks.get(), &OptionInterlocks::gameTypeChosen, m_maps.get(),
+            &MapsController::suggestMaps);
+    m_bots = std::make_unique<BotsController>(ui->tabBots->form(), *ui->txtMaxPlayers, m_botTables,
+                                              m_app);
+    connect(m_bots.get(), &BotsController::tip, m_tips.get(), &TipLine::ShowTip);
     m_config = std::make_unique<ConfigController>(*ui, m_botTables, *m_catalogue, m_app, *m_random);
 
-    m_validation =
-        std::make_unique<Validation>(*ui, m_app, [this] { return m_settings->SaveSettings(); });
+    m_validation = std::make_unique<Validation>(*ui, m_app, *m_settings);
     m_validation->installGuards();
-    const WriteConfigFunction writeConfig = [this](const QString& path, bool withCommandLine,
-                                                   const QString& commandLine) {
-        return m_config->WriteConfig(path, withCommandLine, commandLine);
-    };
-    m_configCommands = std::make_unique<ConfigFileCommands>(
-        *ui, m_app, [this] { return m_validation->ValidateAll(); }, writeConfig);
-    m_configCommands->consoleTextIsSafe = [this] { return m_validation->consoleTextIsSafe(false); };
-    LaunchHooks launchHooks;
-    launchHooks.saveParameterList = [this] { m_parameters->saveParameterList(); };
-    launchHooks.loadParameterList = [this] { m_parameters->loadParameterList(); };
-    launchHooks.ValidateAll = [this] { return m_validation->ValidateAll(); };
-    launchHooks.CommitShownMap = [this] { m_maps->CommitShownMap(); };
-    launchHooks.MakeBotScript = [this] { m_config->MakeBotScript(); };
-    launchHooks.WriteConfig = writeConfig;
-    m_launch = std::make_unique<LaunchController>(*ui, m_app, *this, launchHooks);
-    m_servers = std::make_unique<ServerControl>(*this, *ui, m_app, *m_launch);
+    m_configCommands = std::make_unique<ConfigFileCommands>(*ui, m_app, *this);
+    m_launch = std::make_unique<LaunchController>(*ui, m_app, *this, *this);
+    m_servers =
+        std::make_unique<ServerControl>(*this, *ui, ui->tabAdvanced->form(), m_app, *m_launch);
     m_export = std::make_unique<ServerExport>(*this, m_app);
 
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
@@ -135,6 +121,47 @@ void MainWindow::connectMenus() {
         connect(action, &QAction::triggered, this,
                 [this, index = index] { ui->SSTab1->setCurrentIndex(index); });
     }
+}
+
+bool MainWindow::ValidateAll() {
+    return m_validation->ValidateAll();
+}
+
+bool MainWindow::WriteConfig(const QString& path, bool withCommandLine,
+                             const QString& commandLine) {
+    return m_config->WriteConfig(path, withCommandLine, commandLine);
+}
+
+void MainWindow::saveParameterList() {
+    m_parameters->saveParameterList();
+}
+
+void MainWindow::loadParameterList() {
+    m_parameters->loadParameterList();
+}
+
+void MainWindow::CommitShownMap() {
+    m_maps->CommitShownMap();
+}
+
+void MainWindow::MakeBotScript() {
+    m_config->MakeBotScript();
+}
+
+void MainWindow::RollOut() {
+    m_statusPanel->RollOut();
+}
+
+void MainWindow::Rollin() {
+    m_statusPanel->Rollin();
+}
+
+bool MainWindow::statusPanelOpen() const {
+    return m_statusPanel->isOpen();
+}
+
+void MainWindow::loadCdDrive() {
+    m_parameters->loadCdDrive();
 }
 
 void MainWindow::start() {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "bots/BotTables.h"
+#include "launch/LaunchSteps.h"
 #include "launch/PathDialog.h"
+#include "settings/SettingsController.h"
 
 #include <QMainWindow>
 #include <memory>
@@ -28,9 +30,13 @@ class ServerControl;
 class ServerExport;
 class Validation;
 
-// The main window: owns the form and the per-subsystem controllers, and runs
-// the start-up and shut-down sequences.
-class MainWindow : public QMainWindow, public PathDialogHost {
+// The main window: owns the frame with its pages and the per-subsystem
+// controllers, runs the start-up and shut-down sequences, and is what the
+// launch and the settings reach the other subsystems through.
+class MainWindow : public QMainWindow,
+                   public PathDialogHost,
+                   private LaunchSteps,
+                   private SettingsWindow {
     Q_OBJECT
 public:
     explicit MainWindow(AppContext& app);
@@ -75,6 +81,18 @@ protected:
     void closeEvent(QCloseEvent* event) override;
 
 private:
+    bool ValidateAll() override;
+    bool WriteConfig(const QString& path, bool withCommandLine,
+                     const QString& commandLine) override;
+    void saveParameterList() override;
+    void loadParameterList() override;
+    void CommitShownMap() override;
+    void MakeBotScript() override;
+    void RollOut() override;
+    void Rollin() override;
+    bool statusPanelOpen() const override;
+    void loadCdDrive() override;
+
     void load();
     void unload();
     void cmdSetPath();
