@@ -15,6 +15,7 @@ using namespace halvane::test;
 struct StandInWriter : ConfigSteps {
     explicit StandInWriter(ConfigSteps& wired) : wired(wired) {}
     bool ValidateAll() override { return wired.ValidateAll(); }
+    bool consoleTextIsSafe() override { return wired.consoleTextIsSafe(); }
     bool WriteConfig(const QString& path, bool withCommandLine, const QString& line) override {
         return write(path, withCommandLine, line);
     }

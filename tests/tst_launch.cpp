@@ -37,6 +37,7 @@ struct RecordedSteps : LaunchSteps {
         events << "validate";
         return wired.ValidateAll();
     }
+    bool consoleTextIsSafe() override { return wired.consoleTextIsSafe(); }
     void CommitShownMap() override { events << "commit map"; }
     void MakeBotScript() override {
         events << "bot script";

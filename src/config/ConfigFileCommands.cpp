@@ -110,7 +110,7 @@ bool ConfigFileCommands::mnuFileMakeCfg() {
 }
 
 void ConfigFileCommands::mnuFileSaveAs() {
-    if (consoleTextIsSafe && !consoleTextIsSafe())
+    if (!m_steps->consoleTextIsSafe())
         return;
     const FileChoice choice = m_app.platform.dialogs.saveFile(
         QStringLiteral("Save config file as"), QStringLiteral("Config files|*.cfg;*.config"),

@@ -19,10 +19,6 @@ public:
     ConfigSteps& steps() { return *m_steps; }
     void setSteps(ConfigSteps& steps) { m_steps = &steps; }
 
-    // Refuses (with its own message) script values the game would split into
-    // another command; "Save config file As" validates nothing else.
-    std::function<bool()> consoleTextIsSafe;
-
     // True when the configuration was written.
     bool mnuFileMakeCfg();
     void mnuFileSaveAs();

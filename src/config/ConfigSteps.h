@@ -12,6 +12,9 @@ public:
     // True when every check passed and the settings were stored; a refusal
     // has told the operator why.
     virtual bool ValidateAll() = 0;
+    // Refuses (with its own message) script values the game would split into
+    // another command; "Save config file As" validates nothing else.
+    virtual bool consoleTextIsSafe() = 0;
     // Writes the server configuration to path; withCommandLine adds the
     // game's command line (commandLine, starting with a blank) as a closing
     // comment. False on any failure, with no message: the caller shows one.

@@ -127,6 +127,10 @@ bool MainWindow::ValidateAll() {
     return m_validation->ValidateAll();
 }
 
+bool MainWindow::consoleTextIsSafe() {
+    return m_validation->consoleTextIsSafe(false);
+}
+
 bool MainWindow::WriteConfig(const QString& path, bool withCommandLine,
                              const QString& commandLine) {
     return m_config->WriteConfig(path, withCommandLine, commandLine);

@@ -82,6 +82,7 @@ protected:
 
 private:
     bool ValidateAll() override;
+    bool consoleTextIsSafe() override;
     bool WriteConfig(const QString& path, bool withCommandLine,
                      const QString& commandLine) override;
     void saveParameterList() override;
