@@ -35,8 +35,8 @@ class Validation;
 // launch and the settings reach the other subsystems through.
 class MainWindow : public QMainWindow,
                    public PathDialogHost,
-                   private LaunchSteps,
-                   private SettingsWindow {
+                   public LaunchSteps,
+                   public SettingsWindow {
     Q_OBJECT
 public:
     explicit MainWindow(AppContext& app);
