@@ -86,7 +86,7 @@ void DesktopTest::firstRunPreparesTheFreeGame() {
     window.start();
     QVERIFY(!window.pathDialog().isVisible() && window.isLoaded());
     QCOMPARE(platform.app->state.GameFolder, folder);
-    QCOMPARE(window.form().SelMap->item(2)->text(), QStringLiteral("oa_dm10"));
+    QCOMPARE(entries(window.form().SelMap).value(2), QStringLiteral("oa_dm10"));
     QCOMPARE(window.form().txtHunkMegs->text(), QStringLiteral("64")); // the free game's maps fit
 }
 
@@ -170,12 +170,11 @@ void DesktopTest::programFolderOfEveryInstall() {
         if (firstStart) {
             QCOMPARE(readAll(program + "/maps.dat"), catalogue);
             QCOMPARE(readAll(program + "/botlist.txt"), QByteArray("Grunt\r\n"));
-            window.form().MapList->clearSelection();
-            window.form().MapList->item(1)->setSelected(true);
+            clickEntry(window.form().MapList, 1);
             window.form().cmdAddSelMap->click();
             platform.writeFile(program + "/botlist.txt", "Orbb\r\n");
         } else {
-            QCOMPARE(window.form().SelMap->item(0)->text(), QStringLiteral("q3dm17"));
+            QCOMPARE(entries(window.form().SelMap).value(0), QStringLiteral("q3dm17"));
             QCOMPARE(window.form().BotList->item(0)->text(), QStringLiteral("Orbb"));
         }
         window.close();

@@ -66,9 +66,9 @@ QSet<QString> addedBots(const QString& path) {
 }
 
 void chooseMap(Ui::frmMain& ui, const QString& name, const QString& time, const QString& frag) {
-    const QList<QListWidgetItem*> found = ui.SelMap->findItems(name, Qt::MatchExactly);
-    QVERIFY2(found.size() == 1, qPrintable(name));
-    ui.SelMap->setCurrentItem(found.first());
+    const qsizetype row = test::entries(ui.SelMap).indexOf(name);
+    QVERIFY2(row >= 0, qPrintable(name));
+    test::clickEntry(ui.SelMap, int(row));
     ui.txtMapTimeLimit->setText(time);
     ui.txtMapFragLimit->setText(frag);
 }
@@ -137,9 +137,9 @@ void Operator::launch() {
 
     ui.MapList->clearSelection();
     for (const char* map : {"oa_dm1", "oa_dm2"}) {
-        const QList<QListWidgetItem*> found = ui.MapList->findItems(map, Qt::MatchExactly);
-        QVERIFY2(found.size() == 1, map);
-        found.first()->setSelected(true);
+        const qsizetype row = test::entries(ui.MapList).indexOf(map);
+        QVERIFY2(row >= 0, map);
+        test::clickEntry(ui.MapList, int(row), Qt::ControlModifier);
     }
     ui.cmdAddSelMap->click();
     chooseMap(ui, "oa_dm2", "30", "70");
