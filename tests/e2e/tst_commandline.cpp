@@ -138,6 +138,7 @@ void TestCommandLine::writeConfigIsTheWindows() {
     QVERIFY(w.window->configCommands().mnuFileMakeCfg());
     const QMap<QString, QByteArray> window = filesBelow(baseq3);
     QVERIFY(window.contains("halvane.cfg"));
+    QCOMPARE(window.contains("srvmaps/mapset0.cfg"), !maps.isEmpty()); // the rotation was read
     QCOMPARE(written.keys(), window.keys());
     for (auto it = window.cbegin(); it != window.cend(); ++it)
         QVERIFY2(written[it.key()] == it.value(),
