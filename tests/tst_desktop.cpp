@@ -54,6 +54,7 @@ void DesktopTest::firstRunPreparesTheFreeGame() {
     TestPlatform platform;
     const FreeGameSources sources = fakeFreeGame(platform);
     const QString folder = platform.root() + "/o'neil game"; // one word for sh all the same
+    platform.ini->write("Settings", "Path", "/gone"); // a location the next start would forget
     QCOMPARE(prepareFirstRun(*platform.store, folder, sources, platform.programFolder()).outcome,
              FirstRunResult::Prepared);
 
@@ -103,7 +104,7 @@ void DesktopTest::firstRunStoresNothing() {
     TestPlatform platform;
     const FreeGameSources sources = fakeFreeGame(platform);
     if (missing.isEmpty())
-        platform.ini->write("Settings", "Path", "/somewhere/else");
+        platform.makeGameFolder();
     else if (!QFile::remove(platform.root() + missing))
         QDir(platform.root() + missing).removeRecursively();
     const QString folder = platform.root() + "/openarena";
@@ -111,7 +112,9 @@ void DesktopTest::firstRunStoresNothing() {
         prepareFirstRun(*platform.store, folder, sources, platform.programFolder());
     QCOMPARE(result.outcome,
              missing.isEmpty() ? FirstRunResult::AlreadyStored : FirstRunResult::Failed);
-    QVERIFY(missing.isEmpty() || result.message.contains("ioquake3-server and openarena-server."));
+    QVERIFY(result.message.contains(missing.isEmpty() ? "Set Quake 3 path (Ctrl+P), press \"Use "
+                                                        "the installed free game\" and then Okay."
+                                                      : "ioquake3-server and openarena-server."));
     QVERIFY(platform.store->writes.isEmpty() && !QFileInfo::exists(folder));
 }
 
