@@ -90,7 +90,9 @@ bool ConfigWriter::WriteConfig(const ServerSettings& s, const QString& path, boo
             return false;
     }
 
-    ScriptFile out(path);
+    // The file holds the console password (and, after a launch, the server
+    // password in its closing comment): the user's alone, wherever it is saved.
+    ScriptFile out(path, FileAccess::Private);
     if (!out.open())
         return false;
 
