@@ -26,7 +26,8 @@ public:
 
     void setWriteConfig(WriteConfigFunction writeConfig) { m_writeConfig = std::move(writeConfig); }
 
-    void mnuFileMakeCfg();
+    // True when the configuration was written.
+    bool mnuFileMakeCfg();
     void mnuFileSaveAs();
     void cmdEditCfg();
     void txtCfgChanged();

@@ -44,7 +44,8 @@ public:
 
     LaunchHooks& hooks() { return m_hooks; }
 
-    void cmdStart();
+    // True when the server was started.
+    bool cmdStart();
     // True when the server launched last still runs (its window comes forward).
     bool ServerRunning();
 

@@ -25,9 +25,7 @@ PathDialog::PathDialog(AppContext& app, PathDialogHost& host, QWidget* owner)
 
 PathDialog::~PathDialog() = default;
 
-void PathDialog::load() {
-    AppState& state = m_app.state;
-    const SettingsStore& store = m_app.platform.store;
+bool PathDialog::readStoredLocation(AppState& state, const SettingsStore& store) {
     state.GameFolder = store.read(Section, QStringLiteral("Path"), QString());
     state.GameExeName = store.read(Section, QStringLiteral("Exe"), QString());
 
@@ -38,6 +36,12 @@ void PathDialog::load() {
         state.GameExeName.clear();
         state.ShowStoredPath = false;
     }
+    return !state.GameFolder.isEmpty() && !state.GameExeName.isEmpty();
+}
+
+void PathDialog::load() {
+    AppState& state = m_app.state;
+    readStoredLocation(state, m_app.platform.store);
 
     if (!state.ShowStoredPath) {
         if (!state.GameFolder.isEmpty() && !state.GameExeName.isEmpty()) {

@@ -10,6 +10,8 @@ class frmPath;
 namespace halvane {
 
 struct AppContext;
+struct AppState;
+class SettingsStore;
 
 // What the path dialog needs of the window it returns to.
 class PathDialogHost {
@@ -32,6 +34,10 @@ public:
     // Reads the stored location; closes unseen when it is valid at start-up,
     // otherwise shows itself.
     void load();
+    // Reads the stored game location into the program's state as a start
+    // does; false (and the state cleared) when none is stored or it holds no
+    // quake3.exe.
+    static bool readStoredLocation(AppState& state, const SettingsStore& store);
 
     bool PathChosen = false;
     Ui::frmPath& form() { return *ui; }

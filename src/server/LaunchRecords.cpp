@@ -52,6 +52,8 @@ QJsonObject toJson(const LaunchRecord& r) {
                                 {QStringLiteral("ended"), timeText(run.ended)},
                                 {QStringLiteral("endReason"), run.endReason}});
     o.insert(QStringLiteral("runs"), runs);
+    if (r.added)
+        o.insert(QStringLiteral("added"), true);
     return o;
 }
 
@@ -95,13 +97,25 @@ QString fromJson(const QByteArray& line, LaunchRecord& r) {
                        timeOf(run.value(QStringLiteral("ended"))),
                        run.value(QStringLiteral("endReason")).toString()});
     }
+    r.added = o.value(QStringLiteral("added")).toBool();
     if (r.id.isEmpty())
         return QStringLiteral("no id");
-    if (!pidOk || r.pid <= 0 || !startOk)
+    if (r.added) {
+        // Nothing of ours runs for it.
+        r.pid = r.processStart = 0;
+        r.program.clear();
+        r.arguments.clear();
+        r.logFile.clear();
+        r.monitor = false;
+        r.ended = QDateTime();
+        if (r.address.isEmpty())
+            return QStringLiteral("no address");
+    } else if (!pidOk || r.pid <= 0 || !startOk) {
         return QStringLiteral("no process id");
-    if (r.program.isEmpty())
+    } else if (r.program.isEmpty()) {
         return QStringLiteral("no program");
-    if (port < 0 || port > 65535) // 0: not known yet
+    }
+    if (port < 0 || port > 65535 || (r.added && port == 0)) // 0: not known yet
         return QStringLiteral("no port");
     if (!r.started.isValid())
         return QStringLiteral("no start time");

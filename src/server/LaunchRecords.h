@@ -17,7 +17,8 @@ struct ServerRun {
 };
 
 // What one launch started, kept in the user's state folder so that a later
-// run of the program finds the server again.
+// run of the program finds the server again; or a server on another host
+// that the operator added, which has no process, program or log of ours.
 struct LaunchRecord {
     QString id; // stays the same across restarts
     qint64 pid = 0;
@@ -41,6 +42,7 @@ struct LaunchRecord {
     QDateTime ended; // invalid while it runs
     QString endReason;
     QList<ServerRun> runs; // the earlier ones, oldest first
+    bool added = false;    // by the operator, by its address
 
     bool running() const { return !ended.isValid(); }
 };

@@ -65,13 +65,17 @@ struct ServerEntry {
     int quickEnds = 0; // ends soon after a start, one after another
 };
 
-// The servers this program started: their records in the user's state
-// folder, their status over UDP, the monitor that restarts them, and the
-// operator's actions. Everything runs on the window's thread without
-// waiting: answers arrive as the socket's events.
+// The servers this program started and those the operator added by their
+// address: their records in the user's state folder, their status over UDP,
+// the monitor that restarts them, and the operator's actions. Everything
+// runs on the window's thread without waiting: answers arrive as the
+// socket's events.
 class ServerManager : public QObject {
     Q_OBJECT
 public:
+    // Look only queries: nothing is restarted and the state file is not
+    // written.
+    enum class Role { Steer, Look };
     static constexpr int RefreshMs = 2000;
     static constexpr int KeptEnded = 10; // ended servers still listed
     static constexpr int KeptRuns = 100; // earlier runs of one server whose logs stay listed
@@ -89,7 +93,7 @@ public:
         int largestPass = 0;  // datagrams read in one pass, at most
     };
 
-    explicit ServerManager(AppContext& app, QObject* parent = nullptr);
+    explicit ServerManager(AppContext& app, QObject* parent = nullptr, Role role = Role::Steer);
     ~ServerManager() override;
 
     // Reads the state file once; later calls do nothing.
@@ -107,6 +111,11 @@ public:
                        const QString& rconPassword);
     void setLimits(const MonitorLimits& limits) { m_limits = limits; }
     const MonitorLimits& limits() const { return m_limits; }
+
+    // A server on another host (or one started otherwise): status, players
+    // and console, nothing of its process. Empty when added, otherwise why
+    // not, as one line.
+    QString add(const QString& address, const QString& port, const QString& rconPassword);
 
     using AnswerHandler = std::function<void(const protocol::RconAnswer&)>;
     void rcon(const QString& id, const QString& command, AnswerHandler done);
@@ -157,6 +166,7 @@ private:
     static std::optional<quint32> addressOf(const LaunchRecord& record);
 
     AppContext& m_app;
+    Role m_role;
     LaunchRecordFile m_file;
     MonitorLimits m_limits;
     QList<ServerEntry> m_servers;
@@ -170,5 +180,10 @@ private:
     std::map<QString, std::deque<Exchange>> m_exchanges;
     std::map<QString, std::unique_ptr<QTimer>> m_exchangeTimers;
 };
+
+// Every server of the state file, started and added, with its status as far
+// as one query is answered within waitMs. No window: an application object
+// and its event loop are enough. Nothing is started, restarted or written.
+QList<ServerEntry> listServers(AppContext& app, int waitMs = 1500);
 
 } // namespace halvane

@@ -6,9 +6,11 @@
 #include "bots/RandomSource.h"
 #include "config/ConfigController.h"
 #include "config/ConfigFileCommands.h"
+#include "export/ServerExport.h"
 #include "launch/LaunchController.h"
 #include "launch/ParameterMemory.h"
 #include "maps/MapCatalogue.h"
+#include "maps/MapDiscovery.h"
 #include "maps/MapsController.h"
 #include "server/ServerControl.h"
 #include "settings/OptionInterlocks.h"
@@ -107,6 +109,7 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::fr
     launchHooks.WriteConfig = writeConfig;
     m_launch = std::make_unique<LaunchController>(*ui, m_app, *this, launchHooks);
     m_servers = std::make_unique<ServerControl>(*this, *ui, m_app, *m_launch);
+    m_export = std::make_unique<ServerExport>(*this, m_app);
 
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
     connect(ui->cmdSetPath, &QAbstractButton::clicked, this, &MainWindow::cmdSetPath);
@@ -135,6 +138,20 @@ void MainWindow::connectMenus() {
 
 void MainWindow::start() {
     m_pathDialog->load();
+}
+
+bool MainWindow::loadWithoutWindow() {
+    if (!PathDialog::readStoredLocation(m_app.state, m_app.platform.store))
+        return false;
+    // The archive search is the window's, with its progress shown; loose
+    // maps and the import list are still taken in as at every start.
+    m_maps->discovery().searchAtStartup = [] { return false; };
+    load();
+    // On the first tab, as the window shows itself: the tab's frame rules
+    // decide what a write takes, so a command writes what the window would
+    // right after its start.
+    ui->SSTab1->setCurrentIndex(0);
+    return !m_ended;
 }
 
 void MainWindow::showMainWindow() {
