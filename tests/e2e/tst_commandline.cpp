@@ -96,6 +96,7 @@ private slots:
     void refusals();
     void launchStatusStopAndExport();
     void runScriptKeepsEveryWord();
+    void exportOnAFullDisk();
 };
 
 void TestCommandLine::writeConfigIsTheWindows_data() {
@@ -333,6 +334,25 @@ void TestCommandLine::runScriptKeepsEveryWord() {
     QVERIFY(run.waitForFinished(30000));
     QCOMPARE(QString::fromUtf8(run.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts),
              exporting::serverArguments(input, QFileInfo(p.root()).canonicalFilePath(), true));
+}
+
+// An export that runs out of room half way leaves nothing behind.
+void TestCommandLine::exportOnAFullDisk() {
+    test::TestPlatform p;
+    p.makeGameFolder();
+    const QString disk = p.root() + "/disk";
+    QDir().mkpath(disk);
+    if (QProcess::execute("mount", {"-t", "tmpfs", "-o", "size=16k", "tmpfs", disk}) != 0)
+        QSKIP("Mounting a small disk needs root; run as root to fill one.");
+    auto unmount = qScopeGuard([&] { QProcess::execute("umount", {"-l", disk}); });
+    CommandLine cli(p);
+    const Result result = cli.run({"export", disk + "/server"});
+    QCOMPARE(result.code, 1);
+    QVERIFY2(result.err.startsWith("Export Server: Cannot write " + disk + "/server/") &&
+                 result.err.contains("No space left on device"),
+             qPrintable(result.err));
+    QCOMPARE(QDir(disk).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList());
 }
 
 QTEST_MAIN(TestCommandLine)
