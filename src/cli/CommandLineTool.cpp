@@ -97,14 +97,16 @@ struct ConsoleContext {
 QString stateText(const ServerEntry& server) {
     if (!server.record.running())
         return QStringLiteral("ended");
-    return server.live.lastAnswer.isValid() ? QStringLiteral("running")
-                                            : QStringLiteral("not answering");
+    if (!server.live.lastAnswer.isValid())
+        return QStringLiteral("not answering");
+    return server.record.added ? QStringLiteral("answering") : QStringLiteral("running");
 }
 
 QJsonObject serverJson(const ServerEntry& server) {
     const LaunchRecord& r = server.record;
     QJsonObject o{{QStringLiteral("id"), r.id},
                   {QStringLiteral("state"), stateText(server)},
+                  {QStringLiteral("added"), r.added},
                   {QStringLiteral("pid"), r.pid},
                   {QStringLiteral("address"), r.address},
                   {QStringLiteral("port"), int(r.port)},
@@ -129,48 +131,21 @@ QJsonObject serverJson(const ServerEntry& server) {
     return o;
 }
 
-// Waits for the servers' answers, as long as a round of the window's refresh.
-void awaitAnswers(ServerManager& manager) {
-    QEventLoop loop;
-    const auto settled = [&manager] {
-        for (const ServerEntry& server : manager.servers()) {
-            if (server.record.running() && !server.live.lastAnswer.isValid() &&
-                server.live.problem.isEmpty())
-                return false;
-        }
-        return true;
-    };
-    if (settled())
-        return;
-    QObject::connect(&manager, &ServerManager::serverChanged, &loop, [&] {
-        if (settled())
-            loop.quit();
-    });
-    QTimer::singleShot(ServerManager::RefreshMs, &loop, &QEventLoop::quit);
-    loop.exec();
-}
-
 int status(bool json) {
     ConsoleContext context;
-    ServerManager manager(context.app);
-    manager.load();
-    if (!manager.fileProblem().isEmpty())
-        print(stderr, QStringLiteral("halvane: ") + manager.fileProblem());
-    manager.setWatched(true);
-    manager.refresh();
-    awaitAnswers(manager);
+    const QList<ServerEntry> servers = listServers(context.app);
     if (json) {
         QJsonArray list;
-        for (const ServerEntry& server : manager.servers())
+        for (const ServerEntry& server : servers)
             list.append(serverJson(server));
         std::fputs(QJsonDocument(list).toJson(QJsonDocument::Indented).constData(), stdout);
         return Done;
     }
-    if (manager.servers().isEmpty()) {
+    if (servers.isEmpty()) {
         print(stdout, QStringLiteral("No servers."));
         return Done;
     }
-    for (const ServerEntry& server : manager.servers()) {
+    for (const ServerEntry& server : servers) {
         const QJsonObject o = serverJson(server);
         QString line = QStringLiteral("%1  %2  %3:%4")
                            .arg(server.record.id, stateText(server), server.record.address)

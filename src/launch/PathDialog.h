@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/FirstRun.h"
+
 #include <QDialog>
 #include <memory>
 
@@ -42,6 +44,11 @@ public:
     bool PathChosen = false;
     Ui::frmPath& form() { return *ui; }
 
+    // Where the free game is looked for, and the folder it is set up in;
+    // game folders for other server programs are made beside that one.
+    FreeGameSources freeGame;
+    QString freeGameFolder = defaultFreeGameFolder();
+
 protected:
     void closeEvent(QCloseEvent* event) override;
     void reject() override;
@@ -49,6 +56,10 @@ protected:
 private:
     void cmdBrowse();
     void cmdOkay();
+    void cmdFreeGame();
+    // A location whose folder lacks quake3.exe is forgotten at the next
+    // start: offers a game folder whose quake3.exe runs the chosen program.
+    void keepOtherProgram();
     void cmdCancel();
     void unload();
 
