@@ -193,7 +193,7 @@ int stop(const QString& id) {
     if (!ended()) {
         // The manager kills the process once its grace has run out; a little
         // longer than that, the command gives up.
-        QTimer::singleShot((ServerManager::KillGraceSecs + 5) * 1000, &loop, &QEventLoop::quit);
+        QTimer::singleShot((manager.limits().killGraceSecs + 5) * 1000, &loop, &QEventLoop::quit);
         loop.exec();
     }
     if (!ended()) {
