@@ -82,18 +82,23 @@ bool ServerManager::alive(const LaunchRecord& record) const {
            m_app.platform.processes.startTimeOf(record.pid) == record.processStart;
 }
 
-QString ServerManager::newLogFile(quint16 port) const {
-    const QDir logs(m_app.platform.folder.stateFolder() + QStringLiteral("/logs"));
-    if (!logs.mkpath(QStringLiteral(".")))
+QString ServerManager::newLogFile(quint16 port, QString& problem) const {
+    const QString folder = m_app.platform.folder.stateFolder() + QStringLiteral("/logs");
+    const QDir logs(folder);
+    if (!logs.mkpath(QStringLiteral("."))) {
+        problem = QStringLiteral("cannot make the folder ") + QDir::toNativeSeparators(folder);
         return QString();
+    }
     const QString stem = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss")) +
                          QStringLiteral("-%1").arg(port);
     QString path = logs.filePath(stem + QStringLiteral(".log"));
     for (int n = 2; QFile::exists(path); ++n)
         path = logs.filePath(stem + QStringLiteral("-%1.log").arg(n));
     QFile probe(path);
-    if (!probe.open(QIODevice::WriteOnly | QIODevice::Append))
+    if (!probe.open(QIODevice::WriteOnly | QIODevice::Append)) {
+        problem = QDir::toNativeSeparators(path) + QStringLiteral(": ") + probe.errorString();
         return QString();
+    }
     return path;
 }
 
@@ -115,7 +120,9 @@ StartResult ServerManager::launch(const QString& program, const QStringList& arg
     const uint number = port.trimmed().toUInt(&portOk);
     record.port = portOk && number > 0 && number <= 65535 ? quint16(number) : GamePort;
     record.rconPassword = rconPassword;
-    record.logFile = newLogFile(record.port);
+    m_launchProblem.clear();
+    QString logProblem;
+    record.logFile = newLogFile(record.port, logProblem);
     const StartResult started =
         m_app.platform.processes.start(program, arguments, folder, record.logFile);
     if (!started.started) {
@@ -133,10 +140,19 @@ StartResult ServerManager::launch(const QString& program, const QStringList& arg
     m_servers.removeIf(
         [&](const ServerEntry& server) { return !server.record.running() && ++ended > KeptEnded; });
     if (record.logFile.isEmpty())
-        m_servers.first().live.problem =
-            QStringLiteral("No log: the folder %1 cannot be written")
-                .arg(QDir::toNativeSeparators(m_app.platform.folder.stateFolder()));
+        m_servers.first().live.problem = QStringLiteral("No log: ") + logProblem;
     save();
+    // Said at the launch, not only in the server window.
+    QStringList lost;
+    if (record.logFile.isEmpty())
+        lost << QStringLiteral("Its output is not logged: ") + logProblem + QLatin1Char('.');
+    if (m_fileProblem.startsWith(QLatin1String("Could not write")))
+        lost << QStringLiteral("It is not recorded, so the server window forgets it when "
+                               "Halvane closes. ") +
+                    m_fileProblem + QLatin1Char('.');
+    if (!lost.isEmpty())
+        m_launchProblem =
+            QStringLiteral("The server was started.\r\r") + lost.join(QStringLiteral("\r\r"));
     m_tick.start();
     emit listChanged();
     return started;
@@ -182,12 +198,16 @@ QString ServerManager::add(const QString& address, const QString& port,
 
 bool ServerManager::startProcess(ServerEntry& server) {
     LaunchRecord& r = server.record;
-    const QString log = newLogFile(r.port);
+    QString logProblem;
+    const QString log = newLogFile(r.port, logProblem);
     const StartResult started =
         m_app.platform.processes.start(r.program, r.arguments, r.gameFolder, log);
     if (!started.started) {
+        if (!log.isEmpty())
+            QFile::remove(log); // the empty file made for it
         server.live.problem =
-            QStringLiteral("Could not start the server again (error %1)").arg(started.errorCode);
+            QStringLiteral("Could not start the server again: %1: %2")
+                .arg(QDir::toNativeSeparators(r.program), qt_error_string(started.errorCode));
         return false;
     }
     const qint64 oldPid = r.pid;
@@ -198,6 +218,8 @@ bool ServerManager::startProcess(ServerEntry& server) {
     r.ended = QDateTime();
     r.endReason.clear();
     server.live = ServerLive();
+    if (log.isEmpty())
+        server.live.problem = QStringLiteral("No log: ") + logProblem;
     emit restarted(oldPid, r.pid);
     return true;
 }
