@@ -283,6 +283,19 @@ const std::tuple<const char*, QString, QString, QString, QString> EditorChecks[]
      ".map.bsp"},
     {"two words", "my map", "Warning", "Spaces are not allowed in map file names!", "my map"},
     {"existing map", "A", "Get some rest!", "That map already exists!", ""},
+    // Names the game's console would split or cut short in a rotation line.
+    {"a semicolon", "q;quit", "Warning",
+     "File Name cannot hold a semicolon (;): the game would read the rest as another command.",
+     "q;quit"},
+    {"a quote", "q\"x", "Warning",
+     "File Name cannot hold a double quote (\"): the game would read the rest as another command.",
+     "q\"x"},
+    {"a tab", "q\tquit", "Warning",
+     "File Name cannot hold a control character (code 9): the game would read the rest as "
+     "another command.",
+     "q\tquit"},
+    {"a comment mark", "q//x", "Warning",
+     "File Name cannot hold a comment mark (// or /*): the game would not read the rest.", "q//x"},
 };
 
 void MapSelectionTest::editorChecks_data() {

@@ -111,6 +111,8 @@ bool ConfigFileCommands::mnuFileMakeCfg() {
 }
 
 void ConfigFileCommands::mnuFileSaveAs() {
+    if (consoleTextIsSafe && !consoleTextIsSafe())
+        return;
     const FileChoice choice = m_app.platform.dialogs.saveFile(
         QStringLiteral("Save config file as"), QStringLiteral("Config files|*.cfg;*.config"),
         QStringLiteral("*.cfg"), m_app.state.gameFile(QStringLiteral("baseq3")));

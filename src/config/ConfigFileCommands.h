@@ -26,6 +26,10 @@ public:
 
     void setWriteConfig(WriteConfigFunction writeConfig) { m_writeConfig = std::move(writeConfig); }
 
+    // Refuses (with its own message) script values the game would split into
+    // another command; "Save config file As" validates nothing else.
+    std::function<bool()> consoleTextIsSafe;
+
     // True when the configuration was written.
     bool mnuFileMakeCfg();
     void mnuFileSaveAs();

@@ -1,6 +1,7 @@
 #include "maps/MapEditor.h"
 
 #include "app/AppContext.h"
+#include "config/ConsoleText.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapNameList.h"
 #include "maps/MapSelection.h"
@@ -92,6 +93,14 @@ bool MapEditor::CheckValidMap() {
         messages.tell(QStringLiteral("Warning"),
                       QStringLiteral("Spaces are not allowed in map file names!"),
                       MsgIcon::Information);
+        ui->txtFileName->selectAll();
+        ui->txtFileName->setFocus();
+        return false;
+    }
+    // The name goes into the map command of halvane.cfg and the rotation lines.
+    if (const QString refused = mapNameRefusal(QStringLiteral("File Name"), file);
+        !refused.isEmpty()) {
+        messages.tell(QStringLiteral("Warning"), refused, MsgIcon::Information);
         ui->txtFileName->selectAll();
         ui->txtFileName->setFocus();
         return false;

@@ -100,6 +100,7 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::fr
     };
     m_configCommands = std::make_unique<ConfigFileCommands>(
         *ui, m_app, [this] { return m_validation->ValidateAll(); }, writeConfig);
+    m_configCommands->consoleTextIsSafe = [this] { return m_validation->consoleTextIsSafe(false); };
     LaunchHooks launchHooks;
     launchHooks.saveParameterList = [this] { m_parameters->saveParameterList(); };
     launchHooks.loadParameterList = [this] { m_parameters->loadParameterList(); };

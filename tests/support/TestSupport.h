@@ -1,7 +1,7 @@
 #pragma once
 
+#include "FakePlatform.h"
 #include "app/AppContext.h"
-#include "platform/FakePlatform.h"
 #include "platform/QtPlatform.h"
 #include "ui/FirstRun.h"
 #include "ui/MainWindow.h"
