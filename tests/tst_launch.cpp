@@ -425,17 +425,19 @@ void LaunchTest::stateThatCannotBeKept() {
     makeWindow(platform->processes);
     ui->cmdStart->click();
     QCOMPARE(platform->processes.started.size(), 1);
-    QCOMPARE(onlyMessage(platform->messages),
-             message("Halvane",
-                     "The server was started.\r\rIts output is not logged: cannot make the "
-                     "folder " +
-                         state +
-                         "/logs.\r\rIt is not recorded, so the server window "
-                         "forgets it when Halvane closes. Could not write the server list " +
-                         state + "/servers.jsonl: cannot make the folder " + state + ".",
-                     MsgButtons::Ok, MsgIcon::Information));
-
+    const QString said = onlyMessage(platform->messages);
+    const QString buttons = message("", "", MsgButtons::Ok, MsgIcon::Information).section('|', 2);
+    QVERIFY2(said.startsWith("Halvane|The server was started.\r\rIts output is not logged: "
+                             "cannot make the folder " +
+                             state + "/logs.\r\r") &&
+                 said.endsWith("\r\rIt is not recorded, so the server window forgets it when "
+                               "Halvane closes. Could not write the server list " +
+                               state + "/servers.jsonl: cannot make the folder " + state + ".|" +
+                               buttons),
+             qPrintable(said));
     QFile::remove(state);
+    platform->messages.answers = {MsgAnswer::Yes}; // to the second server's question
+    ui->cmdStart->click();
     ServerManager& manager = window->servers().manager();
     platform->processes.alive.clear(); // it ended
     platform->processes.failWithCode = ENOENT;
@@ -443,7 +445,7 @@ void LaunchTest::stateThatCannotBeKept() {
     QCOMPARE(manager.servers().value(0).live.problem,
              "Could not start the server again: " + platform->gameFolder() +
                  "/quake3.exe: No such file or directory");
-    QCOMPARE(QDir(state + "/logs").entryList(QDir::Files), QStringList{});
+    QCOMPARE(QDir(state + "/logs").entryList(QDir::Files).size(), 1); // the second launch's
 }
 
 QTEST_MAIN(LaunchTest)

@@ -7,6 +7,8 @@
 #include "ui/Accessibility.h"
 #include "ui_frmServer.h"
 
+#include <QDir>
+#include <QFile>
 #include <QFontDatabase>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -161,10 +163,13 @@ void ServerWindow::fillRow(QTreeWidgetItem& item, const ServerEntry& server) con
     const auto& status = server.live.status;
     using protocol::cutForDisplay;
     using protocol::withoutColours;
-    const QString name = status ? withoutColours(status->value("sv_hostname")) : QString();
+    // The name it last answered with stays once it has ended.
+    const QString name = withoutColours(status ? status->value("sv_hostname") : r.hostName);
     item.setText(Name, cutForDisplay(name, ShownName));
     item.setToolTip(Name, name.size() > ShownName ? name : QString());
-    item.setText(Address, QStringLiteral("%1:%2").arg(r.address).arg(r.port));
+    // No port until the game has said where it listens.
+    item.setText(Address,
+                 r.port != 0 ? QStringLiteral("%1:%2").arg(r.address).arg(r.port) : r.address);
     item.setText(Map, status ? cutForDisplay(status->value("mapname"), ShownName) : QString());
     item.setText(GameType,
                  status
@@ -258,9 +263,34 @@ void ServerWindow::showDetails() {
     showProblem();
 }
 
+// The end of a log, for a server the monitor gave up on: what it said last
+// usually tells why it would not come up.
+static QString lastLogLines(const QString& path) {
+    constexpr int Lines = 6;
+    constexpr qint64 Tail = 4096;
+    QFile file(path);
+    if (path.isEmpty() || !file.open(QIODevice::ReadOnly))
+        return QString();
+    file.seek(qMax<qint64>(0, file.size() - Tail));
+    QStringList lines = QString::fromLatin1(file.read(Tail)).split(QLatin1Char('\n'));
+    for (QString& line : lines)
+        line = protocol::withoutColours(line.trimmed());
+    lines.removeAll(QString());
+    return lines.mid(qMax<qsizetype>(0, lines.size() - Lines)).join(QLatin1Char('\n'));
+}
+
 void ServerWindow::showProblem() {
     const ServerEntry* server = m_manager.find(currentId());
-    QStringList lines{m_manager.fileProblem(), server ? server->live.problem : QString(),
+    QString gaveUp;
+    if (server && !server->record.running() &&
+        server->record.endReason.startsWith(QLatin1String("gave up"))) {
+        const QString log = QDir::toNativeSeparators(server->record.logFile);
+        const QString tail = lastLogLines(server->record.logFile);
+        gaveUp = QStringLiteral("The monitor ") + server->record.endReason +
+                 (tail.isEmpty() ? QStringLiteral(". Its log %1 says nothing.").arg(log)
+                                 : QStringLiteral(". Its log %1 ends with:\n").arg(log) + tail);
+    }
+    QStringList lines{m_manager.fileProblem(), server ? server->live.problem : QString(), gaveUp,
                       m_actionProblem, m_logProblem};
     lines.removeAll(QString());
     ui->lblProblem->setText(lines.join(QLatin1Char('\n')));

@@ -169,6 +169,7 @@ private slots:
     void init();
     void operatorLaunchesTwoServers();
     void serverWindowSteersTheServer();
+    void restartsKeepTheirServer();
 };
 
 void TestLaunchWindow::init() {
@@ -318,6 +319,83 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
     QTRY_VERIFY_WITH_TIMEOUT(list->currentItem() && list->currentItem()->text(State) == "running",
                              30000);
     QCOMPARE(op.window->servers().manager().servers().value(0).record.pid, survivor);
+}
+
+// Two servers from one game folder: the second launched with text in the
+// port box and other settings; the first restarted as it was launched, then
+// hung until the monitor gives up, then its game folder gone.
+void TestLaunchWindow::restartsKeepTheirServer() {
+    Operator op;
+    op.launch();
+    if (QTest::currentTestFailed())
+        return;
+    op.window->findChild<QAction*>("mnuServerStatus")->trigger();
+    ServerWindow& window = op.window->servers().serverWindow();
+    ServerManager& manager = op.window->servers().manager();
+    Ui::frmServer& ui = window.form();
+    enum { Name, Address, Map, Type, Players, Uptime, State };
+    const QString first = manager.servers().value(0).record.id;
+    const auto record = [&](const QString& id) { return manager.find(id)->record; };
+    const auto row = [&](const QString& id, int column) {
+        for (int i = 0; i < ui.lstServers->topLevelItemCount(); ++i) {
+            const QTreeWidgetItem* item = ui.lstServers->topLevelItem(i);
+            if (item->data(0, Qt::UserRole) == id)
+                return item->text(column);
+        }
+        return QString();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(row(first, Map) == "oa_dm1", 60000);
+    ui.chkMonitor->click();
+    QVERIFY(record(first).monitor);
+
+    op.ui().txtServerName->setText("Second Server");
+    chooseMap(op.ui(), "oa_dm1", "25", "60");
+    op.ui().cmdRemSelMap->click();      // oa_dm2 alone
+    op.ui().txtNetPort->setText("abc"); // the game takes any free port
+    op.platform.messages.answers = {MsgAnswer::Yes};
+    op.ui().cmdStart->click();
+    const QString second = manager.servers().value(0).record.id;
+    QVERIFY(second != first);
+    QTRY_VERIFY_WITH_TIMEOUT(row(second, Name) == "Second Server", 60000);
+    QCOMPARE(row(second, Map), QStringLiteral("oa_dm2"));
+    const quint16 opened = record(second).port;
+    QVERIFY(opened != 0 && opened != op.port);
+    QCOMPARE(getStatus(opened)->info.value("sv_hostname"), QStringLiteral("Second Server"));
+    QCOMPARE(row(first, Name), QStringLiteral("Halvane window e2e"));
+    QCOMPARE(record(first).monitorRestarts, 0); // the healthy one left alone
+
+    ui.lstServers->setCurrentItem(ui.lstServers->topLevelItem(1));
+    QCOMPARE(window.currentId(), first);
+    const qint64 before = record(first).pid;
+    ui.cmdRestart->click();
+    QTRY_VERIFY_WITH_TIMEOUT(record(first).pid != before && row(first, State) == "running", 60000);
+    QCOMPARE(row(first, Name), QStringLiteral("Halvane window e2e"));
+    QCOMPARE(row(first, Map), QStringLiteral("oa_dm1"));
+
+    // Hung: every start of it stopped before it can answer.
+    manager.setLimits({3, 5, 1, 1, 1, 2});
+    QSet<qint64> hung;
+    const auto hangEach = [&] {
+        const LaunchRecord now = record(first);
+        if (now.running() && !hung.contains(now.pid) && ::kill(pid_t(now.pid), SIGSTOP) == 0)
+            hung.insert(now.pid);
+        return !now.running();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(hangEach(), 120000);
+    QVERIFY2(row(first, State).contains("(gave up: 2 times in a row"),
+             qPrintable(row(first, State)));
+    QCOMPARE(hung.size(), 3); // the start that had answered, then two that never did
+    QVERIFY2(ui.lblProblem->text().contains("Its log " + record(first).logFile),
+             qPrintable(ui.lblProblem->text()));
+    QCOMPARE(record(second).monitorRestarts, 0);
+    QVERIFY(getStatus(opened));
+
+    QVERIFY(QDir().rename(op.game, op.game + "-gone"));
+    ui.cmdRestart->click();
+    const QString gone =
+        "Could not start the server again: the game folder " + op.game + " does not exist any more";
+    QVERIFY2(ui.lblProblem->text().split('\n').contains(gone), qPrintable(ui.lblProblem->text()));
+    QVERIFY(!record(first).running());
 }
 
 QTEST_MAIN(TestLaunchWindow)
