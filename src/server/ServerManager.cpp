@@ -224,6 +224,7 @@ QString ServerManager::add(const QString& address, const QString& port,
     record.started = QDateTime::currentDateTime();
     record.id = QStringLiteral("added-") + serverId(record.started, m_servers.size());
     m_servers.prepend({record, {}});
+    m_servers.first().live.portRead = true; // the one given: no log of ours tells another
     save();
     m_tick.start();
     emit listChanged();
@@ -365,7 +366,7 @@ void ServerManager::refresh() {
             emit serverChanged(server.record.id);
             continue;
         }
-        if (!server.live.portRead)
+        if (!server.live.portRead && !server.record.added)
             changed |= readOpenedPort(server);
         if (polled(server))
             query(server);

@@ -9,6 +9,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QHeaderView>
 #include <QLineEdit>
@@ -269,7 +270,8 @@ static QString lastLogLines(const QString& path) {
     constexpr int Lines = 6;
     constexpr qint64 Tail = 4096;
     QFile file(path);
-    if (path.isEmpty() || !file.open(QIODevice::ReadOnly))
+    // A pipe would never end a read, and block the window.
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
         return QString();
     file.seek(qMax<qint64>(0, file.size() - Tail));
     QStringList lines = QString::fromLatin1(file.read(Tail)).split(QLatin1Char('\n'));

@@ -9,11 +9,13 @@
 #include "TestSupport.h"
 
 #include "launch/LaunchController.h"
+#include "server/AddServerDialog.h"
 #include "server/LaunchRecords.h"
 #include "server/ServerControl.h"
 #include "server/ServerManager.h"
 #include "server/ServerWindow.h"
 #include "ui/MainWindow.h"
+#include "ui_frmAddServer.h"
 #include "ui_frmMain.h"
 #include "ui_frmPath.h"
 #include "ui_frmServer.h"
@@ -21,6 +23,7 @@
 #include <QSet>
 #include <QtTest>
 #include <csignal>
+#include <unistd.h>
 
 using namespace halvane;
 using namespace halvane::e2e;
@@ -169,6 +172,7 @@ private slots:
     void init();
     void operatorLaunchesTwoServers();
     void serverWindowSteersTheServer();
+    void serverOnAnotherHost();
     void restartsKeepTheirServer();
 };
 
@@ -319,6 +323,115 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
     QTRY_VERIFY_WITH_TIMEOUT(list->currentItem() && list->currentItem()->text(State) == "running",
                              30000);
     QCOMPARE(op.window->servers().manager().servers().value(0).record.pid, survivor);
+}
+
+// Another host of the test's own: a network namespace joined to this one by a
+// veth pair, with addresses of its own. Removed when the test ends, however
+// it ends; the server in it ends first.
+struct OtherHost {
+    const qint64 id = QCoreApplication::applicationPid();
+    const QString name = QStringLiteral("halvane-e2e-%1").arg(id);
+    const QString near = QStringLiteral("hv%1a").arg(id % 10000000);
+    const QString far = QStringLiteral("hv%1b").arg(id % 10000000);
+    // A /30 of its own in 10.213/16 for each test process.
+    const QString net = QStringLiteral("10.213.%1.%2").arg(id / 64 % 256);
+    const QString nearAddress = net.arg(id % 64 * 4 + 1);
+    const QString farAddress = net.arg(id % 64 * 4 + 2);
+    QProcess server;
+    bool made = false;
+
+    static bool ip(const QStringList& arguments) {
+        return QProcess::execute(QStringLiteral("ip"), arguments) == 0;
+    }
+    // Empty when made, otherwise why not.
+    QString make() {
+        made = ip({"netns", "add", name});
+        if (!made)
+            return "cannot make a network namespace (ip netns add " + name + ")";
+        const bool linked =
+            ip({"link", "add", near, "type", "veth", "peer", "name", far}) &&
+            ip({"link", "set", far, "netns", name}) &&
+            ip({"addr", "add", nearAddress + "/30", "dev", near}) &&
+            ip({"link", "set", near, "up"}) &&
+            ip({"netns", "exec", name, "ip", "addr", "add", farAddress + "/30", "dev", far}) &&
+            ip({"netns", "exec", name, "ip", "link", "set", far, "up"}) &&
+            ip({"netns", "exec", name, "ip", "link", "set", "lo", "up"});
+        return linked ? QString() : "cannot join it by a veth pair " + near + " and " + far;
+    }
+    ~OtherHost() {
+        if (server.state() != QProcess::NotRunning) {
+            server.kill();
+            server.waitForFinished(10000);
+        }
+        if (made)
+            ip({"netns", "del", name}); // and the veth pair with it
+        ip({"link", "del", near});      // should it not have been moved yet
+    }
+};
+
+// A server Halvane did not start, on another host: added in the server
+// window by its address there, its status, console and Next Map read and
+// used across the link.
+void TestLaunchWindow::serverOnAnotherHost() {
+    if (::geteuid() != 0)
+        QSKIP("only root can make the network namespace and veth pair this test runs in");
+    OtherHost host;
+    const QString made = host.make();
+    if (!made.isEmpty())
+        QSKIP(qPrintable(made));
+    test::TestPlatform platform;
+    const QString game = platform.root() + "/oa";
+    const QString built = buildGameFolder(game);
+    QVERIFY2(built.isEmpty(), qPrintable(built));
+    // Announced to no master server: nothing but this namespace is contacted.
+    QStringList arguments = {"netns", "exec", host.name, game + "/quake3.exe"};
+    const QStringList settings = {"dedicated",   "1",       "net_ip",       host.farAddress,
+                                  "net_port",    "27960",   "rconpassword", "e2e-far",
+                                  "sv_hostname", "Far e2e", "com_hunkmegs", "64"};
+    for (qsizetype i = 0; i + 1 < settings.size(); i += 2)
+        arguments << "+set" << settings[i] << settings[i + 1];
+    for (int i = 1; i <= 5; ++i)
+        arguments << "+set" << QStringLiteral("sv_master%1").arg(i) << "";
+    arguments << "+map"
+              << "oa_dm1";
+    host.server.setStandardOutputFile(QProcess::nullDevice());
+    host.server.setStandardErrorFile(QProcess::nullDevice());
+    host.server.start("ip", arguments);
+    QVERIFY(host.server.waitForStarted());
+
+    ServerManager manager(*platform.app);
+    ServerWindow window(manager, platform.shell, nullptr);
+    Ui::frmServer& ui = window.form();
+    window.show();
+    ui.cmdAddServer->click();
+    auto* dialog = window.findChild<AddServerDialog*>();
+    QVERIFY(dialog);
+    dialog->form().txtAddAddress->setText(host.farAddress);
+    dialog->form().txtAddPort->setText("27960");
+    dialog->form().txtAddPassword->setText("e2e-far");
+    dialog->form().btnAddServer->button(QDialogButtonBox::Ok)->click();
+    const auto row = [&](int column) {
+        return ui.lstServers->currentItem() ? ui.lstServers->currentItem()->text(column) : "";
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(row(2) == "oa_dm1", 60000);
+    QCOMPARE(row(0), QStringLiteral("Far e2e"));
+    QCOMPARE(row(1), host.farAddress + ":27960");
+    QVERIFY(!ui.cmdStop->isEnabled() && !ui.cmdRestart->isEnabled());
+
+    ui.cmbCommand->setEditText("status");
+    ui.cmdSend->click();
+    QTRY_VERIFY_WITH_TIMEOUT(ui.txtConsole->toPlainText().contains("map: oa_dm1"), 10000);
+    // The map's start set nextmap to a restart.
+    ui.cmbCommand->setEditText("set nextmap \"map oa_dm2\"");
+    ui.cmdSend->click();
+    ui.cmdNextMap->click();
+    QTRY_VERIFY2_WITH_TIMEOUT(row(2) == "oa_dm2",
+                              qPrintable(ui.txtConsole->toPlainText().right(600)), 60000);
+    // Listed, with its status, without the window.
+    const QList<ServerEntry> listed = listServers(*platform.app, 5000);
+    QCOMPARE(listed.size(), 1);
+    QVERIFY(listed[0].record.added && listed[0].live.status);
+    QCOMPARE(listed[0].live.status->value("mapname"), QStringLiteral("oa_dm2"));
 }
 
 // Two servers from one game folder: the second launched with text in the
