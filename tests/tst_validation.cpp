@@ -178,6 +178,10 @@ void ValidationTest::validateAll_data() {
         {}, "", true);
     row("players with a semicolon", "txtMaxPlayers=8;sets inj_maxclients yes", "",
         {split("Maxiumum Players", "a semicolon (;)")}, "", false, "txtMaxPlayers");
+    row("bare value opening a comment", "txtMaxRate=25000 /*", "",
+        {fail("Client Max Rate cannot hold a comment mark (/*): the game would read the rest as "
+              "another command.")},
+        "", false, "txtMaxRate");
     row("include file with a semicolon", "txtCfg=x.cfg;quit", "",
         {split("Include Cfg File", "a semicolon (;)")}, "", false, "txtCfg");
     row("map rule with a semicolon", "txtMapTimeLimit=15;quit", "",

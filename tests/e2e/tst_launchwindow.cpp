@@ -107,7 +107,8 @@ struct Operator {
     // The game is the free game: a game folder made over it and chosen with
     // Browse, or set up by the path dialog's button, as a new user would.
     void launch(bool freeGameButton = false);
-    QSet<QString> firstBots, secondBots; // of the two maps
+    QSet<QString> firstBots, secondBots;           // of the two maps
+    std::function<void(Ui::frmMain&)> beforeStart; // the operator's last changes
 };
 
 void Operator::launch(bool freeGameButton) {
@@ -157,6 +158,8 @@ void Operator::launch(bool freeGameButton) {
     chooseMap(ui, "oa_dm1", "25", "60");
     ui.txtNetIP->setText("127.0.0.1");
     ui.txtNetPort->setText(QString::number(port));
+    if (beforeStart)
+        beforeStart(ui);
     ui.cmdStart->click();
     QVERIFY2(platform.messages.shown.isEmpty(), qPrintable(test::onlyMessage(platform.messages)));
     const QString srvbots = game + "/baseq3/srvbots/botset%1.cfg";
@@ -174,6 +177,7 @@ private slots:
     void serverWindowSteersTheServer();
     void serverOnAnotherHost();
     void restartsKeepTheirServer();
+    void hostileValuesRunNoCommand();
 };
 
 void TestLaunchWindow::init() {
@@ -509,6 +513,44 @@ void TestLaunchWindow::restartsKeepTheirServer() {
         "Could not start the server again: the game folder " + op.game + " does not exist any more";
     QVERIFY2(ui.lblProblem->text().split('\n').contains(gone), qPrintable(ui.lblProblem->text()));
     QVERIFY(!record(first).running());
+}
+
+// Every box at the most hostile value validation lets through: the real
+// server runs none of the commands they hold, and the files holding the
+// passwords are the user's alone.
+void TestLaunchWindow::hostileValuesRunNoCommand() {
+    Operator op;
+    op.beforeStart = [](Ui::frmMain& ui) {
+        ui.txtServerName->setText("Arena; sets inj_host yes // /* x */ sets inj_host2 yes");
+        ui.txtMOTD->setText("+sets inj_motd yes; sets inj_motd2 yes */ sets inj_motd3 yes");
+        ui.txtConsolePW->setText("e2e; sets inj_rcon yes");
+        ui.chkRequirePassword->setChecked(true);
+        ui.txtServerPW->setText("pw&sets inj_pw yes//x");
+        ui.txtAdminName->setText("Bob // sets inj_admin yes");
+        ui.txtAdminEmail->setText("a@b 'c' $(sets inj_mail yes)");
+        ui.txtAdminURL->setText("http://a/b?c=d&e=f");
+        ui.txtCmdParameters->setEditText(
+            "+set sv_fps 20 +sets e2e_param \"ok\"");
+    };
+    op.launch();
+    if (QTest::currentTestFailed())
+        return;
+    op.started.tasks << op.window->launch().ServerTaskID;
+    const auto status = waitForStatus(
+        op.port, [](const ServerStatus& st) { return st.info.value("mapname") == "oa_dm1"; }, 60s,
+        [&] { return op.window->launch().ServerRunning(); });
+    QVERIFY2(status, "the launched server does not answer");
+    // halvane.cfg ran to its end (the map), the parameters ran as two commands.
+    QCOMPARE(status->info.value("e2e_param"), QStringLiteral("ok"));
+    QCOMPARE(status->info.value("admin_name"), QStringLiteral("Bob"));
+    QStringList injected;
+    for (const QString& key : status->info.keys()) {
+        if (key.startsWith("inj"))
+            injected << key;
+    }
+    QCOMPARE(injected, QStringList());
+    for (const QString& secret : {op.game + "/baseq3/halvane.cfg", op.platform.iniPath()})
+        QCOMPARE(QFileInfo(secret).permissions() & 0x7077, QFile::Permissions(0x6000));
 }
 
 QTEST_MAIN(TestLaunchWindow)
