@@ -12,6 +12,7 @@
 #include <QFileInfo>
 #include <QFontDatabase>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPointer>
 #include <QScrollBar>
@@ -64,18 +65,25 @@ ServerWindow::ServerWindow(ServerManager& manager, Shell& shell, QWidget* owner)
     ui->cmbCommand->lineEdit()->setMaxLength(1000); // the engine takes no longer command
     ui->cmdOpenLog->setToolTip(QStringLiteral("Opens the whole log file"));
     nameControls(*this);
+    ui->cmbRun->setToolTip(QStringLiteral("The run of the server whose log is shown: the one "
+                                          "now, or an earlier one before a restart"));
     connect(ui->lstServers, &QTreeWidget::currentItemChanged, this, [this] {
         m_actionProblem.clear();
-        const ServerEntry* server = m_manager.find(currentId());
-        m_tail.follow(server ? server->record.logFile : QString());
-        m_logProblem.clear();
-        ui->txtLog->clear();
-        if (server && server->record.added)
-            ui->txtLog->setPlainText(QStringLiteral("Halvane did not start this server: its log "
-                                                    "is kept where it runs."));
-        readLog();
+        fillRuns(m_manager.find(currentId()));
         showDetails();
     });
+    connect(ui->cmbRun, &QComboBox::currentIndexChanged, this,
+            [this] { followLog(ui->cmbRun->currentData().toString()); });
+    // A server just launched is the one the operator wants to see.
+    connect(&m_manager, &ServerManager::launched, this, [this](const QString& id) {
+        for (int i = 0; i < ui->lstServers->topLevelItemCount(); ++i) {
+            if (ui->lstServers->topLevelItem(i)->data(Name, Qt::UserRole) == id)
+                ui->lstServers->setCurrentItem(ui->lstServers->topLevelItem(i));
+        }
+    });
+    ui->cmdClose->setToolTip(QStringLiteral("Closes this window; the servers keep running"));
+    connect(ui->cmdClose, &QPushButton::clicked, this, &QWidget::close);
+
     connect(&m_manager, &ServerManager::listChanged, this, &ServerWindow::rebuildList);
     connect(&m_manager, &ServerManager::serverChanged, this, &ServerWindow::updateRow);
     ui->cmdAddServer->setToolTip(QStringLiteral("Adds a server that Halvane did not start, on "
@@ -102,10 +110,7 @@ ServerWindow::ServerWindow(ServerManager& manager, Shell& shell, QWidget* owner)
             &ServerWindow::sendCommand);
     connect(ui->chkMonitor, &QCheckBox::toggled, this,
             [this](bool on) { m_manager.setMonitor(currentId(), on); });
-    connect(ui->cmdOpenLog, &QPushButton::clicked, this, [this] {
-        if (const ServerEntry* server = m_manager.find(currentId()))
-            m_shell.openDocument(server->record.logFile);
-    });
+    connect(ui->cmdOpenLog, &QPushButton::clicked, this, &ServerWindow::openLog);
     m_timer.setInterval(1000);
     connect(&m_timer, &QTimer::timeout, this, &ServerWindow::everySecond);
     rebuildList();
@@ -122,6 +127,14 @@ void ServerWindow::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     m_manager.setWatched(true);
     m_timer.start();
+}
+
+// Esc closes it, as it does a dialog; the controls leave the key to it.
+void ServerWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier)
+        close();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void ServerWindow::hideEvent(QHideEvent* event) {
@@ -152,8 +165,16 @@ void ServerWindow::updateRow(const QString& id) {
     const ServerEntry* server = m_manager.find(id);
     for (int i = 0; server && i < ui->lstServers->topLevelItemCount(); ++i) {
         QTreeWidgetItem* item = ui->lstServers->topLevelItem(i);
-        if (item->data(Name, Qt::UserRole).toString() == id)
-            fillRow(*item, *server);
+        if (item->data(Name, Qt::UserRole).toString() != id)
+            continue;
+        fillRow(*item, *server);
+        // The columns were sized before the first answer: they grow to fit.
+        const QFontMetrics metrics(ui->lstServers->font());
+        for (int column = 0; column <= State; ++column) {
+            if (metrics.horizontalAdvance(item->text(column)) + 2 * metrics.averageCharWidth() >
+                ui->lstServers->columnWidth(column))
+                ui->lstServers->resizeColumnToContents(column);
+        }
     }
     if (id == currentId())
         showDetails();
@@ -190,8 +211,56 @@ void ServerWindow::fillRow(QTreeWidgetItem& item, const ServerEntry& server) con
         item.setForeground(column, ink);
 }
 
+// The runs of the chosen server, the current one first, each with its log.
+void ServerWindow::fillRuns(const ServerEntry* server) {
+    m_runsOf = server ? server->record.id : QString();
+    m_runsLog = server ? server->record.logFile : QString();
+    const QSignalBlocker blocker(ui->cmbRun);
+    ui->cmbRun->clear();
+    if (server && !server->record.added) {
+        const LaunchRecord& r = server->record;
+        ui->cmbRun->addItem(r.running()
+                                ? QStringLiteral("this one, started %1").arg(clock(r.started))
+                                : QStringLiteral("the last, started %1, ended %2")
+                                      .arg(clock(r.started), clock(r.ended)),
+                            r.logFile);
+        for (qsizetype i = r.runs.size() - 1; i >= 0; --i) {
+            const ServerRun& run = r.runs[i];
+            ui->cmbRun->addItem(QStringLiteral("started %1, ended %2 (%3)")
+                                    .arg(clock(run.started), clock(run.ended), run.endReason),
+                                run.logFile);
+        }
+    }
+    followLog(ui->cmbRun->currentData().toString());
+}
+
+void ServerWindow::followLog(const QString& path) {
+    m_tail.follow(path);
+    m_logProblem.clear();
+    ui->txtLog->clear();
+    if (const ServerEntry* server = m_manager.find(currentId()); server && server->record.added)
+        ui->txtLog->setPlainText(QStringLiteral("Halvane did not start this server: its log "
+                                                "is kept where it runs."));
+    readLog();
+    showProblem();
+}
+
+void ServerWindow::openLog() {
+    const QString path = ui->cmbRun->currentData().toString();
+    if (path.isEmpty() || m_shell.openDocument(path))
+        return;
+    m_actionProblem = QStringLiteral("Open Log File: the log file %1 could not be opened%2")
+                          .arg(QDir::toNativeSeparators(path),
+                               QFileInfo::exists(path) ? QStringLiteral(": no program opens it")
+                                                       : QStringLiteral(": it does not exist"));
+    showProblem();
+}
+
 void ServerWindow::showDetails() {
     const ServerEntry* server = m_manager.find(currentId());
+    // A restart writes a new log: the list of runs follows it.
+    if (server && (server->record.id != m_runsOf || server->record.logFile != m_runsLog))
+        fillRuns(server);
     const bool running = server && server->record.running();
     const bool settled = running && server->live.stopping == ServerLive::Stopping::No;
     const bool added = server && server->record.added;
@@ -234,7 +303,7 @@ void ServerWindow::showDetails() {
                            .arg(restarts == 1 ? QStringLiteral("time") : QStringLiteral("times"))
                            .arg(clock(server->record.lastMonitorRestart))
                      : QString());
-    ui->cmdOpenLog->setEnabled(server && !server->record.logFile.isEmpty());
+    ui->cmdOpenLog->setEnabled(!ui->cmbRun->currentData().toString().isEmpty());
     const auto* status = server && server->live.status ? &*server->live.status : nullptr;
     const QString hostName = status ? status->value("sv_hostname") : QString();
     ui->lblHostName->setText(protocol::colouredHtml(protocol::cutForDisplay(hostName, ShownName)));

@@ -475,6 +475,9 @@ void TestLaunchWindow::restartsKeepTheirServer() {
     QVERIFY(second != first);
     QTRY_VERIFY_WITH_TIMEOUT(row(second, Name) == "Second Server", 60000);
     QCOMPARE(row(second, Map), QStringLiteral("oa_dm2"));
+    QCOMPARE(window.currentId(), second); // the new one chosen, its columns wide enough
+    QVERIFY(ui.lstServers->columnWidth(Name) >
+            ui.lstServers->fontMetrics().horizontalAdvance("Second Server"));
     const quint16 opened = record(second).port;
     QVERIFY(opened != 0 && opened != op.port);
     QCOMPARE(getStatus(opened)->info.value("sv_hostname"), QStringLiteral("Second Server"));
@@ -488,6 +491,18 @@ void TestLaunchWindow::restartsKeepTheirServer() {
     QTRY_VERIFY_WITH_TIMEOUT(record(first).pid != before && row(first, State) == "running", 60000);
     QCOMPARE(row(first, Name), QStringLiteral("Halvane window e2e"));
     QCOMPARE(row(first, Map), QStringLiteral("oa_dm1"));
+    // The log of this run shown, the one before it still there to choose.
+    QCOMPARE(ui.cmbRun->count(), 2);
+    QCOMPARE(ui.cmbRun->currentData().toString(), record(first).logFile);
+    ui.cmbRun->setCurrentIndex(1);
+    const QString earlier = record(first).runs.value(0).logFile;
+    QTRY_COMPARE(ui.txtLog->toPlainText().section('\n', 0, 0),
+                 QString(test::readAll(earlier)).section('\n', 0, 0).trimmed());
+    op.platform.shell.succeed = false;
+    ui.cmdOpenLog->click();
+    QCOMPARE(op.platform.shell.opened.value(0), earlier);
+    QVERIFY2(ui.lblProblem->text().contains("the log file " + earlier + " could not be opened"),
+             qPrintable(ui.lblProblem->text()));
 
     // Hung: every start of it stopped before it can answer.
     manager.setLimits({3, 5, 1, 1, 1, 2});
@@ -502,6 +517,7 @@ void TestLaunchWindow::restartsKeepTheirServer() {
     QVERIFY2(row(first, State).contains("(gave up: 2 times in a row"),
              qPrintable(row(first, State)));
     QCOMPARE(hung.size(), 3); // the start that had answered, then two that never did
+    QCOMPARE(row(first, Name), QStringLiteral("Halvane window e2e"));
     QVERIFY2(ui.lblProblem->text().contains("Its log " + record(first).logFile),
              qPrintable(ui.lblProblem->text()));
     QCOMPARE(record(second).monitorRestarts, 0);
@@ -513,6 +529,11 @@ void TestLaunchWindow::restartsKeepTheirServer() {
         "Could not start the server again: the game folder " + op.game + " does not exist any more";
     QVERIFY2(ui.lblProblem->text().split('\n').contains(gone), qPrintable(ui.lblProblem->text()));
     QVERIFY(!record(first).running());
+    ui.cmdClose->click();
+    QVERIFY(!window.isVisible());
+    op.window->findChild<QAction*>("mnuServerStatus")->trigger();
+    QTest::keyClick(&window, Qt::Key_Escape);
+    QVERIFY(!window.isVisible());
 }
 
 // Every box at the most hostile value validation lets through: the real
