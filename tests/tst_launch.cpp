@@ -1,5 +1,5 @@
 // "Launch the Server": the command line, its splitting into arguments, the
-// steps in order, the duplicate question, failures, and a real start of a
+// duplicate question, failures, and a real start of a
 // stand-in game executable that records how it was started.
 #include "TestSupport.h"
 #include <csignal>
@@ -7,6 +7,8 @@
 #include "app/AppInfo.h"
 #include "launch/CommandLine.h"
 #include "launch/LaunchController.h"
+#include "server/ServerControl.h"
+#include "server/ServerManager.h"
 #include "ui/MainForm.h"
 #include "ui/MainWindow.h"
 
@@ -19,39 +21,22 @@ namespace {
 
 const QDateTime Now{QDate(2000, 2, 5), QTime(17, 4, 40)};
 
-// The window's own launch steps, each leaving its name in events: the
-// parameter lines and the checks still do their work, the map, the bot
-// script and the write only record unless told to run the window's own.
-struct RecordedSteps : LaunchSteps {
-    explicit RecordedSteps(LaunchSteps& wired, QStringList& events)
-        : wired(wired), events(events) {}
-    void saveParameterList() override {
-        events << "save parameters";
-        wired.saveParameterList();
-    }
-    void loadParameterList() override {
-        events << "load parameters";
-        wired.loadParameterList();
-    }
-    bool ValidateAll() override {
-        events << "validate";
-        return wired.ValidateAll();
-    }
+// The window's own launch steps, with the configuration write and the clock
+// replaced.
+struct StandInSteps : LaunchSteps {
+    explicit StandInSteps(LaunchSteps& wired) : wired(wired) {}
+    void saveParameterList() override { wired.saveParameterList(); }
+    void loadParameterList() override { wired.loadParameterList(); }
+    void CommitShownMap() override { wired.CommitShownMap(); }
+    void MakeBotScript() override { wired.MakeBotScript(); }
+    bool ValidateAll() override { return wired.ValidateAll(); }
     bool consoleTextIsSafe() override { return wired.consoleTextIsSafe(); }
-    void CommitShownMap() override { events << "commit map"; }
-    void MakeBotScript() override {
-        events << "bot script";
-        if (realBotScript)
-            wired.MakeBotScript();
-    }
     bool WriteConfig(const QString& path, bool withCommandLine, const QString& line) override {
         return write(path, withCommandLine, line);
     }
     QDateTime now() override { return at; }
     LaunchSteps& wired;
-    QStringList& events;
     std::function<bool(const QString&, bool, const QString&)> write;
-    bool realBotScript = false;
     QDateTime at = Now;
 };
 
@@ -102,13 +87,14 @@ private slots:
     void split_data();
     void split();
 
-    void stepsRunInOrderAndAskBeforeASecondServer();
+    void startsAndAsksBeforeASecondServer();
     void afterTheStart_data();
     void afterTheStart();
 
     void realStartRunsTheWrittenLine();
     void failures_data();
     void failures();
+    void stateThatCannotBeKept();
 
 private:
     void makeWindow(Processes& processes);
@@ -119,15 +105,13 @@ private:
     std::unique_ptr<MainWindow> window;
     MainForm* ui = nullptr;
     QtProcesses realProcesses;
-    QStringList events;
     QStringList writtenCommandLines;
-    std::unique_ptr<RecordedSteps> steps;
+    std::unique_ptr<StandInSteps> steps;
 };
 
 void LaunchTest::init() {
     platform = std::make_unique<TestPlatform>();
     platform->makeGameFolder();
-    events.clear();
     writtenCommandLines.clear();
 }
 
@@ -146,16 +130,14 @@ void LaunchTest::makeWindow(Processes& processes) {
     ui = &window->form();
     setLaunchReady();
 
-    steps = std::make_unique<RecordedSteps>(window->launch().steps(), events);
+    steps = std::make_unique<StandInSteps>(window->launch().steps());
+    window->launch().setSteps(*steps);
     steps->write = [this](const QString& path, bool withCommandLine, const QString& line) {
-        events << "write " + path + (withCommandLine ? " with" : " without");
-        writtenCommandLines << line;
+        writtenCommandLines << (withCommandLine ? line : "(without) " + line);
         QFile file(path);
         return file.open(QIODevice::WriteOnly) &&
                file.write("// " + app->state.GameExeName.toLatin1() + line.toLatin1() + "\r\n") > 0;
     };
-    window->launch().setSteps(*steps);
-    platform->messages.onShow = [this](const ShownMessage& m) { events << "ask " + m.title; };
     platform->messages.clear();
     platform->store->writes.clear();
 }
@@ -237,14 +219,12 @@ void LaunchTest::split() {
 }
 
 // Answering Yes to the duplicate question starts a second real server end to end.
-void LaunchTest::stepsRunInOrderAndAskBeforeASecondServer() {
+void LaunchTest::startsAndAsksBeforeASecondServer() {
     makeWindow(platform->processes);
     ui->txtCmdParameters->setEditText("+set sv_fps 30");
     ui->cmdStart->click();
 
     const QString config = platform->gameFolder() + "/baseq3/halvane.cfg";
-    QCOMPARE(events, (QStringList{"save parameters", "load parameters", "commit map", "bot script",
-                                  "validate", "write " + config + " with"}));
     const QString line = buildCommandLine(launchOptionsFrom(*ui), Now);
     QCOMPARE(line, QStringLiteral(" +set dedicated 2 +sets configured_by Halvane_2.07 +set "
                                   "com_hunkmegs 32 +set g_needpass 0 +set net_port 27960 +set "
@@ -268,7 +248,6 @@ void LaunchTest::stepsRunInOrderAndAskBeforeASecondServer() {
     QCOMPARE(platform->processes.activated, QList<qint64>{}); // no server before: nothing asked
 
     // A second start while that server runs asks first; No ends it there.
-    events.clear();
     QFile::remove(config);
     platform->messages.answers = {MsgAnswer::No};
     ui->cmdStart->click();
@@ -282,8 +261,6 @@ void LaunchTest::stepsRunInOrderAndAskBeforeASecondServer() {
                      MsgButtons::YesNo, MsgIcon::Information));
     QCOMPARE(platform->desktop.busyDepth, 0);
     QVERIFY(platform->desktop.busyCalls >= 4); // the pointer was busy while asking the system
-    QCOMPARE(events, (QStringList{"save parameters", "load parameters", "commit map",
-                                  "ask Duplicate Server Confirmation"}));
     QVERIFY(!QFile::exists(config));
     QCOMPARE(platform->processes.started.size(), 1);
     QCOMPARE(window->launch().ServerTaskID, qint64(1000));
@@ -323,7 +300,7 @@ void LaunchTest::afterTheStart() {
     ui->txtCmdParameters->setEditText("+set typed 1");
     ui->cmdStart->click();
 
-    QCOMPARE(events.contains("bot script"), botScript);
+    QCOMPARE(QFileInfo::exists(platform->gameFolder() + "/baseq3/srvbots.cfg"), botScript);
     QCOMPARE(platform->processes.started.size(), 1);
     QCOMPARE(platform->desktop.busyDepth, 0);
     QCOMPARE(platform->messages.shown.size(), 0);
@@ -341,7 +318,6 @@ void LaunchTest::realStartRunsTheWrittenLine() {
     steps->write = [this](const QString& path, bool withCommandLine, const QString& line) {
         return steps->wired.WriteConfig(path, withCommandLine, line);
     };
-    steps->realBotScript = true;
     steps->at = QDateTime(QDate(2000, 2, 5), QTime(5, 3));
     ui->chkNOP->setChecked(true);
     // Quotes group words; shell characters are plain text to the game.
@@ -427,7 +403,8 @@ void LaunchTest::failures() {
                      QString(told).replace("<exe>", "quake3.exe" + writtenCommandLines.value(0)),
                      MsgButtons::Ok, MsgIcon::Critical));
     QCOMPARE(writtenCommandLines.isEmpty(), fault == "validation refuses");
-    QVERIFY(events.contains("bot script"));
+    QVERIFY(QFileInfo::exists(platform->gameFolder() + "/baseq3/srvbots.cfg") ||
+            !QDir(platform->gameFolder()).exists());
     QCOMPARE(platform->desktop.busyDepth, 0);
     QCOMPARE(window->launch().ServerTaskID, qint64(0));
     // Nothing was started: the stand-in would have left its record.
@@ -435,6 +412,38 @@ void LaunchTest::failures() {
     QVERIFY(!QFile::exists(platform->root() + "/started.txt"));
     QVERIFY(window->isVisible());
     QCOMPARE(childProcesses(), QStringList{});
+}
+
+// The state folder is a file: the server starts, and the operator learns at
+// once that its log and record are lost, and later why a restart failed,
+// with no empty log left from the attempt.
+void LaunchTest::stateThatCannotBeKept() {
+    const QString state = platform->root() + "/state";
+    platform->writeFile(state, "not a folder");
+    makeWindow(platform->processes);
+    ui->cmdStart->click();
+    QCOMPARE(platform->processes.started.size(), 1);
+    const QString said = onlyMessage(platform->messages);
+    const QString buttons = message("", "", MsgButtons::Ok, MsgIcon::Information).section('|', 2);
+    QVERIFY2(said.startsWith("Halvane|The server was started.\r\rIts output is not logged: "
+                             "cannot make the folder " +
+                             state + "/logs.\r\r") &&
+                 said.endsWith("\r\rIt is not recorded, so the server window forgets it when "
+                               "Halvane closes. Could not write the server list " +
+                               state + "/servers.jsonl: cannot make the folder " + state + ".|" +
+                               buttons),
+             qPrintable(said));
+    QFile::remove(state);
+    platform->messages.answers = {MsgAnswer::Yes}; // to the second server's question
+    ui->cmdStart->click();
+    ServerManager& manager = window->servers().manager();
+    platform->processes.alive.clear(); // it ended
+    platform->processes.failWithCode = ENOENT;
+    manager.restart(manager.servers().value(0).record.id);
+    QCOMPARE(manager.servers().value(0).live.problem,
+             "Could not start the server again: " + platform->gameFolder() +
+                 "/quake3.exe: No such file or directory");
+    QCOMPARE(QDir(state + "/logs").entryList(QDir::Files).size(), 1); // the second launch's
 }
 
 QTEST_MAIN(LaunchTest)

@@ -50,8 +50,13 @@ ServerControl::~ServerControl() = default;
 
 StartResult ServerControl::startServer(const QString& program, const QStringList& arguments,
                                        const QString& folder, const QString& commandLine) {
-    return m_manager->launch(program, arguments, folder, commandLine, m_advanced.txtNetIP->text(),
-                             m_advanced.txtNetPort->text(), m_advanced.txtConsolePW->text());
+    const StartResult started =
+        m_manager->launch(program, arguments, folder, commandLine, m_advanced.txtNetIP->text(),
+                          m_advanced.txtNetPort->text(), m_advanced.txtConsolePW->text());
+    if (started.started && !m_manager->launchProblem().isEmpty())
+        m_app.platform.messages.tell(QStringLiteral("Halvane"), m_manager->launchProblem(),
+                                     MsgIcon::Information);
+    return started;
 }
 
 ServerWindow& ServerControl::serverWindow() {
