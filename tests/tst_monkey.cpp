@@ -11,6 +11,7 @@
 #include "maps/MapsController.h"
 #include "settings/SettingsController.h"
 #include "ui/MainWindow.h"
+#include "ui/ProfileCommands.h"
 #include "ui_frmMain.h"
 
 #include <QtTest>
@@ -109,8 +110,10 @@ struct Monkey {
     }
 };
 
-std::unique_ptr<MainWindow> startWindow(TestPlatform& platform) {
+std::unique_ptr<MainWindow> startWindow(TestPlatform& platform, Prompts& prompts) {
     auto window = std::make_unique<MainWindow>(*platform.app);
+    window->profiles().setStore(ProfileStore(platform.root() + "/profiles"));
+    window->profiles().setPrompts(prompts);
     window->maps().selection().openPopup = [](const QPoint&) {};
     window->maps().discovery().pause = [] { QCoreApplication::processEvents(); };
     window->showMainWindow();
@@ -142,8 +145,11 @@ void MonkeyTest::randomOperatorLeavesEverythingWhole() {
         platform.messages.answers = {monkey.below(2) ? MsgAnswer::Yes : MsgAnswer::No};
     };
 
-    std::unique_ptr<MainWindow> window = startWindow(platform);
+    FakePrompts prompts; // profile names, a device name among them
+    std::unique_ptr<MainWindow> window = startWindow(platform, prompts);
     for (int n = 1; n <= 10000; ++n) {
+        const std::optional<QString> names[] = {{}, "Alpha", "Beta", "con"};
+        prompts.answers = {names[monkey.below(4)], names[monkey.below(4)]};
         const FileChoice choices[] = {{},
                                       {true, platform.gameFolder() + "/quake3.exe", "quake3.exe"},
                                       {true, platform.root() + "/saved.cfg", "saved.cfg"}};
@@ -165,7 +171,7 @@ void MonkeyTest::randomOperatorLeavesEverythingWhole() {
             answered == "answered",
             qPrintable(QStringLiteral("%1 at action %2, %3").arg(answered).arg(n).arg(action)));
         if (window->hasEnded()) // closed by the operator or the program: the next run
-            window = startWindow(platform);
+            window = startWindow(platform, prompts);
     }
 
     if (window->pathDialog().isVisible())
@@ -183,7 +189,7 @@ void MonkeyTest::randomOperatorLeavesEverythingWhole() {
     platform.reopenStore();
     platform.messages.onShow = nullptr;
     platform.messages.answers = QList<MsgAnswer>(10, MsgAnswer::Yes);
-    window = startWindow(platform);
+    window = startWindow(platform, prompts);
     window->settings().LoadSettings(); // the stored tab, which the start leaves for the first
     platform.store->writes.clear();
     QVERIFY(window->settings().SaveSettings());

@@ -87,10 +87,12 @@ void LaunchController::cmdStart() {
     // 7.
     QString stepText;
     const QDateTime now = m_hooks.now ? m_hooks.now() : QDateTime::currentDateTime();
-    const QString commandLine = buildCommandLine(launchOptionsFrom(ui), now);
+    LaunchOptions options = launchOptionsFrom(ui);
+    options.homePath = QDir::toNativeSeparators(m_app.state.ScriptFolder);
+    const QString commandLine = buildCommandLine(options, now);
 
     // 8.
-    const QString config = m_app.state.gameFile(QStringLiteral("baseq3/halvane.cfg"));
+    const QString config = m_app.state.scriptFile(QStringLiteral("baseq3/halvane.cfg"));
     if (!m_hooks.WriteConfig || !m_hooks.WriteConfig(config, true, commandLine)) {
         fail(stepText, configWriteErrorCode());
         return;
@@ -127,7 +129,7 @@ void LaunchController::cmdStart() {
     ServerTaskID = started.taskId;
 
     // 12.
-    if (ui.chkStartState->isChecked()) {
+    if (windowFollowsStart && ui.chkStartState->isChecked()) {
         if (ui.optClose->isChecked())
             m_window.close(); // the shut-down stores everything
         else
@@ -144,7 +146,7 @@ int LaunchController::configWriteErrorCode() const {
     const QFileInfo folder(m_app.state.GameFolder);
     if (m_app.state.GameFolder.isEmpty() || !folder.isDir())
         return ENOENT;
-    const QFileInfo baseq3(m_app.state.gameFile(QStringLiteral("baseq3")));
+    const QFileInfo baseq3(m_app.state.scriptFile(QStringLiteral("baseq3")));
     if (baseq3.exists() && !baseq3.isWritable())
         return EACCES;
     return EIO;

@@ -50,6 +50,9 @@ public:
 
     // The task of the server launched most recently; 0 before the first.
     qint64 ServerTaskID = 0;
+    // False for a window that is never shown: a start leaves it as it is
+    // instead of minimising or closing it.
+    bool windowFollowsStart = true;
 
 private:
     void fail(const QString& stepText, int code);

@@ -115,7 +115,7 @@ void MapSelection::updateSelectedCaption() {
     ui.Frame15->setTitle(QString::number(ui.SelMap->count()) + QStringLiteral(" Maps Selected"));
 }
 
-void MapSelection::LoadMaps() {
+void MapSelection::LoadMaps(bool readSelectionFile) {
     const MapSnapshot catalogue = m_catalogue.snapshot();
     // The names by record number: entries of mapsel.txt share their text.
     std::vector<QString> names(size_t(catalogue.count()) + 1);
@@ -135,7 +135,7 @@ void MapSelection::LoadMaps() {
         highlightMapList(0); // which sets CurrentMapRecord
 
     const QString path = selectionFilePath();
-    if (FileExists(path)) {
+    if (readSelectionFile && FileExists(path)) {
         {
             const QSignalBlocker blocker(ui.SelMap);
             ui.SelMap->clear();
@@ -155,6 +155,26 @@ void MapSelection::LoadMaps() {
     }
     updateAvailableCaption();
     updateSelectedCaption();
+}
+
+QStringList MapSelection::setSelectedMaps(const QStringList& maps) {
+    const MapSnapshot catalogue = m_catalogue.snapshot();
+    QStringList known, unknown;
+    for (const QString& map : maps) {
+        if (catalogue.find(map) >= 1)
+            known.append(map);
+        else
+            unknown.append(map);
+    }
+    {
+        const QSignalBlocker blocker(ui.SelMap);
+        ui.SelMap->clear();
+        ui.SelMap->addItems(known);
+    }
+    if (ui.SelMap->count() > 0)
+        highlightSelMap(0);
+    updateSelectedCaption();
+    return unknown;
 }
 
 void MapSelection::SaveMaps() {

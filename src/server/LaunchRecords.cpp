@@ -31,6 +31,10 @@ QJsonObject toJson(const LaunchRecord& r) {
     o.insert(QStringLiteral("arguments"), QJsonArray::fromStringList(r.arguments));
     o.insert(QStringLiteral("commandLine"), r.commandLine);
     o.insert(QStringLiteral("gameFolder"), r.gameFolder);
+    if (!r.scriptFolder.isEmpty())
+        o.insert(QStringLiteral("scriptFolder"), r.scriptFolder);
+    if (!r.profile.isEmpty())
+        o.insert(QStringLiteral("profile"), r.profile);
     o.insert(QStringLiteral("address"), r.address);
     o.insert(QStringLiteral("port"), int(r.port));
     o.insert(QStringLiteral("rconPassword"), r.rconPassword);
@@ -62,6 +66,8 @@ QString fromJson(const QByteArray& line, LaunchRecord& r) {
         r.arguments.append(argument.toString());
     r.commandLine = o.value(QStringLiteral("commandLine")).toString();
     r.gameFolder = o.value(QStringLiteral("gameFolder")).toString();
+    r.scriptFolder = o.value(QStringLiteral("scriptFolder")).toString();
+    r.profile = o.value(QStringLiteral("profile")).toString();
     r.address = o.value(QStringLiteral("address")).toString();
     const int port = o.value(QStringLiteral("port")).toInt(-1);
     r.rconPassword = o.value(QStringLiteral("rconPassword")).toString();

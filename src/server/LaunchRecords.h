@@ -18,6 +18,11 @@ struct LaunchRecord {
     QStringList arguments;
     QString commandLine;
     QString gameFolder;
+    // The folder of the scripts only this server reads (the game's
+    // fs_homepath, passed in the arguments), and the profile it was launched
+    // from; both empty for a server reading the game folder's scripts.
+    QString scriptFolder;
+    QString profile;
     QString address;
     quint16 port = 0;
     QString rconPassword;

@@ -98,9 +98,12 @@ QString ServerManager::newLogFile(quint16 port) const {
 StartResult ServerManager::launch(const QString& program, const QStringList& arguments,
                                   const QString& folder, const QString& commandLine,
                                   const QString& address, const QString& port,
-                                  const QString& rconPassword) {
+                                  const QString& rconPassword, const QString& scriptFolder,
+                                  const QString& profile) {
     load();
     LaunchRecord record;
+    record.scriptFolder = scriptFolder;
+    record.profile = profile;
     record.program = program;
     record.arguments = arguments;
     record.commandLine = commandLine;

@@ -64,9 +64,11 @@ public:
     QString fileProblem() const { return m_fileProblem; }
 
     // Starts the game with its output in a new log file and records it.
+    // scriptFolder and profile: see LaunchRecord.
     StartResult launch(const QString& program, const QStringList& arguments, const QString& folder,
                        const QString& commandLine, const QString& address, const QString& port,
-                       const QString& rconPassword);
+                       const QString& rconPassword, const QString& scriptFolder = {},
+                       const QString& profile = {});
 
     using AnswerHandler = std::function<void(const protocol::RconAnswer&)>;
     void rcon(const QString& id, const QString& command, AnswerHandler done);

@@ -12,14 +12,17 @@ struct AppContext;
 class BotTables;
 class OptionInterlocks;
 struct OptionKey;
+class SettingsStore;
 
 // What the settings load and save reach outside the option controls.
 struct SettingsHooks {
-    std::function<void()> RollOut;           // open the status panel
-    std::function<void()> Rollin;            // close the status panel
-    std::function<bool()> statusPanelOpen;   // is the window tall enough to count as open
-    std::function<void()> loadParameterList; // the remembered parameter lines
-    std::function<void()> loadCdDrive;       // the CD drive box
+    std::function<void()> RollOut;         // open the status panel
+    std::function<void()> Rollin;          // close the status panel
+    std::function<bool()> statusPanelOpen; // is the window tall enough to count as open
+    // The remembered parameter lines and the CD drive box, from the store
+    // being loaded.
+    std::function<void(const SettingsStore&)> loadParameterList;
+    std::function<void(const SettingsStore&)> loadCdDrive;
 };
 
 // Moves the option catalogue between the settings store and the main
@@ -34,6 +37,9 @@ public:
     void LoadSettings();
     // Writes every option; false when the store refused a write.
     bool SaveSettings();
+    // The same from and into another store, a profile's.
+    void LoadSettings(const SettingsStore& store);
+    bool SaveSettings(SettingsStore& store);
 
 private:
     QString read(const OptionKey& option) const;
@@ -41,7 +47,7 @@ private:
     void refuse(const OptionKey& option, const QString& stepMessage);
     void loadStep(int step);
     void loadBots(const QString& message);
-    bool saveBots();
+    bool saveBots(SettingsStore& store);
     QObject* holder(const OptionKey& option) const;
 
     QObject& m_window;
@@ -52,6 +58,7 @@ private:
     AppContext& m_app;
     SettingsHooks m_hooks;
     qint16 m_gameType = 0;
+    const SettingsStore* m_loading = nullptr; // the store LoadSettings reads now
 };
 
 } // namespace halvane

@@ -10,7 +10,9 @@
 #include "launch/ParameterMemory.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapsController.h"
+#include "profiles/Profile.h"
 #include "server/ServerControl.h"
+#include "settings/OptionCatalogue.h"
 #include "settings/OptionInterlocks.h"
 #include "settings/SettingsController.h"
 #include "settings/TextForms.h"
@@ -18,6 +20,7 @@
 #include "ui/Accessibility.h"
 #include "ui/HelpMenu.h"
 #include "ui/ImagePlugins.h"
+#include "ui/ProfileCommands.h"
 #include "ui/StatusPanel.h"
 #include "ui/TabFrames.h"
 #include "ui/TipLine.h"
@@ -55,7 +58,8 @@ void fill(QComboBox* combo, const QStringList& entries) {
 }
 } // namespace
 
-MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::frmMain>()) {
+MainWindow::MainWindow(AppContext& app, WindowRole role)
+    : m_app(app), m_role(role), ui(std::make_unique<Ui::frmMain>()) {
     speakSelectorsByName();
     leaveImagePluginsUnloaded();
     ui->setupUi(this);
@@ -73,8 +77,10 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::fr
     hooks.RollOut = [this] { m_statusPanel->RollOut(); };
     hooks.Rollin = [this] { m_statusPanel->Rollin(); };
     hooks.statusPanelOpen = [this] { return m_statusPanel->isOpen(); };
-    hooks.loadParameterList = [this] { m_parameters->loadParameterList(); };
-    hooks.loadCdDrive = [this] { m_parameters->loadCdDrive(); };
+    hooks.loadParameterList = [this](const SettingsStore& store) {
+        m_parameters->loadParameterList(store);
+    };
+    hooks.loadCdDrive = [this](const SettingsStore& store) { m_parameters->loadCdDrive(store); };
     m_settings = std::make_unique<SettingsController>(*this, *ui->SSTab1, *ui->BotList, m_botTables,
                                                       *m_interlocks, m_app, hooks);
     // Not a child widget: the main window is disabled while the dialog is
@@ -106,7 +112,14 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<Ui::fr
     launchHooks.MakeBotScript = [this] { m_config->MakeBotScript(); };
     launchHooks.WriteConfig = writeConfig;
     m_launch = std::make_unique<LaunchController>(*ui, m_app, *this, launchHooks);
-    m_servers = std::make_unique<ServerControl>(*this, *ui, m_app, *m_launch);
+    if (m_role == WindowRole::Main) {
+        m_servers = std::make_unique<ServerControl>(*this, *ui, m_app, *m_launch);
+        m_profiles = std::make_unique<ProfileCommands>(*this, m_app, *m_servers);
+    } else {
+        // Its launches leave the operator's window as it is.
+        m_launch->windowFollowsStart = false;
+        SkipSaveOnClose = true;
+    }
 
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
     connect(ui->cmdSetPath, &QAbstractButton::clicked, this, &MainWindow::cmdSetPath);
@@ -255,6 +268,65 @@ void MainWindow::LoadControls() {
     ui->txtCfg->setEditText(
         m_app.platform.store.read(QStringLiteral("Network"), QStringLiteral("Config"), QString()));
     ui->cmdEditCfg->setEnabled(!ui->txtCfg->currentText().isEmpty());
+}
+
+void MainWindow::saveProfile(Profile& profile) {
+    MemorySettingsStore& store = profile.settings;
+    m_settings->SaveSettings(store);
+    // The keys other parts keep: the game location as it is now, the
+    // remembered parameter lines and the default map rules.
+    for (const OptionKey& option : optionCatalogue()) {
+        if (QLatin1String(option.holder).isEmpty()) {
+            const QString section = QString::fromLatin1(option.section);
+            const QString key = QString::fromLatin1(option.key);
+            store.write(
+                section, key,
+                m_app.platform.store.read(section, key, QString::fromLatin1(option.defaultText)));
+        }
+    }
+    store.write(QStringLiteral("Settings"), QStringLiteral("Path"), m_app.state.GameFolder);
+    store.write(QStringLiteral("Settings"), QStringLiteral("Exe"), m_app.state.GameExeName);
+    m_parameters->storeOfferedLines(store);
+    profile.maps = m_maps->selectedMaps();
+}
+
+QStringList MainWindow::openProfile(const Profile& profile) {
+    const SettingsStore& store = profile.settings;
+    // The default map rules live only in the store.
+    for (const OptionKey& option : optionCatalogue()) {
+        const QString section = QString::fromLatin1(option.section);
+        const QString key = QString::fromLatin1(option.key);
+        if (section == QLatin1String("Defaults") && profile.settings.contains(section, key))
+            m_app.platform.store.write(section, key, store.read(section, key, {}));
+    }
+    const QStringList unknown = m_maps->setSelectedMaps(profile.maps);
+    m_app.state.StartupInProgress = true;
+    m_settings->LoadSettings(store);
+    ui->txtCfg->setEditText(store.read(QStringLiteral("Network"), QStringLiteral("Config"), {}));
+    m_bots->Countbots();
+    m_interlocks->SetGameType();
+    m_app.state.StartupInProgress = false;
+    return unknown;
+}
+
+QStringList MainWindow::loadUnshown(const QStringList* selectedMaps) {
+    m_loaded = true;
+    SkipSaveOnClose = true;
+    m_app.state.StartupInProgress = true;
+    m_maps->CheckMapDataFile();
+    m_bots->LoadBotList();
+    QStringList unknown;
+    if (selectedMaps)
+        unknown = m_maps->LoadMaps(*selectedMaps);
+    else
+        m_maps->LoadMaps();
+    LoadControls();
+    m_settings->LoadSettings();
+    ui->lblVersion->setText(AppInfo::versionCaption());
+    m_bots->Countbots();
+    m_interlocks->SetGameType();
+    m_app.state.StartupInProgress = false;
+    return unknown;
 }
 
 void MainWindow::cmdSetPath() {
