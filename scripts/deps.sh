@@ -5,7 +5,7 @@ set -euo pipefail
 
 packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools zlib1g-dev libzip-dev
           qt6-image-formats-plugins zip unzip ioquake3-server openarena-server
-          dpkg-dev file desktop-file-utils appstream "$@")
+          dpkg-dev file desktop-file-utils appstream lintian "$@")
 missing=()
 for package in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" \

@@ -29,6 +29,12 @@ for needed in libqt6widgets6 libqt6gui6 libqt6core6 zlib1g qt6-image-formats-plu
 done
 [ "$(dpkg-deb -f "$package" Recommends)" = "ioquake3-server, openarena-server" ] ||
     fail "Recommends: $(dpkg-deb -f "$package" Recommends)"
+# Debian's own checks (copyright, changelog, manual page, description...):
+# what it says is shown, an error fails the test.
+checked=0
+lint=$(lintian --fail-on error --tag-display-limit 0 "$package" 2>&1) || checked=$?
+grep -v 'root privileges' <<<"$lint" >&2 || true
+[ "$checked" -eq 0 ] || fail "lintian found errors in $(basename "$package")"
 
 user="" home="" program=""
 cleanup() {

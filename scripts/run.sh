@@ -6,6 +6,8 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/deps.sh ioquake3-server openarena-server
 cmake -S . -B build -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo
-cmake --build build
+# Only what running needs: the program and the map catalogue it is
+# delivered with (the tests and benchmarks are built by scripts/test.sh).
+cmake --build build --target halvane halvane_instmaps
 build/bin/halvane --prepare-first-run || true
 exec build/bin/halvane "$@"

@@ -18,6 +18,8 @@ private slots:
     void commands_data();
     void commands();
     void editButton();
+    void saveAsRefusesFilesInUse_data();
+    void saveAsRefusesFilesInUse();
 
 private:
     std::unique_ptr<WindowFixture> f;
@@ -145,6 +147,73 @@ void ConfigCommandsTest::editButton() {
     QCOMPARE(f->platform.shell.edited.size(), 2);
     QCOMPARE(f->platform.shell.edited.last(), f->platform.gameFolder() + "/baseq3/new.cfg");
     QCOMPARE(f->platform.messages.shown.size(), 0);
+}
+
+// The file chosen ("p:" program folder, "g:" game folder, "e:" elsewhere, where "link" is a link
+// to maps.dat and "scripts" one to srvmaps), and what it is: "" for a file written.
+const char Script[] =
+    "a script that halvane.cfg runs (the map rotation or the bots), rewritten at each launch";
+const std::tuple<const char*, const char*, const char*> SaveAsTargets[] = {
+    {"catalogue", "p:maps.dat", "Halvane's own maps.dat"},
+    {"catalogue copy", "p:maps.bak", "Halvane's own maps.bak"},
+    {"installed catalogue", "p:instmaps.dat", "Halvane's own instmaps.dat"},
+    {"chosen maps", "p:mapsel.txt", "Halvane's own mapsel.txt"},
+    {"import list", "p:maplist.txt", "Halvane's own maplist.txt"},
+    {"bot list", "p:botlist.txt", "Halvane's own botlist.txt"},
+    {"catalogue in capitals", "p:MAPS.DAT", "Halvane's own maps.dat"},
+    {"link to the catalogue", "e:link", "Halvane's own maps.dat"},
+    {"game", "g:quake3.exe", "the game's executable"},
+    {"rotation script", "g:baseq3/srvmaps/mapset0.cfg", Script},
+    {"new script in the rotation folder", "g:baseq3/SRVMAPS/mapset9.cfg", Script},
+    {"script through a linked folder", "e:scripts/mapset1.cfg", Script},
+    {"bot set", "g:baseq3/srvbots/botset0.cfg", Script},
+    {"fixed bots", "g:baseq3/srvbots.cfg", Script},
+    {"the configuration itself", "g:baseq3/halvane.cfg", ""},
+    {"another script", "g:baseq3/server.cfg", ""},
+};
+
+void ConfigCommandsTest::saveAsRefusesFilesInUse_data() {
+    addRows(SaveAsTargets);
+}
+
+void ConfigCommandsTest::saveAsRefusesFilesInUse() {
+    const auto& [name, chosen, what] = fetchRow(SaveAsTargets);
+    TestPlatform& p = f->platform;
+    const QString game = p.gameFolder(), program = p.programFolder();
+    for (const char* file : {"maps.dat", "maps.bak", "instmaps.dat", "mapsel.txt", "maplist.txt"})
+        p.writeFile(program + "/" + file, QByteArray("kept ") + file);
+    for (const char* file : {"baseq3/srvmaps/mapset0.cfg", "baseq3/srvmaps/mapset1.cfg",
+                             "baseq3/srvbots/botset0.cfg", "baseq3/srvbots.cfg"})
+        p.writeFile(game + "/" + file, QByteArray("kept ") + file);
+    QDir().mkpath(p.root() + "/elsewhere");
+    QFile::link(program + "/maps.dat", p.root() + "/elsewhere/link");
+    QFile::link(game + "/baseq3/srvmaps", p.root() + "/elsewhere/scripts");
+    const QString prefix = QString(chosen).left(2);
+    const QString target = (prefix == "p:"   ? program
+                            : prefix == "g:" ? game
+                                             : p.root() + "/elsewhere") +
+                           "/" + QString(chosen).mid(2);
+    const auto disk = [&] {
+        QMap<QString, QByteArray> files;
+        for (QDirIterator it(p.root(), QDir::Files, QDirIterator::Subdirectories); it.hasNext();)
+            files.insert(it.next(), readAll(it.filePath()));
+        return files;
+    };
+    const auto before = disk();
+    p.dialogs.choices = {FileChoice{true, target, QFileInfo(target).fileName()}};
+    p.messages.answers = {MsgAnswer::No};
+    ui->mnuFileSaveAs->trigger();
+    if (QString(what).isEmpty()) {
+        QCOMPARE(readAll(target), "// test config for Arena\r\n");
+        return;
+    }
+    QCOMPARE(onlyMessage(p.messages),
+             message("Warning!",
+                     target + " is " + what +
+                         ".\r\rThe configuration was not saved; choose another file name.",
+                     MsgButtons::Ok, MsgIcon::Critical));
+    QVERIFY(writes.isEmpty());
+    QCOMPARE(disk(), before);
 }
 
 QTEST_MAIN(ConfigCommandsTest)

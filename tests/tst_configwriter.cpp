@@ -226,6 +226,15 @@ const std::tuple<const char*, Change, QStringList, QStringList> Branches[] = {
      [](ServerSettings& s) { s.botType = 1, s.autoSelectBots = true; },
      {"// Execute scripts...", "", "", "// end of file "},
      {"exec srvbots.cfg"}},
+    // The most hostile values validation lets through are written exactly.
+    {"a semicolon and comment marks between quotes, blanks in a bare value",
+     [](ServerSettings& s) {
+         s.serverName = "Arena; sets inj 1 // /*", s.motd = "+x;y", s.consolePassword = "p;w+",
+         s.maxRate = "25000 //";
+     },
+     {"seta sv_hostname \"Arena; sets inj 1 // /*\"", "seta g_motd \"+x;y\"", "",
+      "seta sv_minPing 0"},
+     {}},
     {"one byte per character",
      [](ServerSettings& s) { s.serverName = "Caf\u00e9 \u00bbNord\u00ab"; },
      {"seta sv_hostname \"Caf\u00e9 \u00bbNord\u00ab\""},
@@ -282,6 +291,16 @@ void TestConfigWriter::failures() {
     QCOMPARE(kept.size(), 32);
     QCOMPARE(kept.mid(0, 30), linesOf(golden("config_minimal.cfg")).mid(0, 30));
     QVERIFY(f.catalogue.RecordBuffer == shown);
+    // A record that would break out of its rotation line (a damaged or
+    // hand-made data file) stops the write the same way: no script for it.
+    f.addMap("q3;quit", rules("15", "20"));
+    f.addMap("speedy", {"20", "15", "0", "800", "320\"; quit; \"", "1000"});
+    for (const char* hostile : {"q3;quit", "speedy"}) {
+        s.selectedMaps = {"q3dm7", hostile};
+        QFile::remove(f.baseq3("srvmaps/mapset1.cfg"));
+        QVERIFY2(!f.write(s), hostile);
+        QVERIFY(!QFileInfo::exists(f.baseq3("srvmaps/mapset1.cfg")));
+    }
     // A game folder without baseq3: the subfolders cannot be made.
     QVERIFY(QDir(f.baseq3()).removeRecursively());
     QVERIFY(!f.write(s));

@@ -104,6 +104,7 @@ private slots:
     void tabCaptions();
     void screenReaderMeetsEveryControl_data();
     void screenReaderMeetsEveryControl();
+    void accessibleTreeNamesEveryFocusable();
 
     void tabFitsClosedWindow_data();
     void tabFitsClosedWindow();
@@ -201,6 +202,31 @@ void TestForms::screenReaderMeetsEveryControl() {
         return i > 0 ? order[i - 1]->objectName() : QStringLiteral("(first)");
     };
     QCOMPARE(before(tabbing), before(reading));
+}
+
+// What a screen reader walks: the accessible objects of each window, the parts of composite
+// controls included (the edit box of an editable selector is announced by itself); not the
+// lists the program keeps hidden, but every page of a stack, which shows when chosen.
+void TestForms::accessibleTreeNamesEveryFocusable() {
+    QStringList unnamed;
+    const std::function<void(QAccessibleInterface*, const QString&)> walk =
+        [&](QAccessibleInterface* node, const QString& path) {
+            const auto* w = qobject_cast<const QWidget*>(node->object());
+            if (w && w->isHidden() && w->testAttribute(Qt::WA_WState_ExplicitShowHide) &&
+                !qobject_cast<const QStackedWidget*>(w->parentWidget()))
+                return;
+            if (node->state().focusable && node->text(QAccessible::Name).trimmed().isEmpty())
+                unnamed << path;
+            for (int i = 0; i < node->childCount(); ++i) {
+                if (QAccessibleInterface* child = node->child(i))
+                    walk(child, path + '/' +
+                                    (child->object() ? child->object()->metaObject()->className()
+                                                     : "item"));
+            }
+        };
+    for (QWidget* root : std::as_const(m_readerRoots))
+        walk(QAccessible::queryAccessibleInterface(root), root->objectName());
+    QVERIFY2(unnamed.isEmpty(), qPrintable(unnamed.join(' ')));
 }
 
 // ------------------------------------------------------------------ sizes

@@ -175,6 +175,12 @@ const std::tuple<const char*, LaunchOptions, const char*> CommandLines[] = {
      {2, false, "32", 1, false, "", "", "", "    ", false, "E:", "", "only@mail", "", ""},
      " +set dedicated 2 +sets configured_by Halvane_2.07 +set com_hunkmegs 32 +set "
      "g_needpass 0 +sets admin_email only@mail +exec halvane.cfg"},
+    {"the most hostile values validation lets through, as typed",
+     {2, false, "32", 1, true, "p&w'x$(y)/*", "", "", "+set g_motd \"a b\"", false, "",
+      "Bob // Smith", "a@b", "http://a/b?c=d&e"},
+     " +set dedicated 2 +sets configured_by Halvane_2.07 +set com_hunkmegs 32 +set g_password "
+     "p&w'x$(y)/* +set g_needpass 1 +set g_motd \"a b\" +sets admin_name Bob // Smith +sets "
+     "admin_email a@b +sets admin_website http://a/b?c=d&e +exec halvane.cfg"},
     {"nothing chosen, empty password",
      {-1, false, "", -1, true, "", "", "", "", false, "", "", "", "", ""},
      " +sets configured_by Halvane_2.07 +set com_hunkmegs  +set g_password  +set g_needpass 1 "
@@ -315,10 +321,10 @@ void LaunchTest::realStartRunsTheWrittenLine() {
     window->launch().hooks().now = [] { return QDateTime(QDate(2000, 2, 5), QTime(5, 3)); };
     ui->chkNOP->setChecked(true);
     // Quotes group words; shell characters are plain text to the game.
-    const QString typed = "+set g_motd \"hello  there\" +set a `touch made1`;touch made2 "
+    const QString typed = "+set g_motd \"hello  there\" +set a `touch made1`&touch made2 "
                           "$(touch made3)|tee made4>made5";
     ui->txtCmdParameters->setEditText(typed);
-    ui->txtServerPW->setText("x;touch made6");
+    ui->txtServerPW->setText("x&touch made6");
     ui->chkRequirePassword->setChecked(true);
     ui->cmdStart->click();
 
@@ -333,7 +339,7 @@ void LaunchTest::realStartRunsTheWrittenLine() {
     QVERIFY2(lines.value(lines.size() - 1).startsWith(prefix), qPrintable(lines.join('\n')));
     const QString line = lines.last().mid(prefix.size()).chopped(1);
     QCOMPARE(line, " +set dedicated 2 +sets gamestartup \"02/05/2000 05:03\" +sets configured_by "
-                   "Halvane_2.07 +set com_hunkmegs 32 +set g_password x;touch made6 +set "
+                   "Halvane_2.07 +set com_hunkmegs 32 +set g_password x&touch made6 +set "
                    "g_needpass 1 +set net_port 27960 " +
                        typed + " +exec halvane.cfg");
     // The stand-in ran in the game folder, one argument per line.

@@ -49,6 +49,25 @@ struct Fixture {
         return names;
     }
 };
+
+QStringList described(const FakeMessageBoxes& messages) {
+    QStringList result;
+    for (const ShownMessage& m : messages.shown)
+        result << message(m.title, m.text, m.buttons, m.icon);
+    return result;
+}
+
+QString leftOutNotice(const QString& count, const QString& names) {
+    return message("Map Names Left Out",
+                   count +
+                       " not added: the game's console cannot take a map name that holds a "
+                       "control character, a double quote, a semicolon, a blank or a comment "
+                       "mark, and would read the rest as another command:\r\r" +
+                       names +
+                       "\r\rTo play one of them, give its .bsp file a name of letters, digits "
+                       "and signs such as - and _.",
+                   MsgButtons::Ok, MsgIcon::Information);
+}
 } // namespace
 
 class MapDataTest : public QObject {
@@ -221,7 +240,7 @@ void MapDataTest::archiveSearch_data() {
     QTest::addColumn<int>("lines"); // entry lines shown
     QTest::newRow("whole search") << ""
                                   << QStringList({"q3dm1", "", "newmap", "capmap", "nodo", "c"})
-                                  << 7;
+                                  << 10;
     // Stops after the entry under way, keeps what it added, ends as usual.
     QTest::newRow("Cancel") << "Skipping: q3dm1" << QStringList({"q3dm1", "", "newmap"}) << 2;
 }
@@ -240,7 +259,10 @@ void MapDataTest::archiveSearch() {
     const QString deep = "a/" + QString(42, 'b');
     QVERIFY(makeArchive(f.baseq3() + "/zz.pk3",
                         {"levelshots/newmap.jpg", "maps/newmap.bsp", "maps/upper.BSP",
-                         "maps/nodotbsp", "maps/xbsp", deep + "/c.bsp", deep + "b/d.bsp"}));
+                         "maps/nodotbsp", "maps/xbsp", deep + "/c.bsp", deep + "b/d.bsp",
+                         // names the console would split: left out, told once
+                         "maps/c\nquit\n.bsp", "maps/q\";sets inj_map 1;\".bsp",
+                         "maps/two words.bsp"}));
     f.platform.writeFile(f.baseq3() + "/notes.txt", "not an archive");
     const auto record = f.discovery.pause;
     f.discovery.pause = [&] {
@@ -252,18 +274,25 @@ void MapDataTest::archiveSearch() {
     f.discovery.searchArchives();
 
     QCOMPARE(f.fileNames(), maps);
-    const QStringList entries{
-        "Searching for PK3 files...|Adding: newmap", "Searching for PK3 files...|Skipping: q3dm1",
-        "Searching for PK3 files...|Adding: capmap", "Searching for PK3 files...|Skipping: newmap",
-        "Searching for PK3 files...|Adding: nodo",
-        "Searching for PK3 files...|Skipping: ", // the deleted slot
-        "Searching for PK3 files...|Adding: c"};
+    const QStringList entries{"Searching for PK3 files...|Adding: newmap",
+                              "Searching for PK3 files...|Skipping: q3dm1",
+                              "Searching for PK3 files...|Adding: capmap",
+                              "Searching for PK3 files...|Skipping: newmap",
+                              "Searching for PK3 files...|Adding: nodo",
+                              "Searching for PK3 files...|Skipping: ", // the deleted slot
+                              "Searching for PK3 files...|Adding: c",
+                              "Searching for PK3 files...|Skipping: c quit",
+                              "Searching for PK3 files...|Skipping: q\";sets inj_map 1;\"",
+                              "Searching for PK3 files...|Skipping: two words"};
     QCOMPARE(f.shown, QStringList{"Getting Map Names...|baseq3\\zz.pk3"} + entries.mid(0, lines) +
                           QStringList{"Done|Finished loading maps"});
     // The damaged archive is named and the search goes on past it.
-    QCOMPARE(onlyMessage(f.platform.messages),
-             message("Error", "Error: " + QDir::toNativeSeparators(f.baseq3() + "/bad.pk3"),
-                     MsgButtons::Ok, MsgIcon::Critical));
+    QStringList told{message("Error", "Error: " + QDir::toNativeSeparators(f.baseq3() + "/bad.pk3"),
+                             MsgButtons::Ok, MsgIcon::Critical)};
+    if (cancelAt.isEmpty())
+        told << leftOutNotice("3 maps were", "c[code 10]quit[code 10]\rq\";sets inj_map 1;\"\r"
+                                             "two words");
+    QCOMPARE(described(f.platform.messages), told);
     QCOMPARE(f.loads, 1);
     QCOMPARE(f.platform.desktop.busyDepth, 0);
 }
@@ -323,11 +352,12 @@ void MapDataTest::looseMapsAndImportList() {
     f.known({"known"});
     f.platform.ini->write("Defaults", "FragLimit", "7");
     for (const char* name : {"b.bsp", "a.bsp", "KNOWN.bsp", "readme.txt", "C.BSP", ".bsp",
-                             "a_loose_map_of_22chars.bsp"})
+                             "a_loose_map_of_22chars.bsp", "q\";sets inj_map 1;\".bsp"})
         f.platform.writeFile(f.baseq3() + "/MAPS/" + name, "IBSP");
     const QString list = f.platform.writeFile(f.platform.programFolder() + "/maplist.txt",
                                               "// a comment\r\nnewone\r\nB\n\r\n\r\n"
-                                              "NEWONE\r\n onespace\r\n/notacomment\r\n");
+                                              "NEWONE\r\n onespace\r\n/notacomment\r\n"
+                                              "tab\tquit\r\nnew one\r\n");
     // The next start finds every map by the name its record stores: the
     // empty one in the blank slot, the long one cut to 20. Nothing is added
     // twice, and the operator hears once that a name was cut.
@@ -336,13 +366,18 @@ void MapDataTest::looseMapsAndImportList() {
     QVERIFY(!QFile::exists(list));
     QCOMPARE(f.fileNames(), QStringList({"known", "", "a", "a_loose_map_of_22cha", "b", "C",
                                          "newone", "onespace", "/notacomment"}));
-    QCOMPARE(onlyMessage(f.platform.messages),
-             message("Map Names Cut",
-                     "maps.dat keeps 20 characters of a map's file name, so these maps were added "
-                     "under their first 20:\r\ra_loose_map_of_22chars\r\rThe game loads a map by "
-                     "its whole name: to play one of them, give its .bsp file a name of at most 20 "
-                     "characters.",
-                     MsgButtons::Ok, MsgIcon::Information));
+    // A name the console would split is left out, at every start it is found.
+    const QString loose = "q\";sets inj_map 1;\"";
+    QCOMPARE(described(f.platform.messages),
+             QStringList({message("Map Names Cut",
+                                  "maps.dat keeps 20 characters of a map's file name, so these "
+                                  "maps were added under their first 20:\r\r"
+                                  "a_loose_map_of_22chars\r\rThe game loads a map by its whole "
+                                  "name: to play one of them, give its .bsp file a name of at most "
+                                  "20 characters.",
+                                  MsgButtons::Ok, MsgIcon::Information),
+                          leftOutNotice("3 maps were", loose + "\rtab[code 9]quit\rnew one"),
+                          leftOutNotice("1 map was", loose)}));
     QCOMPARE(f.catalogue.snapshot().record(3).get(MapField::FragLimit), QStringLiteral("7"));
     QVERIFY(f.shown.isEmpty()); // no archive search unless asked for
 }

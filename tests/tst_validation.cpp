@@ -22,6 +22,8 @@ void applyValues(QWidget& window, const QString& values) {
         QVERIFY2(control, qPrintable(name));
         if (auto* box = qobject_cast<QLineEdit*>(control))
             box->setText(value);
+        else if (auto* combo = qobject_cast<QComboBox*>(control); combo && combo->isEditable())
+            combo->setEditText(value);
         else if (auto* combo = qobject_cast<QComboBox*>(control))
             combo->setCurrentIndex(value.toInt());
         else if (auto* button = qobject_cast<QAbstractButton*>(control))
@@ -110,7 +112,7 @@ void ValidationTest::validateAll_data() {
     QTest::addColumn<QStringList>("messages");
     QTest::addColumn<QString>("after");
     QTest::addColumn<bool>("passed");
-    QTest::addColumn<QString>("focusedOnAdvanced"); // the box shown selected, if any
+    QTest::addColumn<QString>("focused"); // the box shown selected on its tab, if any
     const QString noName = fail("Server name is required");
     const auto row = [](const char* name, const char* input, const char* answers,
                         const QStringList& messages, const char* after, bool passed,
@@ -152,6 +154,49 @@ void ValidationTest::validateAll_data() {
     row("cd D", "chkSpecifyCD=1|txtCDROM=D", "", {BadCd}, "", false);
     row("first failing check wins", "txtServerName=|txtNetIP=1|txtHunkMegs=8", "", {noName},
         "txtHunkMegs=8", false);
+    // Values the game would split into another command, by where they are
+    // written: quoted in halvane.cfg, bare there, in the rotation lines, on
+    // the command line. Refused after every other check, nothing stored.
+    const auto split = [](const char* box, const char* what) {
+        return fail(QString(box) + " cannot hold " + what +
+                    ": the game would read the rest as another command.");
+    };
+    const char* const quote = "a double quote (\")";
+    row("name with a quote", "txtServerName=Arena\";sets inj_host \"yes", "",
+        {split("Server Name", quote)}, "", false, "txtServerName");
+    row("quote refused only after the other checks", "txtServerName=a\"|txtNetIP=1", "", {BadIp},
+        "", false);
+    row("motd with a line break", "txtMOTD=Hi\nquit", "",
+        {split("Message of the Day", "a line break")}, "", false, "txtMOTD");
+    row("motd with a tab", "txtMOTD=a\tb", "",
+        {split("Message of the Day", "a control character (code 9)")}, "", false, "txtMOTD");
+    row("console password with a quote", "txtConsolePW=pw\"; quit; \"X", "",
+        {split("Console (rcon) Password", quote)}, "", false, "txtConsolePW");
+    row("own log name with a quote", "chkLogFile=1|txtLogFile=a\"b", "",
+        {split("Log Filename", quote)}, "", false, "txtLogFile");
+    row("date-coded log: the name is not written", "chkLogFile=1|chkDateLog=1|txtLogFile=a\"b", "",
+        {}, "", true);
+    row("players with a semicolon", "txtMaxPlayers=8;sets inj_maxclients yes", "",
+        {split("Maxiumum Players", "a semicolon (;)")}, "", false, "txtMaxPlayers");
+    row("include file with a semicolon", "txtCfg=x.cfg;quit", "",
+        {split("Include Cfg File", "a semicolon (;)")}, "", false, "txtCfg");
+    row("map rule with a semicolon", "txtMapTimeLimit=15;quit", "",
+        {split("Time Limit", "a semicolon (;)")}, "", false, "txtMapTimeLimit");
+    row("server password with a plus", "chkRequirePassword=1|txtServerPW=pw+sets inj_pw yes", "",
+        {split("Server Password", "a plus sign (+)")}, "", false, "txtServerPW");
+    row("password not required: not passed", "chkRequirePassword=0|txtServerPW=pw+x", "", {}, "",
+        true);
+    row("admin name with a semicolon", "txtAdminName=Bob;sets inj yes", "",
+        {split("Admin Name", "a semicolon (;)")}, "", false, "txtAdminName");
+    row("admin email with a quote", "txtAdminEmail=a@b\"c", "", {split("Admin Email", quote)}, "",
+        false, "txtAdminEmail");
+    row("parameters with an open quote", "txtCmdParameters=+set sv_hostname \"x", "",
+        {split("Parameters", quote)}, "", false, "txtCmdParameters");
+    row("most hostile accepted values",
+        "txtServerName=Arena; sets a b // /*|txtMOTD=+x;y|txtConsolePW=p;w+|"
+        "txtCmdParameters=+set g_motd \"a b\" +set sv_fps 20|txtAdminName=Bob Smith|"
+        "txtAdminURL=http://a/b?c=d&e",
+        "", {}, "", true);
 }
 
 void ValidationTest::validateAll() {
@@ -160,7 +205,7 @@ void ValidationTest::validateAll() {
     QFETCH(QStringList, messages);
     QFETCH(QString, after);
     QFETCH(bool, passed);
-    QFETCH(QString, focusedOnAdvanced);
+    QFETCH(QString, focused);
 
     applyValues(*f->window, input);
     ui->SSTab1->setCurrentIndex(0);
@@ -187,10 +232,12 @@ void ValidationTest::validateAll() {
         QCOMPARE(writes, QStringList{});
     }
 
-    if (!focusedOnAdvanced.isEmpty()) {
-        auto* box = f->window->findChild<QLineEdit*>(focusedOnAdvanced);
-        QCOMPARE(ui->SSTab1->currentIndex(), 4);
-        QCOMPARE(box->selectedText(), box->text());
+    if (!focused.isEmpty()) {
+        QWidget* box = f->window->findChild<QWidget*>(focused);
+        QVERIFY(ui->SSTab1->currentWidget()->isAncestorOf(box));
+        auto* edit = qobject_cast<QComboBox*>(box) ? qobject_cast<QComboBox*>(box)->lineEdit()
+                                                   : qobject_cast<QLineEdit*>(box);
+        QCOMPARE(edit->selectedText(), edit->text());
         if (QTest::qWaitForWindowActive(f->window.get()))
             QVERIFY(box->hasFocus());
     } else {
@@ -227,16 +274,19 @@ void ValidationTest::everyNumericBoxIsFiltered() {
         QCOMPARE(box->text(), QStringLiteral("4"));
         QCOMPARE(f->platform.desktop.beeps, 3);
     }
-    // Text the program places, or pasted with the context menu, is not filtered.
+    // Text the program places is not filtered; pasted with the context menu,
+    // it keeps its digits, where they were pasted, without a beep.
     f->platform.desktop.beeps = 0;
     ui->txtHunkMegs->setText("abc");
     QCOMPARE(ui->txtHunkMegs->text(), QStringLiteral("abc"));
-    QGuiApplication::clipboard()->setText("x9");
-    if (QGuiApplication::clipboard()->text() != QLatin1String("x9"))
+    QGuiApplication::clipboard()->setText("8;sets inj_maxclients 9\n");
+    if (QGuiApplication::clipboard()->text() != QLatin1String("8;sets inj_maxclients 9\n"))
         QSKIP("no clipboard on this platform");
-    ui->txtHunkMegs->clear();
+    ui->txtHunkMegs->setText("12");
+    ui->txtHunkMegs->setCursorPosition(1);
     ui->txtHunkMegs->paste(); // what the context menu's Paste does
-    QCOMPARE(ui->txtHunkMegs->text(), QStringLiteral("x9"));
+    QCOMPARE(ui->txtHunkMegs->text(), QStringLiteral("1892"));
+    QCOMPARE(ui->txtHunkMegs->cursorPosition(), 3);
     QCOMPARE(f->platform.desktop.beeps, 0);
 }
 

@@ -2,6 +2,7 @@
 
 #include "app/AppContext.h"
 #include "bots/RandomSource.h"
+#include "config/ConsoleText.h"
 #include "platform/MessageBoxes.h"
 #include "settings/TextForms.h"
 
@@ -55,7 +56,9 @@ void BotScriptWriter::MakeBotScript(const ServerSettings& settings) {
     for (const BotEntry& bot : settings.bots) {
         if (!ok)
             break;
-        if (!bot.selected)
+        // A name from the bot list that the console would split (a blank, a
+        // ';', a quote) would add a different bot or run a command: left out.
+        if (!bot.selected || !isConsoleSafeMapName(bot.name))
             continue;
         const int level = settings.randomBotSkill ? randomSkillLevel() : bot.skill + 1;
         ok = file.line(QStringLiteral("addbot ") + bot.name + skillText(level) +
@@ -115,15 +118,16 @@ void BotScriptWriter::MakeRandomBotScript(const ServerSettings& settings, const 
     ok = ok && file.line();
 
     const auto name = [&](int position) { return settings.bots[size_t(position)].name; };
+    const auto safe = [&](int position) { return isConsoleSafeMapName(name(position)); };
     if (N == 0) {
         for (int i = 0; i < setSize && ok; ++i) {
             const int picked = pickInto(FirstSetKicks, pool);
-            if (picked >= 0)
+            if (picked >= 0 && safe(picked))
                 ok = file.line(QStringLiteral("kick ") + name(picked));
         }
     } else {
         for (int i = 0; i < pool && ok; ++i) {
-            if (PreviousSetPicks[size_t(i)])
+            if (PreviousSetPicks[size_t(i)] && safe(i))
                 ok = file.line(QStringLiteral("kick ") + name(i));
         }
     }
@@ -135,7 +139,7 @@ void BotScriptWriter::MakeRandomBotScript(const ServerSettings& settings, const 
     const auto& adding = N == L ? FirstSetKicks : PreviousSetPicks;
     int t = 0;
     for (int i = 0; i < pool && ok; ++i) {
-        if (!adding[size_t(i)])
+        if (!adding[size_t(i)] || !safe(i))
             continue;
         ++t;
         const int level =

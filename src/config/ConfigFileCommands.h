@@ -33,6 +33,9 @@ public:
 
 private:
     bool write(const QString& path);
+    // Why the configuration may not be saved as target (the game, the
+    // program's own files, the scripts the configuration runs), or empty.
+    QString refusedTarget(const QString& target) const;
 
     Ui::frmMain& ui;
     AppContext& m_app;

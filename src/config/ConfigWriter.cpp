@@ -3,6 +3,7 @@
 
 #include "app/AppContext.h"
 #include "bots/BotScripts.h"
+#include "config/ConsoleText.h"
 #include "config/ScriptFile.h"
 #include "maps/MapCatalogue.h"
 #include "platform/MessageBoxes.h"
@@ -90,7 +91,9 @@ bool ConfigWriter::WriteConfig(const ServerSettings& s, const QString& path, boo
             return false;
     }
 
-    ScriptFile out(path);
+    // The file holds the console password (and, after a launch, the server
+    // password in its closing comment): the user's alone, wherever it is saved.
+    ScriptFile out(path, FileAccess::Private);
     if (!out.open())
         return false;
 
@@ -195,14 +198,23 @@ bool ConfigWriter::writeMapSection(ScriptFile& out, const ServerSettings& s) {
     const bool randomBots = s.randomBotSets();
     // One read of the data file serves every map of the section.
     const MapSnapshot maps = m_catalogue.snapshot();
+    const auto field = [&](MapField f) { return m_catalogue.RecordBuffer.get(f); };
+    // A record whose name or rules would break out of the rotation line (a
+    // damaged or hand-made data file) stops the write like a missing one.
     const auto load = [&](const QString& entry) {
         const qint16 number = maps.find(entry);
         if (number < 1 || number > maps.count())
             return false;
         m_catalogue.RecordBuffer = maps.record(number);
+        if (!isConsoleSafeMapName(field(MapField::FileName)))
+            return false;
+        for (MapField rule : {MapField::TimeLimit, MapField::FragLimit, MapField::CaptureLimit,
+                              MapField::Speed, MapField::Gravity, MapField::KnockBack}) {
+            if (!isConsoleSafe(field(rule), ConsolePlace::Rotation))
+                return false;
+        }
         return true;
     };
-    const auto field = [&](MapField f) { return m_catalogue.RecordBuffer.get(f); };
 
     const qint16 last = qint16(s.selectedMaps.size() - 1);
     if (last == 0) {

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "platform/PrivateFiles.h"
+#include "platform/WholeFile.h"
+
 #include <QFile>
 #include <QHash>
 #include <QString>
@@ -10,13 +13,25 @@ namespace halvane {
 // A game script being written: one byte per character, each line ended by
 // CR LF. The file is created anew; a write that fails partway leaves the
 // lines written so far, so it is a plain file and not a save-and-rename.
+// A private script (one that holds a password) is created readable by the
+// user alone, and an existing one is tightened before anything is written.
 class ScriptFile {
 public:
-    explicit ScriptFile(const QString& path) : m_file(path) {}
+    explicit ScriptFile(const QString& path, FileAccess access = FileAccess::Usual)
+        : m_file(path), m_access(access) {}
     ~ScriptFile() { close(); }
 
     bool open() {
-        m_ok = m_file.open(QIODevice::WriteOnly | QIODevice::Truncate);
+        if (m_access == FileAccess::Private) {
+            m_ok = m_file.open(QIODevice::WriteOnly | QIODevice::Truncate,
+                               QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+            // Tightened while still empty. A file system without modes (a
+            // FAT drive) refuses; the script is written all the same.
+            if (m_ok)
+                makeFilePrivate(m_file.fileName());
+        } else {
+            m_ok = m_file.open(QIODevice::WriteOnly | QIODevice::Truncate);
+        }
         return m_ok;
     }
     // Writes text and the line end; after a failure nothing more is written.
@@ -43,6 +58,7 @@ public:
 
 private:
     QFile m_file;
+    FileAccess m_access;
     bool m_ok = false;
 };
 

@@ -20,22 +20,6 @@ void run(const std::function<void()>& hook) {
         hook();
 }
 
-// Where drives have letters the game folder must start on one that exists;
-// elsewhere there is no drive to change to. The code is the system's
-// "invalid drive" error.
-bool changeDrive(const QString& gameFolder, int& code) {
-#ifdef Q_OS_WIN
-    const QChar drive = gameFolder.isEmpty() ? QChar() : gameFolder[0];
-    if (!drive.isLetter() || !QDir(QString(drive) + QStringLiteral(":/")).exists()) {
-        code = 15; // ERROR_INVALID_DRIVE
-        return false;
-    }
-#else
-    Q_UNUSED(gameFolder);
-#endif
-    code = 0;
-    return true;
-}
 } // namespace
 
 LaunchController::LaunchController(Ui::frmMain& ui, AppContext& app, QWidget& window,
@@ -98,14 +82,8 @@ void LaunchController::cmdStart() {
         return;
     }
 
-    // 9.
+    // 9. Folders have no drive letters here: there is no drive to change to.
     const QString gameFolder = m_app.state.GameFolder;
-    stepText = QStringLiteral("Error changing drives");
-    int code = 0;
-    if (!changeDrive(gameFolder, code)) {
-        fail(stepText, code);
-        return;
-    }
 
     // 10. The game runs in its folder; the program's own directory stays.
     stepText = QStringLiteral("Error changing directories");

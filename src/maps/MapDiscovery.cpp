@@ -1,6 +1,7 @@
 #include "maps/MapDiscovery.h"
 
 #include "app/AppContext.h"
+#include "config/ConsoleText.h"
 #include "maps/ArchiveListing.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapDefaults.h"
@@ -118,6 +119,7 @@ void MapDiscovery::GetMapsFromBaseDir() {
         m_catalogue.CurrentMapRecord = -1;
     m_atStartup = false;
     reportCutNames();
+    reportLeftOut();
 }
 
 std::optional<MapRecord> MapDiscovery::newMap(const QString& name, const MapSnapshot& known,
@@ -153,6 +155,44 @@ void MapDiscovery::noteIfCut(const QString& name) {
         m_cutNames.append(name);
 }
 
+bool MapDiscovery::leftOut(const MapRecord& record, const QString& found) {
+    const QString name = record.get(MapField::FileName);
+    // The empty name is a deleted slot's, which is never written.
+    if (name.isEmpty() || isConsoleSafeMapName(name))
+        return false;
+    m_leftOut.append(found);
+    return true;
+}
+
+void MapDiscovery::reportLeftOut() {
+    if (m_leftOut.isEmpty())
+        return;
+    QStringList shown;
+    for (const QString& name : m_leftOut.mid(0, 5)) {
+        QString visible;
+        for (const QChar c : name)
+            visible += c.unicode() < 0x20 || c.unicode() == 0x7f
+                           ? QStringLiteral("[code %1]").arg(c.unicode())
+                           : QString(c);
+        shown.append(visible);
+    }
+    if (m_leftOut.size() > shown.size())
+        shown.append(QStringLiteral("and %1 more").arg(m_leftOut.size() - shown.size()));
+    const qsizetype count = m_leftOut.size();
+    m_leftOut.clear();
+    m_app.platform.messages.tell(
+        QStringLiteral("Map Names Left Out"),
+        QStringLiteral("%1 %2 not added: the game's console cannot take a map name that holds a "
+                       "control character, a double quote, a semicolon, a blank or a comment "
+                       "mark, and would read the rest as another command:\r\r")
+                .arg(count)
+                .arg(count == 1 ? QStringLiteral("map was") : QStringLiteral("maps were")) +
+            shown.join(QLatin1Char('\r')) +
+            QStringLiteral("\r\rTo play one of them, give its .bsp file a name of letters, "
+                           "digits and signs such as - and _."),
+        MsgIcon::Information);
+}
+
 void MapDiscovery::reportCutNames() {
     if (m_cutNames.isEmpty())
         return;
@@ -181,6 +221,8 @@ bool MapDiscovery::findLooseMaps() {
     QStringList addedNames;
     for (const QString& name : names) {
         if (const auto record = newMap(name, known, m_catalogue.DefaultRules)) {
+            if (leftOut(*record, name))
+                continue;
             known.appended(*record);
             added.push_back(*record);
             addedNames.append(name);
@@ -207,6 +249,8 @@ bool MapDiscovery::importMapList() {
         if (!isMapListEntry(line))
             continue;
         if (const auto record = newMap(line, known, importedRules())) {
+            if (leftOut(*record, line))
+                continue;
             known.appended(*record);
             added.push_back(*record);
             addedNames.append(line);
@@ -269,7 +313,11 @@ void MapDiscovery::searchArchives() {
             continue; // a member named "bsp" alone has no name to take
         // "xbsp" names the empty map, which a deleted slot answers for.
         const QString name = entry.chopped(4);
-        if (const auto record = newMap(name, known, m_catalogue.DefaultRules)) {
+        const auto record = newMap(name, known, m_catalogue.DefaultRules);
+        if (record && leftOut(*record, name)) {
+            m_window->setStatus(QStringLiteral("Skipping: ") +
+                                record->get(MapField::FileName).simplified());
+        } else if (record) {
             if (m_catalogue.append({*record})) {
                 known.appended(*record);
                 noteIfCut(name);
@@ -294,8 +342,10 @@ void MapDiscovery::searchArchives() {
         LoadMaps();
     m_app.platform.desktop.setBusy(false);
     m_searching = false;
-    if (!m_atStartup)
+    if (!m_atStartup) {
         reportCutNames();
+        reportLeftOut();
+    }
 }
 
 } // namespace halvane

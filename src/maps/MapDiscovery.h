@@ -85,6 +85,11 @@ private:
     // Tells once about the names that were cut to fit the record.
     void noteIfCut(const QString& name);
     void reportCutNames();
+    // True (and noted) when the record's name is one the game's console
+    // would split: a control character, a quote, ';', a blank. Such a map is
+    // not added; one notice after the search tells how many.
+    bool leftOut(const MapRecord& record, const QString& found);
+    void reportLeftOut();
     void holdLine();
 
     MapCatalogue& m_catalogue;
@@ -93,6 +98,7 @@ private:
     bool m_searching = false;
     bool m_atStartup = false;
     QStringList m_cutNames;
+    QStringList m_leftOut;
     bool m_cancelled = false;
     // Pacing of the search under way: the lines it will show, the ones shown.
     QElapsedTimer m_pacing;

@@ -20,6 +20,10 @@ MapEditor::MapEditor(QWidget* owner, Ui::frmMain& main, MapCatalogue& catalogue,
     ui->setupUi(this);
     setModal(false);
     ui->lblIndexNum->setVisible(false);
+    // No longer than the record keeps: a longer name would be listed whole
+    // but found nowhere in the catalogue.
+    ui->txtMapName->setMaxLength(MapRecord::Fields[size_t(MapField::DisplayName)].width);
+    ui->txtFileName->setMaxLength(MapRecord::Fields[size_t(MapField::FileName)].width);
     connect(ui->Command2, &QAbstractButton::clicked, this, &MapEditor::okay);
     connect(ui->Command1, &QAbstractButton::clicked, this, &QDialog::close);
 }

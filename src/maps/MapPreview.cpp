@@ -8,7 +8,9 @@
 #include "ui_frmMain.h"
 
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QFile>
+#include <QFileInfo>
 #include <QImageReader>
 #include <QPainter>
 #include <QPixmap>
@@ -33,7 +35,8 @@ std::optional<PreviewSource> firstFile(const QString& programFolder, const QStri
         if (base.isEmpty())
             continue;
         const QString path = findIgnoringCase(base, candidate.relative);
-        if (FileExists(path))
+        // A pipe or a folder by that name is no picture; opening a pipe waits.
+        if (QFileInfo(path).isFile() && FileExists(path))
             return PreviewSource{candidate.kind, path, {}, {}};
     }
     return std::nullopt;
@@ -88,6 +91,9 @@ QImage readTarga(QByteArray bytes) {
     // would otherwise complete the header and show garbage.
     if (bytes.size() < 18)
         return QImage();
+    const auto word = [&](int at) { return uchar(bytes[at]) | uchar(bytes[at + 1]) << 8; };
+    if (word(12) > MaxPictureSide || word(14) > MaxPictureSide)
+        return QImage();
     // Qt's reader takes only files with the version 2 footer; the game's own
     // pictures are often older ones, which differ in nothing else.
     static const QByteArray signature("TRUEVISION-XFILE.\0", 18);
@@ -99,11 +105,61 @@ QImage readTarga(QByteArray bytes) {
     return reader.read();
 }
 
+QImage readJpeg(QIODevice& device) {
+    const auto read = [](QImageReader& reader) {
+        const QSize size = reader.size(); // from the header alone
+        if (size.width() > MaxPictureSide || size.height() > MaxPictureSide)
+            return QImage();
+        return reader.read();
+    };
+    // Naming the format without letting the reader guess loads only the
+    // JPEG plugin; a guess would load every image plugin. A picture that is
+    // not a JPEG after all is still read by its content.
+    QImage picture;
+    {
+        QImageReader reader(&device, "jpeg");
+        reader.setAutoDetectImageFormat(false);
+        picture = read(reader);
+    }
+    if (picture.isNull() && device.seek(0)) {
+        QImageReader reader(&device);
+        reader.setDecideFormatFromContent(true);
+        picture = read(reader);
+    }
+    return picture;
+}
+
+PreviewPicture loadPreview(const QString& programFolder, const QString& gameFolder,
+                           const QString& mapName, const GameFiles* archives) {
+    PreviewSource source = findPreview(programFolder, gameFolder, mapName, archives);
+    const bool inArchive = !source.member.isEmpty();
+    switch (source.kind) {
+    case PreviewSource::Jpeg: {
+        QFile file(source.path);
+        QBuffer content(&source.content);
+        QIODevice& device = inArchive ? static_cast<QIODevice&>(content) : file;
+        device.open(QIODevice::ReadOnly);
+        return {source.kind, readJpeg(device)};
+    }
+    case PreviewSource::Targa:
+        return {source.kind, inArchive ? readTarga(source.content) : readTarga(source.path)};
+    case PreviewSource::None:
+        break;
+    }
+    return {};
+}
+
 MapPreview::MapPreview(Ui::frmMain& ui, AppContext& app, const GameFiles& archives)
     : ui(ui), m_app(app), m_archives(archives),
-      m_whenShown(std::make_unique<WhenShown>(*ui.stkMapPicture)) {}
+      m_whenShown(std::make_unique<WhenShown>(*ui.stkMapPicture)) {
+    m_reader.setMaxThreadCount(1);
+}
 
-MapPreview::~MapPreview() = default;
+MapPreview::~MapPreview() {
+    // The thread's work refers to this object.
+    m_reader.clear();
+    m_reader.waitForDone();
+}
 
 void MapPreview::showPreview(const QString& entry) {
     m_shown = entry;
@@ -112,21 +168,34 @@ void MapPreview::showPreview(const QString& entry) {
 }
 
 void MapPreview::showNow(const QString& entry) {
-    const PreviewSource source =
-        findPreview(m_app.platform.folder.installed(), m_app.state.GameFolder, entry, &m_archives);
-    const bool inArchive = !source.member.isEmpty();
-    switch (source.kind) {
-    case PreviewSource::Jpeg: {
-        QFile file(source.path);
-        QBuffer content;
-        content.setData(source.content);
-        QIODevice& device = inArchive ? static_cast<QIODevice&>(content) : file;
-        device.open(QIODevice::ReadOnly);
-        showJpeg(device);
+    // Copies for the thread; the archive listing's tables are shared, not copied.
+    const quint64 asked = ++m_asked;
+    m_reader.clear(); // what was asked before and has not started is no longer wanted
+    m_reader.start([this, asked, folder = m_app.platform.folder.installed(),
+                    game = m_app.state.GameFolder, entry, archives = m_archives] {
+        PreviewPicture picture = loadPreview(folder, game, entry, &archives);
+        QMetaObject::invokeMethod(
+            &m_receiver,
+            [this, asked, picture = std::move(picture)] {
+                if (asked == m_asked)
+                    showPicture(picture);
+            },
+            Qt::QueuedConnection);
+    });
+}
+
+void MapPreview::finish() {
+    m_reader.waitForDone();
+    QCoreApplication::sendPostedEvents(&m_receiver, QEvent::MetaCall);
+}
+
+void MapPreview::showPicture(const PreviewPicture& picture) {
+    switch (picture.kind) {
+    case PreviewSource::Jpeg:
+        showJpeg(picture.image);
         break;
-    }
     case PreviewSource::Targa:
-        drawTarga(inArchive ? readTarga(source.content) : readTarga(source.path));
+        drawTarga(picture.image);
         ui.stkMapPicture->setCurrentWidget(ui.imgMap);
         break;
     case PreviewSource::None:
@@ -140,21 +209,7 @@ void MapPreview::refresh() {
         showPreview(m_shown);
 }
 
-void MapPreview::showJpeg(QIODevice& device) {
-    // Naming the format without letting the reader guess loads only the
-    // JPEG plugin; a guess would load every image plugin. A picture that is
-    // not a JPEG after all is still read by its content.
-    QImage picture;
-    {
-        QImageReader reader(&device, "jpeg");
-        reader.setAutoDetectImageFormat(false);
-        picture = reader.read();
-    }
-    if (picture.isNull() && device.seek(0)) {
-        QImageReader reader(&device);
-        reader.setDecideFormatFromContent(true);
-        picture = reader.read();
-    }
+void MapPreview::showJpeg(const QImage& picture) {
     ui.imgMap1->setPixmap(QPixmap::fromImage(picture));
     ui.stkMapPicture->setCurrentWidget(ui.imgMap1);
 }
@@ -186,7 +241,7 @@ void MapPreview::showStartupPicture() {
             m_app.platform.folder.installedFile(QStringLiteral("maps/default.jpg"));
         QFile file(path);
         if (FileExists(path) && file.open(QIODevice::ReadOnly))
-            showJpeg(file);
+            showJpeg(readJpeg(file));
     });
 }
 

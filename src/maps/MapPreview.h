@@ -2,7 +2,9 @@
 
 #include <QByteArray>
 #include <QImage>
+#include <QObject>
 #include <QString>
+#include <QThreadPool>
 #include <memory>
 
 class QIODevice;
@@ -32,13 +34,34 @@ struct PreviewSource {
 PreviewSource findPreview(const QString& programFolder, const QString& gameFolder,
                           const QString& mapName, const GameFiles* archives = nullptr);
 
-// A Targa picture, with or without the version 2 footer; null when unreadable.
+// A side longer than this is no level shot: decoding such a picture takes
+// seconds and hundreds of megabytes. Such pictures are refused by the size
+// their header gives, before they are decoded.
+constexpr int MaxPictureSide = 4096;
+
+// A Targa picture, with or without the version 2 footer; null when unreadable
+// or too large.
 QImage readTarga(const QString& path);
 QImage readTarga(QByteArray bytes);
+// A JPEG picture (or one of another kind, by its content); null when
+// unreadable or too large.
+QImage readJpeg(QIODevice& device);
+
+// The picture findPreview finds, read and decoded; a plain function, so it
+// runs away from the window's thread.
+struct PreviewPicture {
+    PreviewSource::Kind kind = PreviewSource::None;
+    QImage image;
+};
+PreviewPicture loadPreview(const QString& programFolder, const QString& gameFolder,
+                           const QString& mapName, const GameFiles* archives = nullptr);
 
 // Shows the picture of the chosen map on the Maps tab: JPEG pictures in
 // imgMap1, Targa pictures drawn into imgMap at their own size. While the
 // tab is out of sight the picture is found and read when the tab shows.
+// Pictures are read and decoded on a thread of their own, so that a large
+// one inside an archive never holds up the window; the box changes when the
+// picture is ready.
 class MapPreview {
 public:
     // Pictures in the game's archives are found through archives.
@@ -46,6 +69,8 @@ public:
     ~MapPreview();
 
     void showPreview(const QString& entry);
+    // Waits for the picture being read and shows it.
+    void finish();
     // Shows the last map shown again, as the game's files are now.
     void refresh();
     // Draws a Targa picture from the box's top-left corner, unscaled and cut
@@ -56,7 +81,8 @@ public:
 
 private:
     void showNow(const QString& entry);
-    void showJpeg(QIODevice& device);
+    void showPicture(const PreviewPicture& picture);
+    void showJpeg(const QImage& picture);
     void drawTarga(const QImage& picture);
     void showEmpty();
 
@@ -65,6 +91,9 @@ private:
     const GameFiles& m_archives;
     QString m_shown;
     std::unique_ptr<WhenShown> m_whenShown;
+    QObject m_receiver; // takes the pictures read on the thread
+    QThreadPool m_reader;
+    quint64 m_asked = 0; // only the picture last asked for is shown
 };
 
 } // namespace halvane

@@ -1,4 +1,5 @@
 #include "platform/QtPlatform.h"
+#include "platform/PrivateFiles.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -13,36 +14,9 @@
 #include <QUrl>
 
 #include <cerrno>
-
-#ifdef Q_OS_WIN
-#include <windows.h>
-#else
 #include <csignal>
-#endif
 
 namespace halvane {
-
-#ifdef Q_OS_WIN
-namespace {
-struct WindowSearch {
-    DWORD process = 0;
-    HWND found = nullptr;
-};
-
-// The first visible top-level window of the process, the one to bring forward.
-BOOL CALLBACK findTopWindow(HWND window, LPARAM param) {
-    auto* search = reinterpret_cast<WindowSearch*>(param);
-    DWORD owner = 0;
-    GetWindowThreadProcessId(window, &owner);
-    if (owner == search->process && IsWindowVisible(window) &&
-        GetWindow(window, GW_OWNER) == nullptr) {
-        search->found = window;
-        return FALSE;
-    }
-    return TRUE;
-}
-} // namespace
-#endif
 
 MsgAnswer QtMessageBoxes::show(const QString& title, const QString& text, MsgButtons buttons,
                                MsgIcon icon) {
@@ -170,25 +144,6 @@ StartResult QtProcesses::start(const QString& program, const QStringList& argume
 bool QtProcesses::activate(qint64 taskId) {
     if (taskId <= 0)
         return false;
-#ifdef Q_OS_WIN
-    HANDLE process = OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, DWORD(taskId));
-    if (!process)
-        return false;
-    DWORD code = 0;
-    const bool alive = GetExitCodeProcess(process, &code) && code == STILL_ACTIVE;
-    CloseHandle(process);
-    if (alive) {
-        WindowSearch search;
-        search.process = DWORD(taskId);
-        EnumWindows(findTopWindow, reinterpret_cast<LPARAM>(&search));
-        if (search.found) {
-            if (IsIconic(search.found))
-                ShowWindow(search.found, SW_RESTORE);
-            SetForegroundWindow(search.found);
-        }
-    }
-    return alive;
-#else
     // A detached server is not our child, so it never lingers as our zombie:
     // signal 0 tells whether it still lives. Where the system's reaper is
     // slow (a container's first process), an ended server can stay a zombie
@@ -203,25 +158,11 @@ bool QtProcesses::activate(qint64 taskId) {
             return false;
     }
     return true;
-#endif
 }
 
 qint64 QtProcesses::startTimeOf(qint64 taskId) {
     if (taskId <= 0)
         return 0;
-#ifdef Q_OS_WIN
-    HANDLE process = OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, DWORD(taskId));
-    if (!process)
-        return 0;
-    DWORD code = 0;
-    FILETIME created{}, exited{}, kernel{}, user{};
-    qint64 start = 0;
-    if (GetExitCodeProcess(process, &code) && code == STILL_ACTIVE &&
-        GetProcessTimes(process, &created, &exited, &kernel, &user))
-        start = (qint64(created.dwHighDateTime) << 32) | created.dwLowDateTime;
-    CloseHandle(process);
-    return start;
-#elif defined(Q_OS_LINUX)
     // Field 22 of the process's stat line: its start in clock ticks after
     // boot. A zombie has ended.
     QFile stat(QStringLiteral("/proc/%1/stat").arg(taskId));
@@ -237,31 +178,12 @@ qint64 QtProcesses::startTimeOf(qint64 taskId) {
     bool ok = false;
     const qint64 start = fields[19].toLongLong(&ok);
     return ok ? qMax<qint64>(start, 1) : 0;
-#else
-    // No start time to be had here: a live task counts as the same one.
-    return (::kill(pid_t(taskId), 0) == 0 || errno == EPERM) ? 1 : 0;
-#endif
 }
 
 bool QtProcesses::end(qint64 taskId, bool force) {
     if (taskId <= 0)
         return false;
-#ifdef Q_OS_WIN
-    if (force) {
-        HANDLE process = OpenProcess(PROCESS_TERMINATE, FALSE, DWORD(taskId));
-        if (!process)
-            return false;
-        const bool done = TerminateProcess(process, 1);
-        CloseHandle(process);
-        return done;
-    }
-    WindowSearch search;
-    search.process = DWORD(taskId);
-    EnumWindows(findTopWindow, reinterpret_cast<LPARAM>(&search));
-    return search.found && PostMessage(search.found, WM_CLOSE, 0, 0);
-#else
     return ::kill(pid_t(taskId), force ? SIGKILL : SIGTERM) == 0;
-#endif
 }
 
 bool QtShell::openDocument(const QString& target) {
@@ -271,11 +193,7 @@ bool QtShell::openDocument(const QString& target) {
 }
 
 bool QtShell::editTextFile(const QString& path) {
-#ifdef Q_OS_WIN
-    return QProcess::startDetached(QStringLiteral("notepad.exe"), {QDir::toNativeSeparators(path)});
-#else
     return QDesktopServices::openUrl(QUrl::fromLocalFile(path));
-#endif
 }
 
 bool QtDesktop::anotherCopyRunning() {
@@ -307,18 +225,30 @@ void QtDesktop::setBusy(bool busy) {
     }
 }
 
+namespace {
+void keepPrivate(const QSettings& settings) {
+    if (settings.format() == QSettings::IniFormat && QFileInfo::exists(settings.fileName()))
+        makeFilePrivate(settings.fileName());
+}
+} // namespace
+
+void QtSettingsStore::Closer::operator()(QSettings* settings) const {
+    settings->sync();
+    keepPrivate(*settings);
+    delete settings;
+}
+
 QtSettingsStore::QtSettingsStore()
-    : m_settings(std::make_unique<QSettings>(
-#ifdef Q_OS_WIN
-          QSettings::NativeFormat,
-#else
-          QSettings::IniFormat,
-#endif
-          QSettings::UserScope, QStringLiteral("Halvane"), QStringLiteral("Halvane"))) {
+    : m_settings(new QSettings(QSettings::IniFormat, QSettings::UserScope,
+                               QStringLiteral("Halvane"), QStringLiteral("Halvane"))) {
+    makePrivateFolder(QFileInfo(m_settings->fileName()).absolutePath());
+    keepPrivate(*m_settings);
 }
 
 QtSettingsStore::QtSettingsStore(const QString& iniFile)
-    : m_settings(std::make_unique<QSettings>(iniFile, QSettings::IniFormat)) {}
+    : m_settings(new QSettings(iniFile, QSettings::IniFormat)) {
+    keepPrivate(*m_settings);
+}
 
 QString QtSettingsStore::read(const QString& section, const QString& key,
                               const QString& defaultText) const {
@@ -338,6 +268,7 @@ bool QtSettingsStore::write(const QString& section, const QString& key, const QS
 
 bool QtSettingsStore::flush() {
     m_settings->sync();
+    keepPrivate(*m_settings);
     // A format error comes from reading a damaged file, not from this write.
     return m_settings->status() != QSettings::AccessError;
 }

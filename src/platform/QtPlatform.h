@@ -51,7 +51,10 @@ private:
 };
 
 // QSettings-backed store: INI in the user's configuration folder on Linux,
-// the registry on Windows; tests pass an INI file of their own.
+// the registry on Windows; tests pass an INI file of their own. The file holds
+// passwords: it is kept readable by the user alone (tightened when the store
+// opens it and after every write to disk), and the default file's folder is
+// the user's alone, so that not even a file just made is open to others.
 class QtSettingsStore : public SettingsStore {
 public:
     QtSettingsStore();
@@ -64,7 +67,11 @@ public:
     QString failureReason() const override;
 
 private:
-    std::unique_ptr<QSettings> m_settings;
+    // Closing writes what is pending, then keeps the file private.
+    struct Closer {
+        void operator()(QSettings* settings) const;
+    };
+    std::unique_ptr<QSettings, Closer> m_settings;
 };
 
 // Converts the "Caption|*.a;*.b" filter form to Qt's "Caption (*.a *.b)".

@@ -9,9 +9,9 @@ class QSocketNotifier;
 
 namespace halvane {
 
-// "127.0.0.1" as a number in host order; also the shorter and hexadecimal
-// or octal forms ("127.1", "0x7f.0.0.1") the system's own parser takes.
-// Nothing for names or anything else.
+// "127.0.0.1" as a number in host order, as the system's parser reads four
+// decimal parts; blanks around it do not count. Nothing for names, shorter
+// forms ("127.1") or anything else.
 std::optional<quint32> parseIpv4(const QString& text);
 
 // A non-blocking IPv4 UDP socket for the game's queries. Written on the

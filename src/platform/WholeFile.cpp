@@ -5,13 +5,19 @@
 
 namespace halvane {
 
-bool saveWholeFile(const QString& path, const QByteArray& bytes, QString* reason) {
+bool saveWholeFile(const QString& path, const QByteArray& bytes, QString* reason,
+                   FileAccess access) {
     QSaveFile file(path);
+    // The temporary file is made private before the first byte goes in, so a
+    // password is never readable by others, not even for a moment; the
+    // rename keeps its modes.
+    const bool opened = file.open(QIODevice::WriteOnly) &&
+                        (access != FileAccess::Private ||
+                         file.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner));
     // Qt 6.4's commit() ignores a failure of its own final flush and renames
     // the short file over the old one; so every byte is flushed and checked
     // here first.
-    const bool saved = file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() &&
-                       file.flush() && file.commit();
+    const bool saved = opened && file.write(bytes) == bytes.size() && file.flush() && file.commit();
     if (!saved) {
         if (reason)
             *reason = file.errorString();

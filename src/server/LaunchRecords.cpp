@@ -94,6 +94,10 @@ QString fromJson(const QByteArray& line, LaunchRecord& r) {
 } // namespace
 
 LoadedRecords parseLaunchRecords(const QByteArray& bytes) {
+    // The first few say what is wrong; a line for each of a million would
+    // only bury that.
+    constexpr qsizetype Listed = 5;
+    qsizetype unlisted = 0;
     LoadedRecords loaded;
     const QList<QByteArray> lines = bytes.split('\n');
     for (qsizetype i = 0; i < lines.size(); ++i) {
@@ -104,9 +108,13 @@ LoadedRecords parseLaunchRecords(const QByteArray& bytes) {
         const QString problem = fromJson(line, record);
         if (problem.isEmpty())
             loaded.records.append(record);
-        else
+        else if (loaded.problems.size() < Listed)
             loaded.problems.append(QStringLiteral("line %1: %2").arg(i + 1).arg(problem));
+        else
+            ++unlisted;
     }
+    if (unlisted > 0)
+        loaded.problems.append(QStringLiteral("%1 more lines cannot be read").arg(unlisted));
     return loaded;
 }
 

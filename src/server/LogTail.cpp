@@ -2,6 +2,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 
 namespace halvane {
 
@@ -15,12 +16,16 @@ void LogTail::follow(const QString& path) {
 
 QStringList LogTail::readNew(QString* problem) {
     QFile file(m_path);
-    if (m_path.isEmpty() || !file.open(QIODevice::ReadOnly)) {
+    const QFileInfo info(m_path);
+    // A pipe or a device would never end a read, and block the window.
+    const bool odd = info.exists() && !info.isFile();
+    if (m_path.isEmpty() || odd || !file.open(QIODevice::ReadOnly)) {
         if (!m_reported && problem) {
-            *problem = m_path.isEmpty()
-                           ? QStringLiteral("This server has no log file")
-                           : QStringLiteral("The log file %1 cannot be read: %2")
-                                 .arg(QDir::toNativeSeparators(m_path), file.errorString());
+            *problem = m_path.isEmpty() ? QStringLiteral("This server has no log file")
+                                        : QStringLiteral("The log file %1 cannot be read: %2")
+                                              .arg(QDir::toNativeSeparators(m_path),
+                                                   odd ? QStringLiteral("it is not a regular file")
+                                                       : file.errorString());
         }
         m_reported = true;
         m_offset = -1; // read it afresh should it come back

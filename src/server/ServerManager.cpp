@@ -4,6 +4,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <algorithm>
 
 namespace halvane {
@@ -244,7 +245,8 @@ void ServerManager::refresh() {
 bool ServerManager::readOpenedPort(ServerEntry& server) {
     constexpr qint64 Scanned = 64 * 1024; // the line comes within the first few lines
     QFile log(server.record.logFile);
-    if (server.record.logFile.isEmpty() || !log.open(QIODevice::ReadOnly)) {
+    // A pipe would never end a read, and block the window.
+    if (!QFileInfo(server.record.logFile).isFile() || !log.open(QIODevice::ReadOnly)) {
         server.live.portRead = true; // asked on the port given
         return false;
     }
@@ -272,6 +274,7 @@ void ServerManager::query(ServerEntry& server) {
     if (!server.live.silentSince.isValid())
         server.live.silentSince = QDateTime::currentDateTime();
     ++server.live.unanswered;
+    ++m_traffic.questions;
     m_socket.send(protocol::statusRequest(), *address, server.record.port);
     // The previous query went unanswered for a whole round.
     if (server.live.unanswered == 2)
@@ -279,7 +282,12 @@ void ServerManager::query(ServerEntry& server) {
 }
 
 void ServerManager::readDatagrams() {
-    while (auto received = m_socket.receive()) {
+    int pass = 0;
+    for (; pass < MaxPacketsPerPass; ++pass) {
+        auto received = m_socket.receive();
+        if (!received)
+            break;
+        ++m_traffic.packets;
         const QByteArray& datagram = received->data;
         ServerEntry* server = nullptr;
         for (ServerEntry& candidate : m_servers) {
@@ -293,13 +301,14 @@ void ServerManager::readDatagrams() {
             continue;
         const QString id = server->record.id;
         if (protocol::kindOf(datagram) == protocol::PacketKind::Print) {
-            auto exchanges = m_exchanges.find(id);
-            if (exchanges != m_exchanges.end() && !exchanges->second.empty()) {
-                exchanges->second.front().packets.append(datagram);
-                m_exchangeTimers[id]->start(QuietMs);
-            }
+            takePrint(id, datagram);
             continue;
         }
+        // Only the answer to a question that is open: more of them would
+        // each be parsed and shown.
+        if (server->live.unanswered == 0)
+            continue;
+        ++m_traffic.accepted;
         // Any answer shows the server is there, even one we cannot read.
         server->live.lastAnswer = QDateTime::currentDateTime();
         server->live.silentSince = QDateTime();
@@ -314,6 +323,28 @@ void ServerManager::readDatagrams() {
         }
         emit serverChanged(id);
     }
+    m_traffic.largestPass = std::max(m_traffic.largestPass, pass);
+}
+
+// A print packet belongs to the command the console was last sent, if any.
+void ServerManager::takePrint(const QString& id, const QByteArray& datagram) {
+    auto exchanges = m_exchanges.find(id);
+    if (exchanges == m_exchanges.end() || exchanges->second.empty())
+        return;
+    Exchange& exchange = exchanges->second.front();
+    if (exchange.bytes > protocol::MaxAnswer)
+        return; // finished below, once
+    exchange.packets.append(datagram);
+    exchange.bytes += datagram.size();
+    if (exchange.bytes > protocol::MaxAnswer) {
+        finishExchange(id, QStringLiteral("longer than %1 KB").arg(protocol::MaxAnswer / 1024));
+        return;
+    }
+    // An answer ends when the server falls quiet, or when its time is up
+    // however much still arrives.
+    const qint64 left = MaxAnswerMs - exchange.sent.elapsed();
+    exchange.overdue = left <= QuietMs;
+    m_exchangeTimers[id]->start(int(std::clamp<qint64>(left, 0, QuietMs)));
 }
 
 void ServerManager::rcon(const QString& id, const QString& command, AnswerHandler done) {
@@ -328,11 +359,15 @@ void ServerManager::rcon(const QString& id, const QString& command, AnswerHandle
         problem = protocol::rconPasswordProblem(server->record.rconPassword);
     if (!problem.isEmpty()) {
         if (done)
-            done({QString(), problem});
+            done({QString(), problem, QString()});
         return;
     }
     auto& queue = m_exchanges[id];
-    queue.push_back({id, command, {}, std::move(done)});
+    Exchange exchange;
+    exchange.id = id;
+    exchange.command = command;
+    exchange.done = std::move(done);
+    queue.push_back(std::move(exchange));
     if (queue.size() == 1)
         sendNextExchange(id);
 }
@@ -342,7 +377,14 @@ void ServerManager::sendNextExchange(const QString& id) {
     if (!timer) {
         timer = std::make_unique<QTimer>();
         timer->setSingleShot(true);
-        connect(timer.get(), &QTimer::timeout, this, [this, id] { finishExchange(id); });
+        connect(timer.get(), &QTimer::timeout, this, [this, id] {
+            const auto& queue = m_exchanges[id];
+            const bool overdue = !queue.empty() && queue.front().overdue;
+            finishExchange(
+                id, overdue
+                        ? QStringLiteral("still arriving after %1 seconds").arg(MaxAnswerMs / 1000)
+                        : QString());
+        });
     }
     ServerEntry* server = entry(id);
     const auto address = server ? addressOf(server->record) : std::nullopt;
@@ -351,22 +393,27 @@ void ServerManager::sendNextExchange(const QString& id) {
         return;
     }
     m_socket.bind();
-    m_socket.send(
-        protocol::rconRequest(server->record.rconPassword, m_exchanges[id].front().command),
-        *address, server->record.port);
+    Exchange& exchange = m_exchanges[id].front();
+    exchange.sent.start();
+    m_socket.send(protocol::rconRequest(server->record.rconPassword, exchange.command), *address,
+                  server->record.port);
     timer->start(FirstPacketMs);
 }
 
-void ServerManager::finishExchange(const QString& id) {
+void ServerManager::finishExchange(const QString& id, const QString& cut) {
     auto& queue = m_exchanges[id];
     if (queue.empty())
         return;
     Exchange done = std::move(queue.front());
     queue.pop_front();
+    m_exchangeTimers[id]->stop();
     if (!queue.empty())
         sendNextExchange(id);
+    protocol::RconAnswer answer = protocol::rconAnswer(done.packets);
+    if (answer.cut.isEmpty())
+        answer.cut = cut;
     if (done.done)
-        done.done(protocol::rconAnswer(done.packets));
+        done.done(answer);
 }
 
 void ServerManager::kick(const QString& id, const QString& playerName, AnswerHandler done) {
@@ -380,8 +427,10 @@ void ServerManager::kick(const QString& id, const QString& playerName, AnswerHan
              }
              const int client = protocol::clientNumber(table.text, playerName);
              if (client < 0) {
-                 done({QString(), QStringLiteral("%1 is no longer on the server")
-                                      .arg(protocol::withoutColours(playerName))});
+                 done({QString(),
+                       QStringLiteral("%1 is no longer on the server")
+                           .arg(protocol::cutForDisplay(protocol::withoutColours(playerName), 36)),
+                       QString()});
                  return;
              }
              rcon(id, QStringLiteral("clientkick %1").arg(client),

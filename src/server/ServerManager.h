@@ -5,6 +5,7 @@
 #include "server/LaunchRecords.h"
 #include "server/ServerProtocol.h"
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QTimer>
 #include <deque>
@@ -52,6 +53,19 @@ public:
     // again and again.
     static constexpr int QuickEndSecs = 30;
     static constexpr int QuickEndsAllowed = 3;
+    // Datagrams read in one pass over the socket: a flood waits in the
+    // socket's queue (and overflows it) instead of holding up the window.
+    static constexpr int MaxPacketsPerPass = 32;
+    // A console answer still arriving this long after the command is cut.
+    static constexpr int MaxAnswerMs = 5000;
+
+    // What arrived on the socket, so that a look at a flood can count it.
+    struct Traffic {
+        qint64 questions = 0; // status queries sent
+        qint64 packets = 0;   // datagrams read
+        qint64 accepted = 0;  // status answers taken
+        int largestPass = 0;  // datagrams read in one pass, at most
+    };
 
     explicit ServerManager(AppContext& app, QObject* parent = nullptr);
     ~ServerManager() override;
@@ -81,6 +95,7 @@ public:
     void setWatched(bool watched);
     // One round: liveness, the monitor and the status queries.
     void refresh();
+    const Traffic& traffic() const { return m_traffic; }
 
 signals:
     void serverChanged(const QString& id);
@@ -93,6 +108,9 @@ private:
         QString command;
         QList<QByteArray> packets;
         AnswerHandler done;
+        qsizetype bytes = 0;
+        QElapsedTimer sent;
+        bool overdue = false; // the timer runs to the end of the time allowed
     };
 
     ServerEntry* entry(const QString& id);
@@ -108,7 +126,8 @@ private:
     QString newLogFile(quint16 port) const;
     void save();
     void sendNextExchange(const QString& id);
-    void finishExchange(const QString& id);
+    void finishExchange(const QString& id, const QString& cut = QString());
+    void takePrint(const QString& id, const QByteArray& datagram);
     static std::optional<quint32> addressOf(const LaunchRecord& record);
 
     AppContext& m_app;
@@ -118,6 +137,7 @@ private:
     bool m_watched = false;
     QString m_fileProblem;
     UdpSocket m_socket;
+    Traffic m_traffic;
     QTimer m_tick;
     QTimer m_stopTick;
     std::map<QString, std::deque<Exchange>> m_exchanges;

@@ -94,6 +94,11 @@ RconAnswer rconAnswer(const QList<QByteArray>& datagrams) {
             continue;
         any = true;
         answer.text += QString::fromLatin1(datagram.mid(PrintHeader.size()));
+        if (answer.text.size() > MaxAnswer) {
+            answer.text.truncate(MaxAnswer);
+            answer.cut = QStringLiteral("longer than %1 KB").arg(MaxAnswer / 1024);
+            break;
+        }
     }
     const QString trimmed = answer.text.trimmed();
     if (!any)
@@ -177,6 +182,19 @@ QString colouredHtml(const QString& text) {
     }
     flush();
     return html;
+}
+
+QString cutForDisplay(const QString& text, qsizetype visible) {
+    qsizetype shown = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (isColourCode(text, i)) {
+            ++i;
+            continue;
+        }
+        if (text.at(i).unicode() >= 0x20 && ++shown > visible)
+            return text.left(i) + QChar(0x2026);
+    }
+    return text;
 }
 
 QString gameTypeName(const QString& gameType) {

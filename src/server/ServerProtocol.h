@@ -38,10 +38,13 @@ struct ServerStatus {
 std::optional<ServerStatus> parseStatus(const QByteArray& datagram, QString* error = nullptr);
 
 // The text of a remote console answer, which the engine sends in as many
-// print packets as it needs.
+// print packets as it needs. A real answer is far shorter than the cap; a
+// longer one is cut there.
+constexpr qsizetype MaxAnswer = 64 * 1024;
 struct RconAnswer {
     QString text;
     QString error; // empty when the server ran the command
+    QString cut;   // why the text is not all the server sent, empty when it is
 };
 RconAnswer rconAnswer(const QList<QByteArray>& datagrams);
 
@@ -56,6 +59,9 @@ int clientNumber(const QString& statusText, const QString& name);
 // than line ends and tabs go too.
 QString withoutColours(const QString& text);
 QString colouredHtml(const QString& text);
+// At most visible characters that show (colour codes kept), and an ellipsis
+// when text was longer: names from the network are any length.
+QString cutForDisplay(const QString& text, qsizetype visible);
 
 QString gameTypeName(const QString& gameType);
 

@@ -3,6 +3,7 @@
 #include "platform/Shell.h"
 #include "server/ServerManager.h"
 #include "server/ServerProtocol.h"
+#include "ui/Accessibility.h"
 #include "ui_frmServer.h"
 
 #include <QFontDatabase>
@@ -15,6 +16,9 @@ namespace halvane {
 
 namespace {
 constexpr int HistorySize = 50;
+// Texts from the network are cut to these many characters for display.
+constexpr qsizetype ShownName = 64;
+constexpr qsizetype ShownPlayer = 36;
 enum Column { Name, Address, Map, GameType, Players, Uptime, State };
 
 QString duration(qint64 secs) {
@@ -58,6 +62,7 @@ ServerWindow::ServerWindow(ServerManager& manager, Shell& shell, QWidget* owner)
     ui->chkMonitor->setToolTip(QStringLiteral("Starts the server again when it ends without a "
                                               "Stop, or does not answer for a minute"));
     ui->cmdOpenLog->setToolTip(QStringLiteral("Opens the whole log file"));
+    nameControls(*this);
     connect(ui->lstServers, &QTreeWidget::currentItemChanged, this, [this] {
         m_actionProblem.clear();
         const ServerEntry* server = m_manager.find(currentId());
@@ -77,8 +82,7 @@ ServerWindow::ServerWindow(ServerManager& manager, Shell& shell, QWidget* owner)
         m_manager.rcon(currentId(), QStringLiteral("vstr nextmap"),
                        [self](const protocol::RconAnswer& answer) {
                            if (self)
-                               self->reportAnswer(QStringLiteral("Next map"), answer.text,
-                                                  answer.error);
+                               self->reportAnswer(QStringLiteral("Next map"), answer);
                        });
     });
     connect(ui->cmdKick, &QPushButton::clicked, this, &ServerWindow::kick);
@@ -147,15 +151,20 @@ void ServerWindow::updateRow(const QString& id) {
 void ServerWindow::fillRow(QTreeWidgetItem& item, const ServerEntry& server) const {
     const LaunchRecord& r = server.record;
     const auto& status = server.live.status;
+    using protocol::cutForDisplay;
     using protocol::withoutColours;
-    item.setText(Name, status ? withoutColours(status->value("sv_hostname")) : QString());
+    const QString name = status ? withoutColours(status->value("sv_hostname")) : QString();
+    item.setText(Name, cutForDisplay(name, ShownName));
+    item.setToolTip(Name, name.size() > ShownName ? name : QString());
     item.setText(Address, QStringLiteral("%1:%2").arg(r.address).arg(r.port));
-    item.setText(Map, status ? status->value("mapname") : QString());
+    item.setText(Map, status ? cutForDisplay(status->value("mapname"), ShownName) : QString());
     item.setText(GameType,
-                 status ? protocol::gameTypeName(status->value("g_gametype")) : QString());
+                 status
+                     ? cutForDisplay(protocol::gameTypeName(status->value("g_gametype")), ShownName)
+                     : QString());
     item.setText(Players, status ? QStringLiteral("%1 / %2")
                                        .arg(status->players.size())
-                                       .arg(status->value("sv_maxclients"))
+                                       .arg(cutForDisplay(status->value("sv_maxclients"), 8))
                                  : QString());
     item.setText(Uptime, r.running() ? duration(r.started.secsTo(QDateTime::currentDateTime()))
                                      : QString());
@@ -198,8 +207,9 @@ void ServerWindow::showDetails() {
                      : QString());
     ui->cmdOpenLog->setEnabled(server && !server->record.logFile.isEmpty());
     const auto* status = server && server->live.status ? &*server->live.status : nullptr;
-    ui->lblHostName->setText(status ? protocol::colouredHtml(status->value("sv_hostname"))
-                                    : QString());
+    const QString hostName = status ? status->value("sv_hostname") : QString();
+    ui->lblHostName->setText(protocol::colouredHtml(protocol::cutForDisplay(hostName, ShownName)));
+    ui->lblHostName->setToolTip(protocol::withoutColours(hostName));
 
     // Redrawn only when it changed, so a chosen player stays chosen.
     QString players;
@@ -212,9 +222,11 @@ void ServerWindow::showDetails() {
                                    : QString();
         ui->lstPlayers->clear();
         for (const protocol::Player& p : status ? status->players : QList<protocol::Player>()) {
+            const QString plain = protocol::withoutColours(p.name);
             auto* item = new QTreeWidgetItem(ui->lstPlayers,
-                                             {protocol::withoutColours(p.name),
+                                             {protocol::cutForDisplay(plain, ShownPlayer),
                                               QString::number(p.score), QString::number(p.ping)});
+            item->setToolTip(0, plain);
             item->setData(0, Qt::UserRole, p.name);
             if (p.name == chosen)
                 ui->lstPlayers->setCurrentItem(item);
@@ -272,7 +284,7 @@ void ServerWindow::sendCommand() {
     QPointer<ServerWindow> self(this);
     m_manager.rcon(currentId(), command, [self](const protocol::RconAnswer& answer) {
         if (self)
-            self->reportAnswer(QString(), answer.text, answer.error);
+            self->reportAnswer(QString(), answer);
     });
 }
 
@@ -287,21 +299,26 @@ void ServerWindow::kick() {
     const QString name = player->data(0, Qt::UserRole).toString();
     m_manager.kick(currentId(), name, [self, name](const protocol::RconAnswer& answer) {
         if (self)
-            self->reportAnswer(QStringLiteral("Kick ") + protocol::withoutColours(name),
-                               answer.text, answer.error);
+            self->reportAnswer(
+                QStringLiteral("Kick ") +
+                    protocol::cutForDisplay(protocol::withoutColours(name), ShownPlayer),
+                answer);
     });
 }
 
 // Console answers go to the console; an action that failed says so on the
 // problem line as well.
-void ServerWindow::reportAnswer(const QString& what, const QString& text, const QString& error) {
+void ServerWindow::reportAnswer(const QString& what, const protocol::RconAnswer& answer) {
+    const QString& error = answer.error;
     if (!what.isEmpty())
         ui->txtConsole->appendPlainText(QStringLiteral("> ") + what);
-    QString shown = protocol::withoutColours(text.trimmed());
+    QString shown = protocol::withoutColours(answer.text.trimmed());
     if (!error.isEmpty())
         shown = QStringLiteral("Error: ") + error;
     if (!shown.isEmpty())
         ui->txtConsole->appendPlainText(shown);
+    if (!answer.cut.isEmpty())
+        ui->txtConsole->appendPlainText(QStringLiteral("(answer cut: %1)").arg(answer.cut));
     m_actionProblem = error.isEmpty() ? QString()
                                       : (what.isEmpty() ? QStringLiteral("Console") : what) +
                                             QStringLiteral(": ") + error;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "server/LogTail.h"
+#include "server/ServerProtocol.h"
 
 #include <QTimer>
 #include <QWidget>
@@ -42,7 +43,7 @@ private:
     void readLog();
     void sendCommand();
     void kick();
-    void reportAnswer(const QString& what, const QString& text, const QString& error);
+    void reportAnswer(const QString& what, const protocol::RconAnswer& answer);
     void showProblem();
 
     ServerManager& m_manager;

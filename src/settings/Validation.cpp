@@ -2,6 +2,7 @@
 #include "settings/Positions.h"
 
 #include "app/AppContext.h"
+#include "config/ConsoleText.h"
 #include "settings/TextForms.h"
 #include "ui_frmMain.h"
 
@@ -81,6 +82,9 @@ void Validation::installGuards() {
         if (auto* box = window->findChild<QLineEdit*>(name)) {
             box->installEventFilter(this);
             m_numeric.append(box);
+            // Typing is filtered key by key; a paste, a drop or the context
+            // menu changes the text at once, and only by the operator.
+            connect(box, &QLineEdit::textEdited, this, [this, box] { keepDigits(box); });
         }
     }
     ui.txtLogFile->installEventFilter(this);
@@ -115,6 +119,22 @@ bool Validation::refuseKey(QObject*, QEvent* event) {
         return false;
     m_app.platform.desktop.beep();
     return true;
+}
+
+void Validation::keepDigits(QLineEdit* box) {
+    const QString text = box->text();
+    QString digits;
+    int cursor = box->cursorPosition();
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        if (text[i] >= QLatin1Char('0') && text[i] <= QLatin1Char('9'))
+            digits += text[i];
+        else if (i < box->cursorPosition())
+            --cursor;
+    }
+    if (digits == text)
+        return;
+    box->setText(digits);
+    box->setCursorPosition(cursor);
 }
 
 void Validation::txtLogFileLostFocus() {
@@ -160,6 +180,96 @@ void Validation::focusAdvancedBox(QLineEdit* box) {
     ui.SSTab1->setCurrentIndex(AdvancedTab);
     box->setSelection(0, box->text().size());
     box->setFocus();
+}
+
+void Validation::focusBox(QWidget* box) {
+    for (int i = 0; i < ui.SSTab1->count(); ++i) {
+        if (ui.SSTab1->widget(i)->isAncestorOf(box))
+            ui.SSTab1->setCurrentIndex(i);
+    }
+    QLineEdit* edit = qobject_cast<QLineEdit*>(box);
+    if (auto* combo = qobject_cast<QComboBox*>(box))
+        edit = combo->lineEdit();
+    if (edit)
+        edit->selectAll();
+    box->setFocus();
+}
+
+QWidget* Validation::unsafeBox(QString& message) const {
+    using P = ConsolePlace;
+    struct Written {
+        QWidget* box;
+        QString text;
+        P place;
+        bool written;
+    };
+    const auto line = [](QLineEdit* box, P place, bool written = true) {
+        return Written{box, box->text(), place, written};
+    };
+    const auto combo = [](QComboBox* box, P place) {
+        return Written{box, box->currentText(), place, true};
+    };
+    const bool ownLogName = ui.chkLogFile->isChecked() && !ui.chkDateLog->isChecked();
+    const bool masters = ui.Frame1->isEnabled();
+    // In the order the values are written: halvane.cfg, the shown map's
+    // rules (they go into the rotation lines), then the command line.
+    const Written values[] = {
+        line(ui.txtLogFile, P::Quoted, ownLogName),
+        line(ui.txtMaxPlayers, P::Unquoted),
+        line(ui.txtServerName, P::Quoted),
+        line(ui.txtMOTD, P::Quoted),
+        line(ui.txtMinPing, P::Unquoted),
+        line(ui.txtMaxPing, P::Unquoted),
+        line(ui.txtPlayerRespawn, P::Unquoted),
+        line(ui.txtInactivity, P::Unquoted),
+        line(ui.txtWarmUpTime, P::Quoted, ui.chkWarmUp->isChecked()),
+        line(ui.txtConsolePW, P::Quoted),
+        line(ui.txtMaxRate, P::Unquoted),
+        line(ui.txtMaster_0, P::Unquoted, masters),
+        line(ui.txtMaster_1, P::Unquoted, masters),
+        line(ui.txtMaster_2, P::Unquoted, masters),
+        line(ui.txtMaster_3, P::Unquoted, masters),
+        line(ui.txtMaster_4, P::Unquoted, masters),
+        line(ui.txtRespawn, P::Unquoted),
+        line(ui.txtQuad, P::Unquoted),
+        line(ui.txtMinBots, P::Unquoted, ui.cmbBotType->currentIndex() == AutomaticBots),
+        combo(ui.txtCfg, P::Unquoted),
+        line(ui.txtMapTimeLimit, P::Rotation),
+        line(ui.txtMapFragLimit, P::Rotation),
+        line(ui.txtMapCapturelimit, P::Rotation),
+        line(ui.txtMapSpeed, P::Rotation),
+        line(ui.txtMapGravity, P::Rotation),
+        line(ui.txtMapKnockback, P::Rotation),
+        line(ui.txtHunkMegs, P::CommandLine),
+        line(ui.txtServerPW, P::CommandLine, ui.chkRequirePassword->isChecked()),
+        line(ui.txtNetIP, P::CommandLine),
+        line(ui.txtNetPort, P::CommandLine),
+        combo(ui.txtCmdParameters, P::Parameters),
+        line(ui.txtCDROM, P::CommandLine, ui.chkSpecifyCD->isChecked()),
+        line(ui.txtAdminName, P::CommandLine),
+        line(ui.txtAdminEmail, P::CommandLine),
+        line(ui.txtAdminURL, P::CommandLine),
+    };
+    for (const Written& value : values) {
+        if (!value.written)
+            continue;
+        const QString caption = value.box->accessibleName().isEmpty() ? value.box->objectName()
+                                                                      : value.box->accessibleName();
+        message = consoleRefusal(caption, value.text, value.place);
+        if (!message.isEmpty())
+            return value.box;
+    }
+    return nullptr;
+}
+
+bool Validation::consoleTextIsSafe() {
+    QString message;
+    QWidget* box = unsafeBox(message);
+    if (!box)
+        return true;
+    m_app.platform.messages.tell(QStringLiteral("Warning!"), message, MsgIcon::Critical);
+    focusBox(box);
+    return false;
 }
 
 bool Validation::ValidateAll() {
@@ -264,6 +374,11 @@ bool Validation::checkAll(QString& failure) {
         failure = QStringLiteral("The drive letter you have specified for your CD ROM is "
                                  "invalid.\r\rEither uncheck the box next to it, or enter a valid "
                                  "drive letter (example: D:)");
+        return false;
+    }
+
+    if (QWidget* box = unsafeBox(failure)) {
+        focusBox(box);
         return false;
     }
 

@@ -36,6 +36,12 @@ public:
     // The boxes that accept only digits and Backspace when typed into.
     static const QStringList& numericBoxes();
 
+    // Refuses a value that the game would split into another command where
+    // it is written (halvane.cfg, the rotation lines, the command line): the
+    // message names the box and the character, and the box gets the focus.
+    // True when every value written now is safe.
+    bool consoleTextIsSafe();
+
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
@@ -43,6 +49,12 @@ private:
     bool checkAll(QString& failure);
     // Shows the "Advanced" tab with the box's whole text selected and focused.
     void focusAdvancedBox(QLineEdit* box);
+    // Shows the box's tab and puts the focus into the box with its text selected.
+    void focusBox(QWidget* box);
+    // The first box whose text would break out of its place; message says why.
+    QWidget* unsafeBox(QString& message) const;
+    // Text placed into a numeric box by pasting or the context menu keeps its digits.
+    void keepDigits(QLineEdit* box);
     bool refuseKey(QObject* watched, QEvent* event);
 
     Ui::frmMain& ui;

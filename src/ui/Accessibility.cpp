@@ -9,6 +9,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRegularExpression>
+#include <QTabWidget>
 
 namespace halvane {
 
@@ -27,6 +28,19 @@ QString spoken(QString caption) {
     return caption.trimmed();
 }
 
+// The drop-down list and the edit box of a selector are met by themselves
+// (the edit box has the focus, the list when it is open): each is spoken
+// with the selector's name, which Qt would leave empty ("text").
+void nameSelectorParts(QComboBox* combo) {
+    const QString name = combo->accessibleName();
+    if (name.isEmpty())
+        return;
+    if (combo->view()->accessibleName().isEmpty())
+        combo->view()->setAccessibleName(name);
+    if (combo->lineEdit() && combo->lineEdit()->accessibleName().isEmpty())
+        combo->lineEdit()->setAccessibleName(name);
+}
+
 // Qt names a selector by its current entry on Linux and macOS and leaves its
 // label to a relation, so a screen reader's list of controls shows "Hard
 // core" twice where the operator needs to know which skill it is. This one
@@ -42,6 +56,7 @@ public:
     // The drop-down list, and the edit box of an editable selector.
     int childCount() const override { return combo()->isEditable() ? 2 : 1; }
     QAccessibleInterface* child(int index) const override {
+        nameSelectorParts(combo()); // also the edit box of one made editable later
         if (index == 0)
             return QAccessible::queryAccessibleInterface(combo()->view());
         if (index == 1 && combo()->isEditable())
@@ -125,6 +140,13 @@ void nameControls(QWidget& root) {
             name += QLatin1Char(' ') + QString::number(index.captured(1).toInt() + 1);
         if (!name.isEmpty())
             widget->setAccessibleName(name);
+    }
+    for (QComboBox* combo : root.findChildren<QComboBox*>())
+        nameSelectorParts(combo);
+    // A tab control takes the focus itself; its pages are its tabs' captions.
+    for (QTabWidget* tabs : root.findChildren<QTabWidget*>()) {
+        if (tabs->accessibleName().isEmpty())
+            tabs->setAccessibleName(QStringLiteral("Tabs"));
     }
 }
 

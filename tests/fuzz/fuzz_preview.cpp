@@ -29,6 +29,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
     Ui::frmMain& ui = window.form();
     window.maps().preview().showPreview("fz");
+    window.maps().preview().finish();
     FUZZ_CHECK(folder && visible &&
                ui.stkMapPicture->currentWidget() == (targa ? ui.imgMap : ui.imgMap1));
     const QImage picture = targa ? readTarga(path) : QImage();

@@ -1,0 +1,91 @@
+#include "config/ConsoleText.h"
+
+namespace halvane {
+
+namespace {
+
+bool isControl(QChar c) {
+    return c.unicode() < 0x20 || c.unicode() == 0x7f || (c.unicode() >= 0x80 && c.unicode() < 0xa0);
+}
+
+bool breaks(QChar c, ConsolePlace place) {
+    if (isControl(c))
+        return true;
+    switch (place) {
+    case ConsolePlace::Quoted:
+        return c == QLatin1Char('"');
+    case ConsolePlace::Unquoted:
+    case ConsolePlace::Rotation:
+        // A bare quote would also make the console read the rest of the line
+        // as one quoted text, hiding what follows.
+        return c == QLatin1Char('"') || c == QLatin1Char(';');
+    case ConsolePlace::CommandLine:
+        return c == QLatin1Char('"') || c == QLatin1Char(';') || c == QLatin1Char('+');
+    case ConsolePlace::Parameters:
+        return c == QLatin1Char(';');
+    }
+    return false;
+}
+
+} // namespace
+
+qsizetype firstConsoleBreak(const QString& text, ConsolePlace place) {
+    qsizetype lastQuote = -1;
+    bool open = false;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text[i];
+        if (breaks(c, place))
+            return i;
+        if (c == QLatin1Char('"')) {
+            open = !open;
+            lastQuote = i;
+        }
+    }
+    // The parameters may quote a value with blanks; a quote left open would
+    // swallow the "+exec halvane.cfg" that follows them.
+    if (place == ConsolePlace::Parameters && open)
+        return lastQuote;
+    return -1;
+}
+
+QString consoleCharacterName(QChar c) {
+    switch (c.unicode()) {
+    case '"':
+        return QStringLiteral("a double quote (\")");
+    case ';':
+        return QStringLiteral("a semicolon (;)");
+    case '+':
+        return QStringLiteral("a plus sign (+)");
+    case '\r':
+    case '\n':
+        return QStringLiteral("a line break");
+    case ' ':
+        return QStringLiteral("a blank");
+    default:
+        if (isControl(c))
+            return QStringLiteral("a control character (code %1)").arg(c.unicode());
+        return QStringLiteral("the character ") + c;
+    }
+}
+
+QString consoleRefusal(const QString& caption, QChar c) {
+    return caption + QStringLiteral(" cannot hold ") + consoleCharacterName(c) +
+           QStringLiteral(": the game would read the rest as another command.");
+}
+
+QString consoleRefusal(const QString& caption, const QString& text, ConsolePlace place) {
+    const qsizetype at = firstConsoleBreak(text, place);
+    return at < 0 ? QString() : consoleRefusal(caption, text[at]);
+}
+
+bool isConsoleSafeMapName(const QString& name) {
+    if (name.isEmpty() || name.contains(QLatin1String("//")) || name.contains(QLatin1String("/*")))
+        return false;
+    for (const QChar c : name) {
+        if (isControl(c) || c.isSpace() || c == QLatin1Char('"') || c == QLatin1Char(';'))
+            return false;
+    }
+    return true;
+}
+
+} // namespace halvane
