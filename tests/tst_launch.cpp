@@ -177,7 +177,7 @@ const std::tuple<const char*, LaunchOptions, const char*> CommandLines[] = {
      "g_needpass 0 +sets admin_email only@mail +exec halvane.cfg"},
     {"the most hostile values validation lets through, as typed",
      {2, false, "32", 1, true, "p&w'x$(y)/*", "", "", "+set g_motd \"a b\"", false, "",
-      "Bob // Smith", "a@b", "http://a/b?c=d&e"},
+      "Bob // Smith", "a@b", "http://a/b?c=d&e", ""},
      " +set dedicated 2 +sets configured_by Halvane_2.07 +set com_hunkmegs 32 +set g_password "
      "p&w'x$(y)/* +set g_needpass 1 +set g_motd \"a b\" +sets admin_name Bob // Smith +sets "
      "admin_email a@b +sets admin_website http://a/b?c=d&e +exec halvane.cfg"},

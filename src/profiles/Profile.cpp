@@ -1,5 +1,7 @@
 #include "profiles/Profile.h"
 
+#include "config/ConsoleText.h"
+
 #include <QStringDecoder>
 
 namespace halvane {
@@ -68,19 +70,14 @@ QString nameOfCharacter(QChar c) {
         return QStringLiteral("a slash (/)");
     case '\\':
         return QStringLiteral("a backslash (\\)");
-    case '"':
-        return QStringLiteral("a double quote (\")");
-    case ';':
-        return QStringLiteral("a semicolon (;)");
-    case '+':
-        return QStringLiteral("a plus sign (+)");
     case ':':
         return QStringLiteral("a colon (:)");
     default:
         break;
     }
-    if (c.unicode() < 0x20 || c.category() == QChar::Other_Control)
-        return QStringLiteral("a control character (code %1)").arg(c.unicode());
+    if (c == QLatin1Char('"') || c == QLatin1Char(';') || c == QLatin1Char('+') ||
+        c.unicode() < 0x20)
+        return consoleCharacterName(c);
     return QStringLiteral("the character ") + c;
 }
 } // namespace

@@ -1,6 +1,6 @@
 #include "profiles/ProfileStore.h"
 
-#include "platform/UserFiles.h"
+#include "platform/PrivateFiles.h"
 #include "platform/WholeFile.h"
 
 #include <QDir>
@@ -73,17 +73,15 @@ QString ProfileStore::save(const QString& name, const Profile& profile) const {
     const QString path = filePath(name);
     const QString opening =
         QStringLiteral("The profile ") + shown(path) + QStringLiteral(" cannot be saved: ");
-    if (!makeUserOnlyFolder(m_folder))
+    if (!makePrivateFolder(m_folder))
         return opening + QStringLiteral("the folder ") + shown(m_folder) +
                QStringLiteral(" cannot be made or is not yours.");
     if (QFileInfo(path).isDir())
         return opening + QStringLiteral("it is a folder.");
-    QString reason;
-    if (!saveWholeFile(path, profileBytes(profile), &reason))
-        return opening + reason + QLatin1Char('.');
     // It may hold the server's passwords.
-    if (!makeUserOnlyFile(path))
-        return opening + QStringLiteral("it cannot be made readable by you alone.");
+    QString reason;
+    if (!savePrivateFile(path, profileBytes(profile), &reason))
+        return opening + reason + QLatin1Char('.');
     return {};
 }
 

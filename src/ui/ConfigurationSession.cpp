@@ -1,9 +1,10 @@
 #include "ui/ConfigurationSession.h"
 
 #include "config/ConfigController.h"
+#include "config/ConsoleText.h"
 #include "launch/CommandLine.h"
 #include "launch/LaunchController.h"
-#include "platform/UserFiles.h"
+#include "platform/PrivateFiles.h"
 #include "server/ServerManager.h"
 #include "settings/Positions.h"
 #include "settings/Validation.h"
@@ -62,8 +63,7 @@ QString ConfigurationSession::scriptFolderProblem(const QString& folder) {
             c.unicode() < 0x20)
             return QStringLiteral("The folder ") + QDir::toNativeSeparators(folder) +
                    QStringLiteral(" cannot be handed to the game: its path holds ") +
-                   (c.unicode() < 0x20 ? QStringLiteral("a control character")
-                                       : QStringLiteral("the character ") + c) +
+                   consoleCharacterName(c) +
                    QStringLiteral(", which the game's command line would split at.");
     }
     return {};
@@ -75,7 +75,7 @@ bool ConfigurationSession::prepareFolder(const QString& scriptFolder) {
         return true;
     QString problem = scriptFolderProblem(scriptFolder);
     // Its scripts may hold the console password.
-    if (problem.isEmpty() && !makeUserOnlyFolder(scriptFolder + QStringLiteral("/baseq3")))
+    if (problem.isEmpty() && !makePrivateFolder(scriptFolder + QStringLiteral("/baseq3")))
         problem = QStringLiteral("The folder ") + QDir::toNativeSeparators(scriptFolder) +
                   QStringLiteral("/baseq3 for the server's scripts cannot be made.");
     if (problem.isEmpty())
@@ -130,7 +130,7 @@ QString ConfigurationSession::newScriptFolder(const QString& stateFolder,
     for (int n = 2; QFileInfo::exists(folder); ++n)
         folder = base + QLatin1Char('-') + QString::number(n);
     QString problem = scriptFolderProblem(folder);
-    if (problem.isEmpty() && !makeUserOnlyFolder(folder))
+    if (problem.isEmpty() && !makePrivateFolder(folder))
         problem = QStringLiteral("The folder ") + QDir::toNativeSeparators(folder) +
                   QStringLiteral(" for the server's scripts cannot be made.");
     if (!problem.isEmpty()) {
