@@ -13,6 +13,7 @@
 
 #include <QElapsedTimer>
 #include <QFile>
+#include <QListView>
 #include <QListWidget>
 #include <cstdio>
 #include <functional>
@@ -106,10 +107,14 @@ bool runOnce(int size, Timings& timings) {
         ui.cmdMapSelectAll->click();
         ui.cmdAddSelMap->click();
     });
-    if (ui.SelMap->count() != size)
-        std::printf("  warning: %d of %d maps selected\n", ui.SelMap->count(), size);
-    time(Operations[3], [&] { ui.MapList->setCurrentRow(middle); });
-    time(Operations[4], [&] { ui.SelMap->setCurrentRow(middle); });
+    const int selected = ui.SelMap->model()->rowCount();
+    if (selected != size)
+        std::printf("  warning: %d of %d maps selected\n", selected, size);
+    const auto choose = [](QListView* list, int row) {
+        list->setCurrentIndex(list->model()->index(row, 0));
+    };
+    time(Operations[3], [&] { choose(ui.MapList, middle); });
+    time(Operations[4], [&] { choose(ui.SelMap, middle); });
     time(Operations[5], [&] { ui.cmdAddSelMap->click(); });
     time(Operations[6], [&] { ui.cmdMapUp->click(); });
     time(Operations[7], [&] { ui.cmdMapDown->click(); });
@@ -119,7 +124,7 @@ bool runOnce(int size, Timings& timings) {
     time(Operations[11], [&] { ui.cmdMapCtf->click(); });
     time(Operations[12], [&] { ui.cmdMapTourney->click(); });
     time(Operations[13], [&] { ui.cmdMapClearAll->click(); });
-    if (ui.SelMap->count() != 0)
+    if (ui.SelMap->model()->rowCount() != 0)
         std::printf("  warning: the selection was not cleared\n");
     for (const ShownMessage& shown : std::as_const(platform.messages.shown))
         std::printf("  warning: message \"%s\": %s\n", qPrintable(shown.title),
@@ -128,8 +133,8 @@ bool runOnce(int size, Timings& timings) {
     // The floor: the same names into a plain list in one call, shown in a
     // window of the same size.
     QStringList names;
-    for (int i = 0; i < ui.MapList->count(); ++i)
-        names.append(ui.MapList->item(i)->text());
+    for (int i = 0; i < ui.MapList->model()->rowCount(); ++i)
+        names.append(ui.MapList->model()->index(i, 0).data().toString());
     QListWidget plain;
     plain.setUniformItemSizes(true);
     plain.resize(ui.SelMap->size());

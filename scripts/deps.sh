@@ -6,6 +6,10 @@ set -euo pipefail
 packages=(cmake ninja-build g++ pkg-config qt6-base-dev qt6-base-dev-tools zlib1g-dev libzip-dev
           qt6-image-formats-plugins zip unzip ioquake3-server openarena-server
           dpkg-dev file desktop-file-utils appstream lintian "$@")
+# The exported manifest's schema check (npm) and the unit's (systemd-analyze),
+# from Debian only where the machine has none of its own.
+command -v npm >/dev/null || packages+=(nodejs npm)
+command -v systemd-analyze >/dev/null || packages+=(systemd)
 missing=()
 for package in "${packages[@]}"; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" \

@@ -1,4 +1,5 @@
 #include "app/AppContext.h"
+#include "cli/CommandLineTool.h"
 #include "platform/QtPlatform.h"
 #include "ui/FirstRun.h"
 #include "ui/MainWindow.h"
@@ -30,14 +31,40 @@ int prepareFirstRunOnly(int argc, char* argv[]) {
     std::fprintf(stderr, "halvane: %s\n", qPrintable(result.message));
     return result.outcome == FirstRunResult::Failed ? 1 : 0;
 }
+
+// A command runs the window's own code on Qt's offscreen platform: no display
+// is needed, and none is used when there is one.
+int runCommand(int argc, char* argv[]) {
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    char platformOption[] = "-platform";
+    char platformName[] = "offscreen";
+    char* qtArgv[] = {argv[0], platformOption, platformName, nullptr};
+    int qtArgc = 3;
+    QApplication application(qtArgc, qtArgv);
+    nameApplication();
+    return cli::run(arguments);
+}
 } // namespace
 
 int main(int argc, char* argv[]) {
     if (argc == 2 && std::strcmp(argv[1], "--prepare-first-run") == 0)
         return prepareFirstRunOnly(argc, argv);
+    QStringList arguments;
+    for (int i = 1; i < argc; ++i)
+        arguments.append(QString::fromLocal8Bit(argv[i]));
+    if (cli::isCommand(arguments))
+        return runCommand(argc, argv);
 
     QApplication application(argc, argv);
     nameApplication();
+    // Whatever Qt did not take for itself is no argument of the window's.
+    if (QCoreApplication::arguments().size() > 1) {
+        std::fprintf(stderr, "halvane: unknown argument %s\n'halvane --help' lists the commands.\n",
+                     qPrintable(QCoreApplication::arguments().at(1)));
+        return cli::Usage;
+    }
     QApplication::setQuitOnLastWindowClosed(false);
     QGuiApplication::setDesktopFileName(QStringLiteral("halvane"));
 

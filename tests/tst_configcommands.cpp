@@ -85,6 +85,14 @@ void ConfigCommandsTest::commands_data() {
     QTest::newRow("save as, write fails")
         << true << "write fails" << no << warning("An error occured while creating <target>");
     QTest::newRow("save as, cancelled") << true << "cancel" << no << QString("0 messages");
+    // ...but a value the game would split is refused before a file is chosen;
+    // the command line is not part of the file.
+    QTest::newRow("save as, name the game would split")
+        << true << "split" << no
+        << warning("Server Name cannot hold a double quote (\"): the game would read the rest as "
+                   "another command.");
+    QTest::newRow("save as, command-line value not checked")
+        << true << "split command line" << no << savedAs;
 }
 
 void ConfigCommandsTest::commands() {
@@ -100,6 +108,10 @@ void ConfigCommandsTest::commands() {
         f->platform.dialogs.choices = {FileChoice{true, target, "my server.cfg"}};
     if (fault == "invalid")
         ui->txtServerName->clear();
+    if (fault == "split")
+        ui->txtServerName->setText("Evil\"; quit; \"X");
+    if (fault == "split command line")
+        ui->txtAdminName->setText("Bob;sets inj 1");
     writerSucceeds = fault != "write fails";
     f->platform.messages.answers = {answer};
 
@@ -117,7 +129,9 @@ void ConfigCommandsTest::commands() {
     QCOMPARE(f->platform.shell.edited,
              written && answer == MsgAnswer::Yes ? QStringList{target} : QStringList{});
     if (saveAs) {
-        QCOMPARE(f->platform.dialogs.calls.size(), 1);
+        QCOMPARE(f->platform.dialogs.calls.size(), fault == "split" ? 0 : 1);
+        if (fault == "split")
+            return;
         const FileDialogCall& call = f->platform.dialogs.calls[0];
         QVERIFY(call.save);
         QCOMPARE(call.title + "|" + call.filter + "|" + call.defaultSuffix,

@@ -54,6 +54,7 @@ void DesktopTest::firstRunPreparesTheFreeGame() {
     TestPlatform platform;
     const FreeGameSources sources = fakeFreeGame(platform);
     const QString folder = platform.root() + "/o'neil game"; // one word for sh all the same
+    platform.ini->write("Settings", "Path", "/gone"); // a location the next start would forget
     QCOMPARE(prepareFirstRun(*platform.store, folder, sources, platform.programFolder()).outcome,
              FirstRunResult::Prepared);
 
@@ -86,7 +87,7 @@ void DesktopTest::firstRunPreparesTheFreeGame() {
     window.start();
     QVERIFY(!window.pathDialog().isVisible() && window.isLoaded());
     QCOMPARE(platform.app->state.GameFolder, folder);
-    QCOMPARE(window.form().SelMap->item(2)->text(), QStringLiteral("oa_dm10"));
+    QCOMPARE(entries(window.form().SelMap).value(2), QStringLiteral("oa_dm10"));
     QCOMPARE(window.form().txtHunkMegs->text(), QStringLiteral("64")); // the free game's maps fit
 }
 
@@ -103,7 +104,7 @@ void DesktopTest::firstRunStoresNothing() {
     TestPlatform platform;
     const FreeGameSources sources = fakeFreeGame(platform);
     if (missing.isEmpty())
-        platform.ini->write("Settings", "Path", "/somewhere/else");
+        platform.makeGameFolder();
     else if (!QFile::remove(platform.root() + missing))
         QDir(platform.root() + missing).removeRecursively();
     const QString folder = platform.root() + "/openarena";
@@ -111,7 +112,9 @@ void DesktopTest::firstRunStoresNothing() {
         prepareFirstRun(*platform.store, folder, sources, platform.programFolder());
     QCOMPARE(result.outcome,
              missing.isEmpty() ? FirstRunResult::AlreadyStored : FirstRunResult::Failed);
-    QVERIFY(missing.isEmpty() || result.message.contains("ioquake3-server and openarena-server."));
+    QVERIFY(result.message.contains(missing.isEmpty() ? "Set Quake 3 path (Ctrl+P), press \"Use "
+                                                        "the installed free game\" and then Okay."
+                                                      : "ioquake3-server and openarena-server."));
     QVERIFY(platform.store->writes.isEmpty() && !QFileInfo::exists(folder));
 }
 
@@ -170,12 +173,11 @@ void DesktopTest::programFolderOfEveryInstall() {
         if (firstStart) {
             QCOMPARE(readAll(program + "/maps.dat"), catalogue);
             QCOMPARE(readAll(program + "/botlist.txt"), QByteArray("Grunt\r\n"));
-            window.form().MapList->clearSelection();
-            window.form().MapList->item(1)->setSelected(true);
+            clickEntry(window.form().MapList, 1);
             window.form().cmdAddSelMap->click();
             platform.writeFile(program + "/botlist.txt", "Orbb\r\n");
         } else {
-            QCOMPARE(window.form().SelMap->item(0)->text(), QStringLiteral("q3dm17"));
+            QCOMPARE(entries(window.form().SelMap).value(0), QStringLiteral("q3dm17"));
             QCOMPARE(window.form().BotList->item(0)->text(), QStringLiteral("Orbb"));
         }
         window.close();

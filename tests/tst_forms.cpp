@@ -30,7 +30,7 @@ QList<QWidget*> namedControls(QWidget* root) {
             continue;
         if (qobject_cast<QLabel*>(w) || qobject_cast<QLineEdit*>(w) ||
             qobject_cast<QComboBox*>(w) || qobject_cast<QAbstractButton*>(w) ||
-            qobject_cast<QListWidget*>(w))
+            qobject_cast<QListView*>(w))
             result.append(w);
     }
     return result;

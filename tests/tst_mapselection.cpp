@@ -8,26 +8,17 @@
 #include "maps/MapCatalogue.h"
 #include "maps/MapDiscovery.h"
 #include "maps/MapEditor.h"
-#include "maps/MapEntryDelegate.h"
 #include "maps/MapPreview.h"
 #include "maps/MapsController.h"
 #include "ui_frmMain.h"
 #include "ui_frmMap.h"
 
-#include <QScrollBar>
 #include <QtTest>
 
 using namespace halvane;
 using namespace halvane::test;
 
 namespace {
-QStringList entries(const QListWidget* list) {
-    QStringList texts;
-    for (int i = 0; i < list->count(); ++i)
-        texts.append(list->item(i)->text());
-    return texts;
-}
-
 // A main window over a catalogue of these maps and, when given, mapsel.txt.
 struct Window : WindowFixture {
     explicit Window(const QStringList& maps, const QByteArray& selection = QByteArray())
@@ -81,15 +72,14 @@ private slots:
     void useSettingsAsDefault();
     void editorChecks_data();
     void editorChecks();
-    void addAndDeleteMaps();
+    void chooseEditAndDelete_data();
+    void chooseEditAndDelete();
     void gameTypeSuggestion();
     void pictureChoice_data();
     void pictureChoice();
     void picturesInTheWindow();
 };
 
-// The lists size every entry alike; the wide entry, not the last, must still
-// widen the scrolled area.
 void MapSelectionTest::selectionFileRoundTrip() {
     const QString wide = QString(200, ' ') + "q3dm1";
     Window w({"q3dm1", "q3dm2"},
@@ -97,9 +87,6 @@ void MapSelectionTest::selectionFileRoundTrip() {
     QCOMPARE(entries(w.ui().SelMap), QStringList({"  Q3DM2 ", wide, "q3dm2"}));
     QCOMPARE(w.ui().Frame15->title(), QStringLiteral("3 Maps Selected"));
     QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("q3dm2")); // the first one is shown
-    w.ui().SSTab1->setCurrentIndex(2);
-    QCoreApplication::processEvents();
-    QVERIFY(w.ui().SelMap->horizontalScrollBar()->maximum() > 0);
     w.window->close();
     QCOMPARE(readAll(w.platform.programFolder() + "/mapsel.txt"),
              "  Q3DM2 \r\n" + wide.toLatin1() + "\r\nq3dm2\r\n");
@@ -121,8 +108,8 @@ void MapSelectionTest::missingMapsMarked_data() {
     addRows(MarkedRows);
 }
 
-// The lists are made after "Search" too; the marks are what the delegate
-// paints: a grey foreground and a tool tip.
+// The lists are made after "Search" too; the marks are what the lists
+// paint: a grey foreground and a tool tip.
 void MapSelectionTest::missingMapsMarked() {
     const auto& [name, gameFiles, marked] = fetchRow(MarkedRows);
     Window w({"q3dm1", "Q3DM2", "oa_dm1", "gone"}, " gone\r\nq3dm1\r\n");
@@ -138,13 +125,12 @@ void MapSelectionTest::missingMapsMarked() {
     w.ui().cmdSearchMaps->click();
     w.maps().gameFiles().finish();
     QStringList found;
-    for (QListWidget* list : {w.ui().MapList, w.ui().SelMap}) {
-        const auto* delegate = qobject_cast<MapEntryDelegate*>(list->itemDelegate());
-        for (int row = 0; row < list->count(); ++row) {
+    for (QListView* list : {w.ui().MapList, w.ui().SelMap}) {
+        for (int row = 0; row < list->model()->rowCount(); ++row) {
             const QModelIndex index = list->model()->index(row, 0);
-            const QString tip = delegate->entryData(index, Qt::ToolTipRole).toString();
-            if (delegate->entryData(index, Qt::ForegroundRole).isValid() || !tip.isEmpty())
-                found << list->item(row)->text().trimmed() + (tip.isEmpty() ? "(no tip)" : "");
+            const QString tip = index.data(Qt::ToolTipRole).toString();
+            if (index.data(Qt::ForegroundRole).isValid() || !tip.isEmpty())
+                found << index.data().toString().trimmed() + (tip.isEmpty() ? "(no tip)" : "");
         }
     }
     QCOMPARE(found.join(' '), marked);
@@ -152,29 +138,29 @@ void MapSelectionTest::missingMapsMarked() {
 
 void MapSelectionTest::addInsertsAfterTheHighlightedSelection() {
     Window w(Eight, FiveSelected);
-    w.ui().SelMap->setCurrentRow(1);
-    w.ui().MapList->clearSelection();
-    for (int row : {5, 6, 7})
-        w.ui().MapList->item(row)->setSelected(true);
+    clickEntry(w.ui().MapList, 5);
+    clickEntry(w.ui().MapList, 7, Qt::ShiftModifier);
+    clickEntry(w.ui().SelMap, 1);
     // The right button opens the menu for the maps highlighted before it and
     // changes neither the highlight nor the shown map.
+    clickEntry(w.ui().MapList, 2, {}, Qt::RightButton);
     QWidget* list = w.ui().MapList->viewport();
-    const QPoint at = w.ui().MapList->visualItemRect(w.ui().MapList->item(2)).center();
-    QTest::mouseClick(list, Qt::RightButton, {}, at);
+    const QPoint at = w.ui().MapList->visualRect(w.ui().MapList->model()->index(2, 0)).center();
     QContextMenuEvent menu(QContextMenuEvent::Mouse, at, list->mapToGlobal(at));
     QApplication::sendEvent(list, &menu);
     QVERIFY(w.ui().mnuMapList->isVisible() && !w.ui().mnuMapEdit->isEnabled() &&
             !w.ui().mnuMapDelete->isEnabled());
     QCOMPARE(w.ui().mnuMapSelect->text(), QStringLiteral("Select these maps"));
     QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("m2"));
+    w.ui().mnuMapList->close();
     w.ui().cmdAddSelMap->click();
     QCOMPARE(entries(w.ui().SelMap), QStringList({"m1", "m2", "mc", "mb", "ma", "m3", "m4", "m5"}));
     QCOMPARE(w.ui().Frame15->title(), QStringLiteral("8 Maps Selected"));
     QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("mc"));
     // Without a highlighted selected map, a double click appends in list order.
     w.ui().SelMap->clearSelection();
-    w.ui().MapList->item(1)->setSelected(true);
-    w.ui().MapList->itemDoubleClicked(w.ui().MapList->item(0));
+    clickEntry(w.ui().MapList, 1, Qt::ControlModifier);
+    emit w.ui().MapList->doubleClicked(w.ui().MapList->model()->index(0, 0));
     QCOMPARE(entries(w.ui().SelMap).mid(8), QStringList({"m2", "mc"}));
 }
 
@@ -196,10 +182,10 @@ void MapSelectionTest::upAndDown() {
     Window w(Eight, FiveSelected);
     w.ui().SelMap->clearSelection();
     if (row >= 0)
-        w.ui().SelMap->setCurrentRow(row);
+        clickEntry(w.ui().SelMap, row);
     (up ? w.ui().cmdMapUp : w.ui().cmdMapDown)->click();
     QCOMPARE(entries(w.ui().SelMap).join(' '), order);
-    QCOMPARE(w.ui().SelMap->row(w.ui().SelMap->selectedItems().value(0)), highlight);
+    QCOMPARE(w.ui().SelMap->selectionModel()->selectedRows().value(0).row(), highlight);
     QVERIFY(w.platform.messages.shown.isEmpty());
 }
 
@@ -241,13 +227,12 @@ void MapSelectionTest::closeRightAfterAnEdit() {
     QStringList maps{"a", "b", "c"};
     Window w(maps, edit == "selected" ? "c\r\n" : "");
     if (edit == "rename") {
-        w.ui().MapList->setCurrentRow(1);
+        clickEntry(w.ui().MapList, 1);
         w.ui().mnuMapEdit->trigger();
         w.maps().editor().form().txtMapName->setText("Bee");
         w.maps().editor().form().txtFileName->setText("bb");
         w.maps().editor().form().Command2->click();
-        QCOMPARE(w.ui().MapList->selectedItems(), QList{w.ui().MapList->currentItem()});
-        QCOMPARE(w.ui().MapList->currentItem()->text(), QStringLiteral("bb"));
+        QCOMPARE(w.ui().MapList->currentIndex().data().toString(), QStringLiteral("bb"));
     }
     w.ui().txtMapFragLimit->setText("5");
     w.ui().txtMapGravity->clear(); // stored as spaces
@@ -257,7 +242,7 @@ void MapSelectionTest::closeRightAfterAnEdit() {
         w.ui().lblMap->setText("A new name that is much longer than thirty");
         maps[1] = "x";
         w.platform.writeFile(w.dataPath(), catalogueOf(maps));
-        w.ui().MapList->setCurrentRow(1);
+        clickEntry(w.ui().MapList, 1);
         QVERIFY(w.window->hasEnded());
     }
     w.window->close();
@@ -298,6 +283,19 @@ const std::tuple<const char*, QString, QString, QString, QString> EditorChecks[]
      ".map.bsp"},
     {"two words", "my map", "Warning", "Spaces are not allowed in map file names!", "my map"},
     {"existing map", "A", "Get some rest!", "That map already exists!", ""},
+    // Names the game's console would split or cut short in a rotation line.
+    {"a semicolon", "q;quit", "Warning",
+     "File Name cannot hold a semicolon (;): the game would read the rest as another command.",
+     "q;quit"},
+    {"a quote", "q\"x", "Warning",
+     "File Name cannot hold a double quote (\"): the game would read the rest as another command.",
+     "q\"x"},
+    {"a tab", "q\tquit", "Warning",
+     "File Name cannot hold a control character (code 9): the game would read the rest as "
+     "another command.",
+     "q\tquit"},
+    {"a comment mark", "q//x", "Warning",
+     "File Name cannot hold a comment mark (// or /*): the game would not read the rest.", "q//x"},
 };
 
 void MapSelectionTest::editorChecks_data() {
@@ -319,30 +317,60 @@ void MapSelectionTest::editorChecks() {
     QCOMPARE(readAll(w.dataPath()), before);
 }
 
-void MapSelectionTest::addAndDeleteMaps() {
-    Window w({"a", "b"});
-    MapEditor& editor = w.maps().editor();
-    QTest::mouseClick(w.ui().cmdAddMaps, Qt::LeftButton);
-    // The box keeps no more than the record: a longer name once ended the program.
-    QTest::keyClicks(editor.form().txtFileName, "newmap_with_a_long_name");
-    QTest::mouseClick(editor.form().Command2, Qt::LeftButton);
-    QVERIFY(!editor.isVisible() && w.window->isVisible());
-    QCOMPARE(w.platform.messages.shown.size(), 0);
-    // Appended, and named after its file.
-    QCOMPARE(w.record(3).get(MapField::DisplayName), QStringLiteral("newmap_with_a_long_n"));
-    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("newmap_with_a_long_n"));
+// Clicks ("a<row>" in MapList, "s<row>" in SelMap) and "edit" and "okay" in
+// the map editor; the map shown after, and the one "Delete Map" then asks
+// about and deletes (none when SelMap chose last: the menu is MapList's).
+const std::tuple<const char*, QString, QString, QString> Choices[] = {
+    {"the current available map after the selection showed another", "a0", "m1", "m1"},
+    {"the current selected map after the available list showed another", "a1 s0", "m3", ""},
+    {"the edited map", "a1 edit okay", "m2", "m2"},
+    {"another map chosen while the editor is open", "a1 edit a3 okay", "m4", "m4"},
+};
 
-    w.ui().MapList->setCurrentRow(1);
+void MapSelectionTest::chooseEditAndDelete_data() {
+    addRows(Choices);
+}
+
+// Starts with m1 highlighted in MapList and m3, the selected map, shown.
+void MapSelectionTest::chooseEditAndDelete() {
+    const auto& [name, actions, shown, deleted] = fetchRow(Choices);
+    Window w({"m1", "m2", "m3", "m4"}, "m3\r\n");
+    for (const QString& action : actions.split(' ')) {
+        if (action == "edit")
+            w.ui().mnuMapEdit->trigger();
+        else if (action == "okay")
+            w.maps().editor().form().Command2->click();
+        else
+            clickEntry(action[0] == 'a' ? w.ui().MapList : w.ui().SelMap, action.mid(1).toInt());
+    }
+    QCOMPARE(w.ui().lblMapFilename->text(), shown);
+    if (deleted.isEmpty())
+        return;
+    const QModelIndexList highlighted = w.ui().MapList->selectionModel()->selectedRows();
+    QCOMPARE(highlighted, QModelIndexList{w.ui().MapList->currentIndex()});
     w.platform.messages.answers = {MsgAnswer::Yes};
     w.ui().mnuMapDelete->trigger();
     QCOMPARE(onlyMessage(w.platform.messages),
              message("Confirm Delete",
                      "Maps should only be deleted if they no longer are installed on your "
-                     "system.\r\rAre you sure you want to delete the map \"Name of b\"?",
+                     "system.\r\rAre you sure you want to delete the map \"Name of " +
+                         deleted + "\"?",
                      MsgButtons::YesNo, MsgIcon::Question));
-    QCOMPARE(w.catalogue().CountMaps(), qint16(3));
-    QVERIFY(w.record(2).isDeleted()); // the slot stays
-    QCOMPARE(entries(w.ui().MapList), QStringList({"a", "newmap_with_a_long_n"}));
+    QVERIFY(w.record(deleted.mid(1).toInt()).isDeleted()); // the slot stays
+    QVERIFY(!entries(w.ui().MapList).contains(deleted));
+    // A map added after it goes to the end, named after its file, and is
+    // shown; the box keeps no more than the record: a longer name once ended
+    // the program.
+    w.platform.messages.shown.clear();
+    MapEditor& editor = w.maps().editor();
+    QTest::mouseClick(w.ui().cmdAddMaps, Qt::LeftButton);
+    QTest::keyClicks(editor.form().txtFileName, "newmap_with_a_long_name");
+    QTest::mouseClick(editor.form().Command2, Qt::LeftButton);
+    QVERIFY(!editor.isVisible() && w.window->isVisible());
+    QCOMPARE(w.platform.messages.shown.size(), 0);
+    QCOMPARE(w.record(5).get(MapField::DisplayName), QStringLiteral("newmap_with_a_long_n"));
+    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("newmap_with_a_long_n"));
+    QCOMPARE(entries(w.ui().MapList).size(), 4);
 }
 
 void MapSelectionTest::gameTypeSuggestion() {

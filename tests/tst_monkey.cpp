@@ -87,16 +87,17 @@ struct Monkey {
             emit selector->activated(entry);
             return QStringLiteral("choose %1 in %2").arg(entry).arg(selector->objectName());
         }
-        QListWidget* list = kind == 4 ? any(reachable<QListWidget>()) : nullptr;
-        if (list && list->count()) {
-            QListWidgetItem* item = list->item(below(list->count()));
-            list->scrollToItem(item);
-            if ((item->flags() & Qt::ItemIsUserCheckable) && below(2))
-                item->setCheckState(item->checkState() ? Qt::Unchecked : Qt::Checked);
-            const QString what = item->text() + " in " + list->objectName(); // it may go
-            QTest::mouseClick(list->viewport(), Qt::LeftButton, // none, Shift or Control
-                              Qt::KeyboardModifiers(below(3) * Qt::ShiftModifier),
-                              list->visualItemRect(item).center());
+        QListView* list = kind == 4 ? any(reachable<QListView>()) : nullptr;
+        if (list && list->model()->rowCount()) {
+            const QModelIndex entry = list->model()->index(below(list->model()->rowCount()), 0);
+            if ((entry.flags() & Qt::ItemIsUserCheckable) && below(2)) {
+                const bool checked = entry.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+                list->model()->setData(entry, checked ? Qt::Unchecked : Qt::Checked,
+                                       Qt::CheckStateRole);
+            }
+            const QString what = entry.data().toString() + " in " + list->objectName(); // it may go
+            clickEntry(list, entry.row(), // none, Shift or Control
+                       Qt::KeyboardModifiers(below(3) * Qt::ShiftModifier));
             return "click " + what;
         }
         if (auto* tabs = kind == 5 ? any(reachable<QTabWidget>()) : nullptr) {

@@ -6,6 +6,7 @@
 #include "ui_frmMain.h"
 #include "ui_frmPath.h"
 
+#include <QProcess>
 #include <QtTest>
 
 using namespace halvane;
@@ -17,6 +18,8 @@ private slots:
     void startUp_data();
     void startUp();
     void browseThenOkayStoresLocationAndMenuReopens();
+    void choiceLastsToTheNextStart_data();
+    void choiceLastsToTheNextStart();
 };
 
 void PathDialogTest::startUp_data() {
@@ -39,6 +42,7 @@ void PathDialogTest::startUp() {
     platform.ini->write("Settings", "Exe", stored.section('/', 1));
     platform.app->state = AppState{};
     MainWindow window(*platform.app);
+    window.pathDialog().freeGame.engine = platform.root() + "/no engine";
     window.start();
     PathDialog& dialog = window.pathDialog();
     QCOMPARE(dialog.isVisible(), asks);
@@ -47,6 +51,7 @@ void PathDialogTest::startUp() {
     if (!asks)
         return;
     QVERIFY(dialog.form().txtPath->text().isEmpty() && !dialog.form().cmdOkay->isEnabled());
+    QVERIFY(!dialog.form().cmdFreeGame->isVisible()); // as designed without the free game
     // Cancel ends the program; what was stored stays for the next run.
     dialog.form().cmdCancel->click();
     QVERIFY(window.hasEnded() && !window.isLoaded() && !window.isVisible());
@@ -81,6 +86,68 @@ void PathDialogTest::browseThenOkayStoresLocationAndMenuReopens() {
     QCOMPARE(dialog.form().txtPath->text(), exe);
     dialog.form().cmdCancel->click();
     QVERIFY(!window.hasEnded() && window.isEnabled() && !dialog.isVisible());
+}
+
+// A new user's ways to a game that the next start still finds: the free
+// game's button, or a server program not named quake3.exe (the engine's
+// own, or the free game's) with the offered game folder over it. The
+// folder stored, below the test folder; "engine" when the choice is stored
+// as made, and asked for again at the next start.
+const std::tuple<const char*, const char*, MsgAnswer, const char*> Choices[] = {
+    {"free game button", "button", MsgAnswer::No, "data/openarena"},
+    {"another server program, folder made", "usr/bin/q3ded", MsgAnswer::Yes, "data/q3ded"},
+    {"the free game's engine, folder made", "usr/lib/ioquake3/ioq3ded", MsgAnswer::Yes,
+     "data/openarena"},
+    {"another server program as chosen", "usr/bin/q3ded", MsgAnswer::No, "usr/bin"},
+};
+
+void PathDialogTest::choiceLastsToTheNextStart_data() {
+    addRows(Choices);
+}
+
+void PathDialogTest::choiceLastsToTheNextStart() {
+    const auto& [name, chosen, answer, stored] = fetchRow(Choices);
+    TestPlatform platform;
+    const QString root = platform.root() + "/";
+    // A server program that says what it was started with.
+    platform.writeFile(root + "usr/bin/q3ded", "#!/bin/sh\necho \"$@\" >\"$0.args\"\n");
+    QFile::setPermissions(root + "usr/bin/q3ded", QFile::ReadOwner | QFile::ExeOwner);
+    const FreeGameSources free = fakeFreeGame(platform);
+    const auto open = [&] {
+        auto window = std::make_unique<MainWindow>(*platform.app);
+        window->pathDialog().freeGame = free;
+        window->pathDialog().freeGameFolder = root + "data/openarena";
+        window->start();
+        return window;
+    };
+    auto window = open();
+    Ui::frmPath& form = window->pathDialog().form();
+    QVERIFY(form.cmdFreeGame->isVisible());
+    platform.messages.answers = {answer};
+    if (QString(chosen) == "button") {
+        form.cmdFreeGame->click();
+    } else {
+        platform.dialogs.choices = {{true, root + chosen, QFileInfo(chosen).fileName()}};
+        form.cmdBrowse->click();
+    }
+    form.cmdOkay->click();
+    QVERIFY(window->isLoaded());
+    QCOMPARE(platform.ini->read("Settings", "Path", ""), root + stored);
+    const bool made = QString(stored).startsWith("data/");
+    QCOMPARE(platform.messages.shown.size(), QString(chosen) == "button" ? 0 : 1);
+    if (QString(stored) == "data/openarena") { // the free game, ready to play
+        QCOMPARE(entries(window->form().SelMap).value(0), QStringLiteral("oa_dm1"));
+        QCOMPARE(window->form().txtHunkMegs->text(), QStringLiteral("64"));
+    } else if (made) { // the program runs with the game folder searched first
+        QCOMPARE(QProcess::execute(root + stored + "/quake3.exe", {"+set", "dedicated", "2"}), 0);
+        QCOMPARE(readAll(root + chosen + ".args"),
+                 "+set fs_homepath " + (root + stored).toUtf8() + " +set dedicated 2\n");
+    }
+    window.reset();
+    platform.reopenStore();
+    window = open();
+    QCOMPARE(window->isLoaded(), made);
+    QCOMPARE(window->pathDialog().isVisible(), !made);
 }
 
 QTEST_MAIN(PathDialogTest)

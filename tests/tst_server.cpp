@@ -2,11 +2,13 @@
 // what was started, from a state file that may be damaged or name a reused process id.
 #include "TestSupport.h"
 
+#include "server/AddServerDialog.h"
 #include "server/LaunchRecords.h"
 #include "server/LogTail.h"
 #include "server/ServerManager.h"
 #include "server/ServerProtocol.h"
 #include "server/ServerWindow.h"
+#include "ui_frmAddServer.h"
 #include "ui_frmServer.h"
 
 #include <QNetworkDatagram>
@@ -194,6 +196,13 @@ void ServerTest::records_data() {
            "illegal value; line 4: illegal value; line 5: illegal value; line 6: illegal value; "
            "199995 more lines cannot be read;" +
                kept;
+    QTest::newRow("added servers: no process of ours, but an address")
+        << QByteArray(
+               "{\"id\":\"x\",\"added\":true,\"address\":\"10.213.0.2\",\"port\":27960,"
+               "\"pid\":\"1000\",\"processStart\":\"7000\",\"monitor\":true,"
+               "\"started\":\"2024-05-01T10:00:00.000\"}\n"
+               "{\"id\":\"y\",\"added\":true,\"port\":1,\"started\":\"2024-05-01T10:00:00.000\"}")
+        << "x:running Damaged server list <state>/servers.jsonl: line 2: no address;" + kept;
     QTest::newRow("not records at all")
         << QByteArray("[1,2]\n\"x\"\n")
         << "Damaged server list <state>/servers.jsonl: line 1: not a record; line 2: illegal "
@@ -314,32 +323,41 @@ void ServerTest::addresses() {
 
 // A stand-in on 127.0.0.1 that answers more, longer or other than asked, or
 // a log that is a pipe: the window shows what it should and each pass over
-// the socket reads a bounded number of datagrams.
+// the socket reads a bounded number of datagrams. Servers Halvane did not
+// start are added in the window by their address, and listed without it.
 void ServerTest::hostilePeer_data() {
     QTest::addColumn<QString>("peer");
-    QTest::addColumn<QString>("shown"); // the host name listed, or the console's last line
-    QTest::newRow("five hundred status answers to one question") << "flood"
-                                                                 << "flood 0";
-    QTest::newRow("answers from a port not asked") << "intruder"
-                                                   << "real";
-    QTest::newRow("a named pipe as the log file") << "fifo"
-                                                  << "real";
-    QTest::newRow("12 KB host and player names") << "huge" << QString(64, 'h') + QChar(0x2026);
-    QTest::newRow("console prints without end") << "prints"
-                                                << "(answer cut: longer than 64 KB)";
-    QTest::newRow("console prints trickling in") << "trickle"
-                                                 << "(answer cut: still arriving after 5 seconds)";
+    QTest::addColumn<QString>("shown");   // the row's name and state, or the console's last line
+    QTest::addColumn<QString>("problem"); // the window's problem line
+    const auto row = [](const char* name, const char* peer, const QString& shown,
+                        const QString& problem = {}) {
+        QTest::newRow(name) << peer << shown << problem;
+    };
+    row("five hundred status answers to one question", "flood", "flood 0|running");
+    row("answers from a port not asked", "intruder", "real|running");
+    row("a named pipe as the log file", "fifo", "real|running",
+        "The log file <log> cannot be read: it is not a regular file");
+    row("12 KB host and player names", "huge", QString(64, 'h') + QChar(0x2026) + "|running");
+    row("console prints without end", "prints", "(answer cut: longer than 64 KB)");
+    row("console prints trickling in", "trickle", "(answer cut: still arriving after 5 seconds)");
+    row("added by its address", "added", "real|running");
+    row("added, answering garbage", "added garbage", "|asking",
+        "The server answered with something that is not a status (8 bytes)");
+    row("added, never answering", "added silent", "|not answering");
 }
 
 void ServerTest::hostilePeer() {
     QFETCH(QString, peer);
     QFETCH(QString, shown);
+    QFETCH(QString, problem);
     QUdpSocket game, intruder;
     QVERIFY(game.bind(QHostAddress::LocalHost) && intruder.bind(QHostAddress::LocalHost));
     test::TestPlatform platform;
     ServerManager manager(*platform.app);
-    manager.launch("q3", {}, platform.root(), {}, {}, QString::number(game.localPort()), "pw");
-    const QString log = manager.servers().first().record.logFile;
+    const bool added = peer.startsWith("added");
+    if (!added)
+        manager.launch("q3", {}, platform.root(), {}, {}, QString::number(game.localPort()), "pw");
+    const QString log = added ? QString() : manager.servers().first().record.logFile;
     if (peer == "fifo")
         QVERIFY(QFile::remove(log) && ::mkfifo(QFile::encodeName(log), 0600) == 0);
     const QByteArray name = peer == "huge" ? QByteArray(12000, 'h') : "real";
@@ -362,7 +380,9 @@ void ServerTest::hostilePeer() {
             if (peer == "intruder")
                 intruder.writeDatagram(Oob + "statusResponse\n\\sv_hostname\\intruder\n",
                                        query.senderAddress(), query.senderPort());
-            for (int i = 0; i < (peer == "flood" ? 500 : 1); ++i)
+            if (peer == "added garbage")
+                game.writeDatagram(query.makeReply("\x01garbage"));
+            for (int i = 0; i < (peer == "flood" ? 500 : added ? peer == "added" : 1); ++i)
                 game.writeDatagram(
                     query.makeReply(Oob + "statusResponse\n\\sv_hostname\\" +
                                     (peer == "flood" ? "flood " + QByteArray::number(i) : name) +
@@ -372,26 +392,53 @@ void ServerTest::hostilePeer() {
     ServerWindow window(manager, platform.shell, nullptr);
     Ui::frmServer& ui = window.form();
     window.show();
-    QTRY_VERIFY(ui.lstServers->topLevelItem(0)->text(0) != "");
+    if (added) {
+        ui.cmdAddServer->click();
+        auto* dialog = window.findChild<AddServerDialog*>();
+        QVERIFY(dialog && dialog->isVisible());
+        dialog->form().txtAddAddress->setText("127.0.0");
+        dialog->form().txtAddPort->setText(QString::number(game.localPort()));
+        dialog->form().txtAddPassword->setText("pw");
+        dialog->form().btnAddServer->button(QDialogButtonBox::Ok)->click();
+        QCOMPARE(dialog->form().lblAddProblem->text(),
+                 "The address must be a numeric IPv4 address, such as 192.0.2.10");
+        dialog->form().txtAddAddress->setText("127.0.0.1");
+        dialog->form().btnAddServer->button(QDialogButtonBox::Ok)->click();
+        QVERIFY(!dialog->isVisible());
+    }
+    QTreeWidgetItem* const listed = ui.lstServers->topLevelItem(0);
+    QVERIFY(listed);
     if (peer == "prints" || peer == "trickle") {
+        QTRY_VERIFY(listed->text(0) != "");
         ui.cmbCommand->setEditText("status");
         ui.cmdSend->click();
         QTRY_COMPARE_WITH_TIMEOUT(ui.txtConsole->toPlainText().section('\n', -1), shown, 20000);
         QVERIFY(ui.txtConsole->toPlainText().size() < MaxAnswer + 100);
     } else {
-        QCOMPARE(ui.lstServers->topLevelItem(0)->text(0), shown);
+        QTRY_COMPARE_WITH_TIMEOUT(listed->text(0) + '|' + listed->text(6).section(" since", 0, 0),
+                                  shown, 10000);
     }
     const ServerManager::Traffic& traffic = manager.traffic();
     QVERIFY(traffic.accepted <= traffic.questions);
     QVERIFY2(traffic.largestPass <= ServerManager::MaxPacketsPerPass,
              qPrintable(QString::number(traffic.largestPass)));
     QVERIFY(peer != "flood" || traffic.packets > ServerManager::MaxPacketsPerPass);
-    QCOMPARE(ui.lstServers->topLevelItem(0)->toolTip(0).size(), peer == "huge" ? 12000 : 0);
-    QCOMPARE(ui.lstPlayers->topLevelItem(0)->toolTip(0), QString(player));
+    QCOMPARE(listed->toolTip(0).size(), peer == "huge" ? 12000 : 0);
+    if (ui.lstPlayers->topLevelItemCount() > 0)
+        QCOMPARE(ui.lstPlayers->topLevelItem(0)->toolTip(0), QString(player));
     QVERIFY(window.sizeHint().width() < 1500);
-    QCOMPARE(ui.lblProblem->text(),
-             peer == "fifo" ? "The log file " + log + " cannot be read: it is not a regular file"
-                            : "");
+    QTRY_COMPARE(ui.lblProblem->text(), QString(problem).replace("<log>", log));
+    // Halvane has no process of an added server: it is not stopped, restarted or watched, and
+    // it is listed with its answer, or why none came, without a window.
+    QCOMPARE(ui.cmdStop->isEnabled() || ui.cmdRestart->isEnabled() || ui.chkMonitor->isEnabled(),
+             !added);
+    if (!added)
+        return;
+    const QList<ServerEntry> servers = listServers(*platform.app, 3000);
+    QCOMPARE(servers.size(), 1);
+    const ServerLive& live = servers[0].live;
+    QCOMPARE(live.status ? live.status->value("sv_hostname") : live.problem,
+             peer == "added" ? "real" : problem);
 }
 
 QTEST_MAIN(ServerTest)

@@ -220,7 +220,7 @@ void ShellTest::savesOnABrokenDisk() {
             window.form().mnuFileMakeCfg->trigger();
         if (save.startsWith("choose")) { // told at once, not only when closing
             window.form().txtMapFragLimit->setText("5");
-            window.form().MapList->setCurrentRow(1);
+            clickEntry(window.form().MapList, 1);
             QVERIFY(!platform.messages.shown.isEmpty() &&
                     platform.messages.shown.last().text.contains(save.section('|', 3)));
         }

@@ -47,8 +47,9 @@ ServerSettings readServerSettings(const Ui::frmMain& ui, const BotTables& tables
     s.noBotJump = checked(ui.chkNoBotJump);
     s.rocketJump = checked(ui.chkRocketJump);
     s.cheating = checked(ui.chkCheating);
-    for (int i = 0; i < ui.SelMap->count(); ++i)
-        s.selectedMaps.append(ui.SelMap->item(i)->text());
+    const QAbstractItemModel& selected = *ui.SelMap->model();
+    for (int i = 0; i < selected.rowCount(); ++i)
+        s.selectedMaps.append(selected.index(i, 0).data().toString());
     s.friendlyEnabled = ownEnabled(ui.chkFriendly);
     s.friendlyFire = checked(ui.chkFriendly);
     s.weaponRespawn = ui.txtRespawn->text();

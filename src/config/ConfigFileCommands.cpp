@@ -92,24 +92,27 @@ bool ConfigFileCommands::write(const QString& path) {
     return m_writeConfig && m_writeConfig(path, false, QString());
 }
 
-void ConfigFileCommands::mnuFileMakeCfg() {
+bool ConfigFileCommands::mnuFileMakeCfg() {
     if (!m_validateAll || !m_validateAll())
-        return;
+        return false;
     const QString target = m_app.state.gameFile(QStringLiteral("baseq3/halvane.cfg"));
     MessageBoxes& messages = m_app.platform.messages;
     if (!write(target)) {
         messages.tell(Failed, QStringLiteral("An error occured while creating the config file."),
                       MsgIcon::Critical);
-        return;
+        return false;
     }
     if (messages.askYesNo(Success,
                           QStringLiteral("halvane.cfg has been created in your baseq3 folder, "
                                          "would you like to view it now?"),
                           MsgIcon::Question))
         m_app.platform.shell.editTextFile(target); // an editor that fails to start says nothing
+    return true;
 }
 
 void ConfigFileCommands::mnuFileSaveAs() {
+    if (consoleTextIsSafe && !consoleTextIsSafe())
+        return;
     const FileChoice choice = m_app.platform.dialogs.saveFile(
         QStringLiteral("Save config file as"), QStringLiteral("Config files|*.cfg;*.config"),
         QStringLiteral("*.cfg"), m_app.state.gameFile(QStringLiteral("baseq3")));

@@ -26,7 +26,12 @@ public:
 
     void setWriteConfig(WriteConfigFunction writeConfig) { m_writeConfig = std::move(writeConfig); }
 
-    void mnuFileMakeCfg();
+    // Refuses (with its own message) script values the game would split into
+    // another command; "Save config file As" validates nothing else.
+    std::function<bool()> consoleTextIsSafe;
+
+    // True when the configuration was written.
+    bool mnuFileMakeCfg();
     void mnuFileSaveAs();
     void cmdEditCfg();
     void txtCfgChanged();

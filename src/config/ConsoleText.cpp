@@ -78,14 +78,19 @@ QString consoleRefusal(const QString& caption, const QString& text, ConsolePlace
     return at < 0 ? QString() : consoleRefusal(caption, text[at]);
 }
 
-bool isConsoleSafeMapName(const QString& name) {
-    if (name.isEmpty() || name.contains(QLatin1String("//")) || name.contains(QLatin1String("/*")))
-        return false;
+QString mapNameRefusal(const QString& caption, const QString& name) {
     for (const QChar c : name) {
         if (isControl(c) || c.isSpace() || c == QLatin1Char('"') || c == QLatin1Char(';'))
-            return false;
+            return consoleRefusal(caption, c);
     }
-    return true;
+    if (name.contains(QLatin1String("//")) || name.contains(QLatin1String("/*")))
+        return caption + QStringLiteral(" cannot hold a comment mark (// or /*): the game would "
+                                        "not read the rest.");
+    return QString();
+}
+
+bool isConsoleSafeMapName(const QString& name) {
+    return !name.isEmpty() && mapNameRefusal(QString(), name).isEmpty();
 }
 
 } // namespace halvane

@@ -45,4 +45,8 @@ QString consoleRefusal(const QString& caption, const QString& text, ConsolePlace
 // which would hide the rest of a rotation line).
 bool isConsoleSafeMapName(const QString& name);
 
+// The refusal for a map name typed into the box named caption, or an empty
+// text when isConsoleSafeMapName holds (an empty name is the caller's to judge).
+QString mapNameRefusal(const QString& caption, const QString& name);
+
 } // namespace halvane

@@ -36,7 +36,7 @@ bool LaunchController::ServerRunning() {
     return alive;
 }
 
-void LaunchController::cmdStart() {
+bool LaunchController::cmdStart() {
     // 1. Remember the parameter line, then offer the list as it now stands.
     run(m_hooks.saveParameterList);
     run(m_hooks.loadParameterList);
@@ -53,7 +53,7 @@ void LaunchController::cmdStart() {
                                "on the advanced tab.\rIf no port is specified, the next available "
                                "port will be used by default."),
                 MsgIcon::Information))
-            return;
+            return false;
     }
 
     // 4. Before validation: the fixed bot script is rewritten even when it fails.
@@ -62,7 +62,7 @@ void LaunchController::cmdStart() {
 
     // 5. The validator tells the operator why it refused.
     if (!m_hooks.ValidateAll || !m_hooks.ValidateAll())
-        return;
+        return false;
 
     // 6.
     Desktop& desktop = m_app.platform.desktop;
@@ -79,7 +79,7 @@ void LaunchController::cmdStart() {
     const QString config = m_app.state.scriptFile(QStringLiteral("baseq3/halvane.cfg"));
     if (!m_hooks.WriteConfig || !m_hooks.WriteConfig(config, true, commandLine)) {
         fail(stepText, configWriteErrorCode());
-        return;
+        return false;
     }
 
     // 9. Folders have no drive letters here: there is no drive to change to.
@@ -89,7 +89,7 @@ void LaunchController::cmdStart() {
     stepText = QStringLiteral("Error changing directories");
     if (gameFolder.isEmpty() || !QFileInfo(gameFolder).isDir()) {
         fail(stepText, ENOENT);
-        return;
+        return false;
     }
 
     // 11. Started without a shell: the command line becomes the arguments.
@@ -102,12 +102,12 @@ void LaunchController::cmdStart() {
                             : m_app.platform.processes.start(program, arguments, gameFolder, {});
     if (!started.started) {
         fail(stepText, started.errorCode != 0 ? started.errorCode : EIO);
-        return;
+        return false;
     }
     ServerTaskID = started.taskId;
 
-    // 12.
-    if (windowFollowsStart && ui.chkStartState->isChecked()) {
+    // 12. The command line's window is never shown, so it stays as it is.
+    if (ui.chkStartState->isChecked() && m_window.isVisible()) {
         if (ui.optClose->isChecked())
             m_window.close(); // the shut-down stores everything
         else
@@ -116,6 +116,7 @@ void LaunchController::cmdStart() {
 
     // 13.
     desktop.setBusy(false);
+    return true;
 }
 
 // The writer answers only yes or no; the code says what most likely stood

@@ -44,15 +44,13 @@ public:
 
     LaunchHooks& hooks() { return m_hooks; }
 
-    void cmdStart();
+    // True when the server was started.
+    bool cmdStart();
     // True when the server launched last still runs (its window comes forward).
     bool ServerRunning();
 
     // The task of the server launched most recently; 0 before the first.
     qint64 ServerTaskID = 0;
-    // False for a window that is never shown: a start leaves it as it is
-    // instead of minimising or closing it.
-    bool windowFollowsStart = true;
 
 private:
     void fail(const QString& stepText, int code);

@@ -5,6 +5,7 @@
 
 #include <QCloseEvent>
 #include <QDir>
+#include <QFileInfo>
 
 namespace halvane {
 
@@ -19,15 +20,14 @@ PathDialog::PathDialog(AppContext& app, PathDialogHost& host, QWidget* owner)
     connect(ui->cmdBrowse, &QAbstractButton::clicked, this, &PathDialog::cmdBrowse);
     connect(ui->cmdOkay, &QAbstractButton::clicked, this, &PathDialog::cmdOkay);
     connect(ui->cmdCancel, &QAbstractButton::clicked, this, &PathDialog::cmdCancel);
+    connect(ui->cmdFreeGame, &QAbstractButton::clicked, this, &PathDialog::cmdFreeGame);
     connect(ui->txtPath, &QLineEdit::textChanged, this,
             [this](const QString& text) { ui->cmdOkay->setEnabled(!text.isEmpty()); });
 }
 
 PathDialog::~PathDialog() = default;
 
-void PathDialog::load() {
-    AppState& state = m_app.state;
-    const SettingsStore& store = m_app.platform.store;
+bool PathDialog::readStoredLocation(AppState& state, const SettingsStore& store) {
     state.GameFolder = store.read(Section, QStringLiteral("Path"), QString());
     state.GameExeName = store.read(Section, QStringLiteral("Exe"), QString());
 
@@ -38,6 +38,12 @@ void PathDialog::load() {
         state.GameExeName.clear();
         state.ShowStoredPath = false;
     }
+    return !state.GameFolder.isEmpty() && !state.GameExeName.isEmpty();
+}
+
+void PathDialog::load() {
+    AppState& state = m_app.state;
+    readStoredLocation(state, m_app.platform.store);
 
     if (!state.ShowStoredPath) {
         if (!state.GameFolder.isEmpty() && !state.GameExeName.isEmpty()) {
@@ -52,6 +58,7 @@ void PathDialog::load() {
                              state.GameExeName);
     }
     ui->cmdOkay->setEnabled(!ui->txtPath->text().isEmpty());
+    ui->cmdFreeGame->setVisible(freeGameInstalled(freeGame));
     show();
     raise();
     activateWindow();
@@ -72,7 +79,69 @@ void PathDialog::cmdBrowse() {
     ui->cmdOkay->setFocus();
 }
 
+void PathDialog::cmdFreeGame() {
+    const FirstRunResult result =
+        prepareFreeGame(freeGameFolder, freeGame, m_app.platform.folder.path());
+    if (!result.gameReady || !storeFreeGameMemory(m_app.platform.store)) {
+        m_app.platform.messages.tell(
+            QStringLiteral("Halvane"),
+            result.gameReady ? QStringLiteral("Cannot store the game's memory size in ") +
+                                   m_app.platform.store.location() + QStringLiteral(": ") +
+                                   m_app.platform.store.failureReason()
+                             : result.message,
+            MsgIcon::Critical);
+        return;
+    }
+    m_app.state.GameFolder = freeGameFolder;
+    m_app.state.GameExeName = QStringLiteral("quake3.exe");
+    ui->txtPath->setText(QDir::toNativeSeparators(freeGameFolder + QStringLiteral("/quake3.exe")));
+    PathChosen = true;
+    // The game is ready; only its maps could not be offered.
+    if (result.outcome == FirstRunResult::Failed)
+        m_app.platform.messages.tell(QStringLiteral("Halvane"), result.message,
+                                     MsgIcon::Information);
+    ui->cmdOkay->setFocus();
+}
+
+void PathDialog::keepOtherProgram() {
+#ifndef Q_OS_WIN
+    AppState& state = m_app.state;
+    if (state.GameFolder.isEmpty() || state.GameExeName.isEmpty() ||
+        FileExists(findIgnoringCase(state.GameFolder, QStringLiteral("quake3.exe"))))
+        return;
+    const QString program = QDir(state.GameFolder).filePath(state.GameExeName);
+    const bool free =
+        freeGameInstalled(freeGame) &&
+        QFileInfo(program).canonicalFilePath() == QFileInfo(freeGame.engine).canonicalFilePath();
+    const QString folder = free ? freeGameFolder
+                                : QFileInfo(freeGameFolder).absolutePath() + QLatin1Char('/') +
+                                      QFileInfo(program).completeBaseName();
+    MessageBoxes& messages = m_app.platform.messages;
+    if (!messages.askYesNo(
+            QStringLiteral("Halvane"),
+            QDir::toNativeSeparators(program) +
+                QStringLiteral(" is not named quake3.exe, which Halvane looks for in the game "
+                               "folder at each start: this choice would be forgotten.\r\rSet up "
+                               "the game folder ") +
+                QDir::toNativeSeparators(folder) +
+                (free ? QStringLiteral(" with the free game, ") : QStringLiteral(", ")) +
+                QStringLiteral("whose quake3.exe runs it, and use that?"),
+            MsgIcon::Question))
+        return;
+    const FirstRunResult result =
+        free ? prepareFreeGame(folder, freeGame, m_app.platform.folder.path())
+             : prepareEngineFolder(folder, program);
+    if (result.gameReady && (!free || storeFreeGameMemory(m_app.platform.store))) {
+        state.GameFolder = folder;
+        state.GameExeName = QStringLiteral("quake3.exe");
+    }
+    if (result.outcome == FirstRunResult::Failed)
+        messages.tell(QStringLiteral("Halvane"), result.message, MsgIcon::Critical);
+#endif
+}
+
 void PathDialog::cmdOkay() {
+    keepOtherProgram();
     SettingsStore& store = m_app.platform.store;
     store.write(Section, QStringLiteral("Path"), m_app.state.GameFolder);
     store.write(Section, QStringLiteral("Exe"), m_app.state.GameExeName);

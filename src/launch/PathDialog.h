@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ui/FirstRun.h"
+
 #include <QDialog>
 #include <memory>
 
@@ -10,6 +12,8 @@ class frmPath;
 namespace halvane {
 
 struct AppContext;
+struct AppState;
+class SettingsStore;
 
 // What the path dialog needs of the window it returns to.
 class PathDialogHost {
@@ -32,9 +36,18 @@ public:
     // Reads the stored location; closes unseen when it is valid at start-up,
     // otherwise shows itself.
     void load();
+    // Reads the stored game location into the program's state as a start
+    // does; false (and the state cleared) when none is stored or it holds no
+    // quake3.exe.
+    static bool readStoredLocation(AppState& state, const SettingsStore& store);
 
     bool PathChosen = false;
     Ui::frmPath& form() { return *ui; }
+
+    // Where the free game is looked for, and the folder it is set up in;
+    // game folders for other server programs are made beside that one.
+    FreeGameSources freeGame;
+    QString freeGameFolder = defaultFreeGameFolder();
 
 protected:
     void closeEvent(QCloseEvent* event) override;
@@ -43,6 +56,10 @@ protected:
 private:
     void cmdBrowse();
     void cmdOkay();
+    void cmdFreeGame();
+    // A location whose folder lacks quake3.exe is forgotten at the next
+    // start: offers a game folder whose quake3.exe runs the chosen program.
+    void keepOtherProgram();
     void cmdCancel();
     void unload();
 

@@ -1,7 +1,9 @@
 #include "maps/MapEditor.h"
 
 #include "app/AppContext.h"
+#include "config/ConsoleText.h"
 #include "maps/MapCatalogue.h"
+#include "maps/MapNameList.h"
 #include "maps/MapSelection.h"
 #include "ui_frmMain.h"
 #include "ui_frmMap.h"
@@ -42,14 +44,14 @@ void MapEditor::openForAdding() {
 }
 
 void MapEditor::openForEditing() {
-    QListWidgetItem* focused = main.MapList->currentItem();
-    if (!focused)
+    const int focused = m_selection.availableCurrentRow();
+    if (focused < 0)
         return;
-    const qint16 n = m_catalogue.FindMap(focused->text());
+    const qint16 n = m_catalogue.FindMap(m_selection.available().name(focused));
     if (n == -1 || !m_catalogue.readRecord(n))
         return;
     m_editRecord = n;
-    ui->lblIndexNum->setText(QString::number(main.MapList->row(focused)));
+    ui->lblIndexNum->setText(QString::number(focused));
     setWindowTitle(EditCaption);
     ui->txtMapName->setText(m_catalogue.RecordBuffer.get(MapField::DisplayName));
     ui->txtFileName->setText(m_catalogue.RecordBuffer.get(MapField::FileName));
@@ -95,6 +97,14 @@ bool MapEditor::CheckValidMap() {
         ui->txtFileName->setFocus();
         return false;
     }
+    // The name goes into the map command of halvane.cfg and the rotation lines.
+    if (const QString refused = mapNameRefusal(QStringLiteral("File Name"), file);
+        !refused.isEmpty()) {
+        messages.tell(QStringLiteral("Warning"), refused, MsgIcon::Information);
+        ui->txtFileName->selectAll();
+        ui->txtFileName->setFocus();
+        return false;
+    }
     return true;
 }
 
@@ -106,7 +116,7 @@ void MapEditor::AddNewMap() {
                                      MsgIcon::Information);
         return;
     }
-    const int number = main.MapList->count() > 0 ? m_catalogue.CountMaps() + 1 : 1;
+    const int number = m_selection.available().count() > 0 ? m_catalogue.CountMaps() + 1 : 1;
     m_catalogue.RecordBuffer =
         makeMapRecord(trimSpaces(ui->txtMapName->text()), file, m_catalogue.DefaultRules);
     if (!m_catalogue.writeRecord(number)) {
@@ -115,8 +125,8 @@ void MapEditor::AddNewMap() {
                                      MsgIcon::Critical);
         return;
     }
-    main.MapList->addItem(file);
-    m_selection.highlightMapList(main.MapList->count() - 1);
+    m_selection.available().append({file});
+    m_selection.highlightMapList(m_selection.available().count() - 1);
     main.MapList->setFocus();
     close();
 }
@@ -142,14 +152,10 @@ void MapEditor::UpdateMap() {
         main.lblMap->setText(name);
         main.lblMapFilename->setText(file);
     }
-    const int index = ui->lblIndexNum->text().toInt();
-    if (index >= 0 && index < main.MapList->count()) {
-        // The entry takes its new name where it stands, and stays current and
-        // highlighted, so later commits and deletes still act on this map.
-        const QSignalBlocker blocker(main.MapList);
-        main.MapList->item(index)->setText(file);
-        main.MapList->setCurrentRow(index, QItemSelectionModel::ClearAndSelect);
-    }
+    // The entry takes its new name where it stands. The highlight, the
+    // current entry and the shown map stay where the operator left them
+    // while the editor was open, so they still name the same map.
+    m_selection.available().rename(ui->lblIndexNum->text().toInt(), file);
     main.MapList->setFocus();
     close();
 }
@@ -163,8 +169,9 @@ void MapEditor::deleteMap() {
                                main.lblMap->text() + QStringLiteral("\"?"),
                            MsgIcon::Question))
         return;
-    QListWidgetItem* focused = main.MapList->currentItem();
-    const qint16 n = focused ? m_catalogue.FindMap(focused->text()) : qint16(-1);
+    const int focused = m_selection.availableCurrentRow();
+    const qint16 n =
+        focused >= 0 ? m_catalogue.FindMap(m_selection.available().name(focused)) : qint16(-1);
     if (n == -1) {
         messages.tell(QStringLiteral("Halvane"), QStringLiteral("No map selected"), MsgIcon::None);
     } else if (m_catalogue.deleteRecord(n)) {

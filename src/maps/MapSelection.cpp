@@ -2,14 +2,16 @@
 
 #include "app/AppContext.h"
 #include "maps/MapCatalogue.h"
-#include "maps/MapEntryDelegate.h"
+#include "maps/MapNameList.h"
 #include "maps/MapPreview.h"
 #include "maps/MapRulesPanel.h"
 #include "maps/MapSelectionFile.h"
 #include "ui_frmMain.h"
 
+#include <QListView>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QScopedValueRollback>
 #include <algorithm>
 #include <chrono>
 #include <random>
@@ -32,7 +34,7 @@ std::mt19937_64 seededFromTimeOfDay() {
 
 // The highlighted rows of a list in ascending order, read from the selection
 // ranges rather than asked of every entry.
-QList<int> highlightedRows(const QListWidget& list) {
+QList<int> highlightedRows(const QAbstractItemView& list) {
     QList<int> rows;
     const QItemSelection selection = list.selectionModel()->selection();
     for (const QItemSelectionRange& range : selection) {
@@ -49,11 +51,36 @@ MapSelection::MapSelection(Ui::frmMain& ui, MapCatalogue& catalogue, AppContext&
                            MapRulesPanel& rules, MapPreview& preview, const GameFiles& gameFiles,
                            QObject* parent)
     : QObject(parent), ui(ui), m_catalogue(catalogue), m_app(app), m_rules(rules),
-      m_preview(preview) {
-    connect(ui.MapList, &QListWidget::currentRowChanged, this, &MapSelection::mapListChosen);
-    connect(ui.SelMap, &QListWidget::currentRowChanged, this, &MapSelection::selMapChosen);
-    connect(ui.MapList, &QListWidget::itemDoubleClicked, this, &MapSelection::cmdAddSelMap);
-    connect(ui.SelMap, &QListWidget::itemDoubleClicked, this, &MapSelection::cmdRemSelMap);
+      m_preview(preview), m_available(new MapNameList(gameFiles, this)),
+      m_selected(new MapNameList(gameFiles, this)) {
+    for (auto [list, model] : {std::pair{ui.MapList, m_available}, {ui.SelMap, m_selected}}) {
+        // Every entry is as large as the last one: a long list lays itself
+        // out without measuring each entry.
+        list->setUniformItemSizes(true);
+        list->setModel(model);
+        const auto forget = [this, list = list] {
+            if (m_shown.list == list)
+                m_shown = {};
+        };
+        connect(model, &QAbstractItemModel::rowsInserted, this, forget);
+        connect(model, &QAbstractItemModel::rowsRemoved, this, forget);
+        connect(model, &QAbstractItemModel::rowsMoved, this, forget);
+        connect(model, &QAbstractItemModel::modelReset, this, forget);
+        connect(list, &QAbstractItemView::clicked, this,
+                [this, list = list](const QModelIndex& index) { clicked(*list, index.row()); });
+    }
+    connect(ui.MapList->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            [this](const QModelIndex& current) {
+                if (!m_quiet)
+                    mapListChosen(current.row());
+            });
+    connect(ui.SelMap->selectionModel(), &QItemSelectionModel::currentRowChanged, this,
+            [this](const QModelIndex& current) {
+                if (!m_quiet)
+                    selMapChosen(current.row());
+            });
+    connect(ui.MapList, &QAbstractItemView::doubleClicked, this, &MapSelection::cmdAddSelMap);
+    connect(ui.SelMap, &QAbstractItemView::doubleClicked, this, &MapSelection::cmdRemSelMap);
     connect(ui.cmdAddSelMap, &QAbstractButton::clicked, this, &MapSelection::cmdAddSelMap);
     connect(ui.cmdRemSelMap, &QAbstractButton::clicked, this, &MapSelection::cmdRemSelMap);
     connect(ui.cmdMapUp, &QAbstractButton::clicked, this, &MapSelection::cmdMapUp);
@@ -66,10 +93,6 @@ MapSelection::MapSelection(Ui::frmMain& ui, MapCatalogue& catalogue, AppContext&
     connect(ui.cmdRandomize, &QAbstractButton::clicked, this, &MapSelection::cmdRandomize);
     connect(ui.mnuMapSelect, &QAction::triggered, this, &MapSelection::cmdAddSelMap);
     connect(ui.mnuMapsSelectAll, &QAction::triggered, this, &MapSelection::cmdMapSelectAll);
-
-    // Long lists lay themselves out without measuring every entry.
-    new MapEntryDelegate(*ui.MapList, gameFiles);
-    new MapEntryDelegate(*ui.SelMap, gameFiles);
 
     openPopup = [this](const QPoint& at) { this->ui.mnuMapList->popup(at); };
     ui.MapList->viewport()->installEventFilter(this);
@@ -108,11 +131,20 @@ QString MapSelection::selectionFilePath() const {
 }
 
 void MapSelection::updateAvailableCaption() {
-    ui.Frame14->setTitle(QString::number(ui.MapList->count()) + QStringLiteral(" Available Maps"));
+    ui.Frame14->setTitle(QString::number(m_available->count()) + QStringLiteral(" Available Maps"));
 }
 
 void MapSelection::updateSelectedCaption() {
-    ui.Frame15->setTitle(QString::number(ui.SelMap->count()) + QStringLiteral(" Maps Selected"));
+    ui.Frame15->setTitle(QString::number(m_selected->count()) + QStringLiteral(" Maps Selected"));
+}
+
+int MapSelection::availableCurrentRow() const {
+    return ui.MapList->currentIndex().row();
+}
+
+void MapSelection::marksChanged() {
+    m_available->marksChanged();
+    m_selected->marksChanged();
 }
 
 void MapSelection::LoadMaps(bool readSelectionFile) {
@@ -120,8 +152,7 @@ void MapSelection::LoadMaps(bool readSelectionFile) {
     // The names by record number: entries of mapsel.txt share their text.
     std::vector<QString> names(size_t(catalogue.count()) + 1);
     {
-        const QSignalBlocker blocker(ui.MapList);
-        ui.MapList->clear();
+        const QScopedValueRollback quiet(m_quiet, true);
         QStringList listed;
         listed.reserve(catalogue.count());
         for (int n = 1; n <= catalogue.count(); ++n) {
@@ -129,16 +160,16 @@ void MapSelection::LoadMaps(bool readSelectionFile) {
             if (!names[size_t(n)].isEmpty())
                 listed.append(names[size_t(n)]);
         }
-        ui.MapList->addItems(listed);
+        m_available->setNames(listed);
     }
-    if (ui.MapList->count() > 0)
+    if (m_available->count() > 0)
         highlightMapList(0); // which sets CurrentMapRecord
 
     const QString path = selectionFilePath();
     if (readSelectionFile && FileExists(path)) {
         {
-            const QSignalBlocker blocker(ui.SelMap);
-            ui.SelMap->clear();
+            const QScopedValueRollback quiet(m_quiet, true);
+            m_selected->clear();
         }
         const MapSelectionRead read = readMapSelection(path, catalogue, names);
         if (!read.ok) {
@@ -147,10 +178,10 @@ void MapSelection::LoadMaps(bool readSelectionFile) {
                                          MsgIcon::Critical);
         }
         {
-            const QSignalBlocker blocker(ui.SelMap);
-            ui.SelMap->addItems(read.entries);
+            const QScopedValueRollback quiet(m_quiet, true);
+            m_selected->setNames(read.entries);
         }
-        if (ui.SelMap->count() > 0)
+        if (m_selected->count() > 0)
             highlightSelMap(0);
     }
     updateAvailableCaption();
@@ -167,11 +198,10 @@ QStringList MapSelection::setSelectedMaps(const QStringList& maps) {
             unknown.append(map);
     }
     {
-        const QSignalBlocker blocker(ui.SelMap);
-        ui.SelMap->clear();
-        ui.SelMap->addItems(known);
+        const QScopedValueRollback quiet(m_quiet, true);
+        m_selected->setNames(known);
     }
-    if (ui.SelMap->count() > 0)
+    if (m_selected->count() > 0)
         highlightSelMap(0);
     updateSelectedCaption();
     return unknown;
@@ -185,27 +215,33 @@ void MapSelection::SaveMaps() {
 }
 
 QStringList MapSelection::selectedMaps() const {
-    QStringList entries;
-    entries.reserve(ui.SelMap->count());
-    for (int i = 0; i < ui.SelMap->count(); ++i)
-        entries.append(ui.SelMap->item(i)->text());
-    return entries;
+    return m_selected->names();
+}
+
+void MapSelection::highlight(QAbstractItemView& list, int row) {
+    const QScopedValueRollback quiet(m_quiet, true);
+    list.selectionModel()->setCurrentIndex(list.model()->index(row, 0),
+                                           QItemSelectionModel::ClearAndSelect);
 }
 
 void MapSelection::highlightMapList(int row) {
-    {
-        const QSignalBlocker blocker(ui.MapList);
-        ui.MapList->setCurrentRow(row, QItemSelectionModel::ClearAndSelect);
-    }
+    highlight(*ui.MapList, row);
     mapListChosen(row);
 }
 
 void MapSelection::highlightSelMap(int row) {
-    {
-        const QSignalBlocker blocker(ui.SelMap);
-        ui.SelMap->setCurrentRow(row, QItemSelectionModel::ClearAndSelect);
-    }
+    highlight(*ui.SelMap, row);
     selMapChosen(row);
+}
+
+void MapSelection::clicked(QAbstractItemView& list, int row) {
+    if (m_shown.list == &list && m_shown.row == row &&
+        m_shown.record == m_catalogue.CurrentMapRecord)
+        return;
+    if (&list == ui.MapList)
+        mapListChosen(row);
+    else
+        selMapChosen(row);
 }
 
 bool MapSelection::showChosen(const QString& entry) {
@@ -219,8 +255,11 @@ bool MapSelection::showChosen(const QString& entry) {
 }
 
 void MapSelection::mapListChosen(int row) {
-    QListWidgetItem* item = ui.MapList->item(row);
-    if (!item || showChosen(item->text()))
+    if (row < 0 || row >= m_available->count())
+        return;
+    const bool shown = showChosen(m_available->name(row));
+    m_shown = {ui.MapList, row, m_catalogue.CurrentMapRecord};
+    if (shown)
         return;
     m_catalogue.MapDataDamaged = true;
     m_app.platform.messages.tell(QStringLiteral("Note"),
@@ -232,16 +271,18 @@ void MapSelection::mapListChosen(int row) {
 }
 
 void MapSelection::selMapChosen(int row) {
-    QListWidgetItem* item = ui.SelMap->item(row);
-    if (!item || showChosen(item->text()))
+    if (row < 0 || row >= m_selected->count())
+        return;
+    const bool shown = showChosen(m_selected->name(row));
+    m_shown = {ui.SelMap, row, m_catalogue.CurrentMapRecord};
+    if (shown)
         return;
     if (closeMainWindow)
         closeMainWindow();
 }
 
 int MapSelection::selHighlighted() const {
-    const QList<QListWidgetItem*> highlighted = ui.SelMap->selectedItems();
-    return highlighted.isEmpty() ? -1 : ui.SelMap->row(highlighted.first());
+    return highlightedRows(*ui.SelMap).value(0, -1);
 }
 
 void MapSelection::cmdAddSelMap() {
@@ -251,25 +292,27 @@ void MapSelection::cmdAddSelMap() {
         QStringList names;
         names.reserve(rows.size());
         for (int row : rows)
-            names.append(ui.MapList->item(row)->text());
+            names.append(m_available->name(row));
         // One insertion for the lot. Inserted one by one right after p, each
         // new map would land before the ones added before it: the lot goes in
         // reversed, and the one highlighted at the end is the last one added.
-        const QSignalBlocker blocker(ui.SelMap);
         int highlighted = p + 1;
-        if (p < 0) {
-            ui.SelMap->addItems(names);
-            highlighted = ui.SelMap->count() - 1;
-        } else {
-            std::reverse(names.begin(), names.end());
-            ui.SelMap->insertItems(p + 1, names);
+        {
+            const QScopedValueRollback quiet(m_quiet, true);
+            if (p < 0) {
+                m_selected->append(names);
+                highlighted = m_selected->count() - 1;
+            } else {
+                std::reverse(names.begin(), names.end());
+                m_selected->insert(p + 1, names);
+            }
         }
-        ui.SelMap->setCurrentRow(highlighted, QItemSelectionModel::ClearAndSelect);
+        highlight(*ui.SelMap, highlighted);
     }
     // Each added map loses its highlight, and the last one added is chosen.
     if (!rows.isEmpty())
         highlightMapList(rows.last());
-    else if (ui.MapList->count() > 0)
+    else if (m_available->count() > 0)
         highlightMapList(0);
     updateSelectedCaption();
 }
@@ -279,28 +322,27 @@ void MapSelection::cmdRemSelMap() {
     if (i < 0)
         return;
     {
-        const QSignalBlocker blocker(ui.SelMap);
-        delete ui.SelMap->takeItem(i);
+        const QScopedValueRollback quiet(m_quiet, true);
+        m_selected->remove(i);
     }
     updateSelectedCaption();
-    if (ui.SelMap->count() > 0)
-        highlightSelMap(i < ui.SelMap->count() ? i : i - 1);
+    if (m_selected->count() > 0)
+        highlightSelMap(i < m_selected->count() ? i : i - 1);
 }
 
 void MapSelection::moveSelected(int step) {
-    if (ui.SelMap->selectedItems().size() > 1) {
+    if (highlightedRows(*ui.SelMap).size() > 1) {
         m_app.platform.messages.tell(
             ApplicationTitle, QStringLiteral("Only one map can be moved at a time"), MsgIcon::None);
         return;
     }
     const int i = selHighlighted();
     const int to = i + step;
-    if (i < 0 || to < 0 || to >= ui.SelMap->count())
+    if (i < 0 || to < 0 || to >= m_selected->count())
         return;
     {
-        const QSignalBlocker blocker(ui.SelMap);
-        QListWidgetItem* item = ui.SelMap->takeItem(i);
-        ui.SelMap->insertItem(to, item);
+        const QScopedValueRollback quiet(m_quiet, true);
+        m_selected->move(i, to);
     }
     highlightSelMap(to);
     ui.SelMap->setFocus();
@@ -316,8 +358,8 @@ void MapSelection::cmdMapDown() {
 
 void MapSelection::cmdMapClearAll() {
     {
-        const QSignalBlocker blocker(ui.SelMap);
-        ui.SelMap->clear();
+        const QScopedValueRollback quiet(m_quiet, true);
+        m_selected->clear();
     }
     updateSelectedCaption();
 }
@@ -328,14 +370,13 @@ void MapSelection::cmdMapSelectAll() {
 
 void MapSelection::addByType(const QString& text) {
     QStringList found;
-    for (int i = 0; i < ui.MapList->count(); ++i) {
-        const QString entry = ui.MapList->item(i)->text();
+    for (const QString& entry : m_available->names()) {
         if (entry.contains(text, Qt::CaseInsensitive))
             found.append(entry);
     }
     {
-        const QSignalBlocker blocker(ui.SelMap);
-        ui.SelMap->addItems(found);
+        const QScopedValueRollback quiet(m_quiet, true);
+        m_selected->append(found);
     }
     updateSelectedCaption();
 }
@@ -353,7 +394,7 @@ void MapSelection::cmdMapTourney() {
 }
 
 void MapSelection::cmdRandomize() {
-    if (ui.SelMap->count() < 2) {
+    if (m_selected->count() < 2) {
         m_app.platform.messages.tell(QStringLiteral("Notice"),
                                      QStringLiteral("You need to have at least two maps selected "
                                                     "for this feature to work (think about it)."),
@@ -361,9 +402,9 @@ void MapSelection::cmdRandomize() {
         return;
     }
     m_app.platform.desktop.setBusy(true);
-    const int n = ui.SelMap->count() - 1;
+    const int n = m_selected->count() - 1;
     {
-        const QSignalBlocker blocker(ui.SelMap);
+        const QScopedValueRollback quiet(m_quiet, true);
         std::uniform_real_distribution<double> uniform(0.0, 1.0);
         for (int pass = 0; pass < 100; ++pass) {
             std::mt19937_64 generator = seededFromTimeOfDay();
@@ -372,14 +413,14 @@ void MapSelection::cmdRandomize() {
             // src from 1 to n, dst from 0 to n - 1.
             const int src = qMin(int(r1 * n), n - 1) + 1;
             const int dst = qMin(int(r2 * n), n - 1);
-            ui.SelMap->insertItem(dst, ui.SelMap->takeItem(src));
+            m_selected->move(src, dst);
         }
     }
     m_app.platform.desktop.setBusy(false);
 }
 
 int MapSelection::CountSelectedMaps() const {
-    return int(ui.MapList->selectedItems().size());
+    return int(highlightedRows(*ui.MapList).size());
 }
 
 void MapSelection::prepareMapListMenu() {
@@ -406,14 +447,13 @@ void MapSelection::suggestMaps(int gameTypeIndex) {
     } else {
         return;
     }
-    std::vector<bool> highlighted(size_t(ui.MapList->count()), false);
+    const QStringList& names = m_available->names();
+    std::vector<bool> highlighted(size_t(names.size()), false);
     for (int row : highlightedRows(*ui.MapList))
         highlighted[size_t(row)] = true;
     bool differs = false;
-    for (int i = 0; i < ui.MapList->count() && !differs; ++i) {
-        differs =
-            ui.MapList->item(i)->text().contains(mark, Qt::CaseSensitive) != highlighted[size_t(i)];
-    }
+    for (qsizetype i = 0; i < names.size() && !differs; ++i)
+        differs = names[i].contains(mark, Qt::CaseSensitive) != highlighted[size_t(i)];
     if (!differs || !m_app.platform.messages.askYesNo(title, text, MsgIcon::Question))
         return;
     cmdMapClearAll();

@@ -4,6 +4,8 @@
 #include <QStringList>
 #include <functional>
 
+class QAbstractItemView;
+
 namespace Ui {
 class frmMain;
 }
@@ -13,13 +15,15 @@ namespace halvane {
 struct AppContext;
 class GameFiles;
 class MapCatalogue;
+class MapNameList;
 class MapPreview;
 class MapRulesPanel;
 
 // The two map lists of the Maps tab: the available maps (MapList) and the
 // selected maps in play order (SelMap), the buttons between them, the
-// popup menu of MapList and the selection file mapsel.txt. Maps the game
-// does not have are marked in both lists, as gameFiles says.
+// popup menu of MapList and the selection file mapsel.txt. Both lists are
+// views over a MapNameList; maps the game does not have are marked in both,
+// as gameFiles says.
 class MapSelection : public QObject {
     Q_OBJECT
 public:
@@ -37,6 +41,13 @@ public:
     // Puts these maps in the selected list, in this order, as a profile
     // holds them; returns those the catalogue does not know, left out.
     QStringList setSelectedMaps(const QStringList& maps);
+    // The entries of MapList and SelMap.
+    MapNameList& available() { return *m_available; }
+    MapNameList& selected() { return *m_selected; }
+    // The row of MapList's focused (current) entry, -1 when none.
+    int availableCurrentRow() const;
+    // The game's files were listed anew: both lists mark their entries again.
+    void marksChanged();
 
     void cmdAddSelMap();
     void cmdRemSelMap();
@@ -72,6 +83,11 @@ protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
+    // Makes row the only highlighted and current entry of list, quietly.
+    void highlight(QAbstractItemView& list, int row);
+    // A click on the entry that is already current changes no row: it is
+    // chosen again unless it is the entry whose choice shows the map now.
+    void clicked(QAbstractItemView& list, int row);
     void mapListChosen(int row);
     void selMapChosen(int row);
     void addByType(const QString& text);
@@ -85,6 +101,18 @@ private:
     AppContext& m_app;
     MapRulesPanel& m_rules;
     MapPreview& m_preview;
+    MapNameList* m_available;
+    MapNameList* m_selected;
+    // Set while the lists change under the program's hand: their current
+    // entry may move without being chosen.
+    bool m_quiet = false;
+    // The entry whose choice shows the map now; forgotten when its list's
+    // rows change or another record is shown.
+    struct Shown {
+        const QAbstractItemView* list = nullptr;
+        int row = -1;
+        int record = -1;
+    } m_shown;
 };
 
 } // namespace halvane

@@ -37,8 +37,7 @@ MapsController::MapsController(QWidget& mainWindow, Ui::frmMain& ui, AppContext&
     });
     // The lists ask for the marks as they paint the entries in view.
     connect(m_gameFiles.get(), &GameFileListing::listed, this, [this] {
-        this->ui.MapList->viewport()->update();
-        this->ui.SelMap->viewport()->update();
+        m_selection->marksChanged();
         m_preview->refresh();
     });
     connect(ui.cmdDefault, &QAbstractButton::clicked, this, [this] { m_rules->cmdDefault(); });

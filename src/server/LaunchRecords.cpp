@@ -45,6 +45,8 @@ QJsonObject toJson(const LaunchRecord& r) {
     o.insert(QStringLiteral("lastMonitorRestart"), timeText(r.lastMonitorRestart));
     o.insert(QStringLiteral("ended"), timeText(r.ended));
     o.insert(QStringLiteral("endReason"), r.endReason);
+    if (r.added)
+        o.insert(QStringLiteral("added"), true);
     return o;
 }
 
@@ -78,12 +80,24 @@ QString fromJson(const QByteArray& line, LaunchRecord& r) {
     r.lastMonitorRestart = timeOf(o.value(QStringLiteral("lastMonitorRestart")));
     r.ended = timeOf(o.value(QStringLiteral("ended")));
     r.endReason = o.value(QStringLiteral("endReason")).toString();
+    r.added = o.value(QStringLiteral("added")).toBool();
     if (r.id.isEmpty())
         return QStringLiteral("no id");
-    if (!pidOk || r.pid <= 0 || !startOk)
+    if (r.added) {
+        // Nothing of ours runs for it.
+        r.pid = r.processStart = 0;
+        r.program.clear();
+        r.arguments.clear();
+        r.logFile.clear();
+        r.monitor = false;
+        r.ended = QDateTime();
+        if (r.address.isEmpty())
+            return QStringLiteral("no address");
+    } else if (!pidOk || r.pid <= 0 || !startOk) {
         return QStringLiteral("no process id");
-    if (r.program.isEmpty())
+    } else if (r.program.isEmpty()) {
         return QStringLiteral("no program");
+    }
     if (port <= 0 || port > 65535)
         return QStringLiteral("no port");
     if (!r.started.isValid())

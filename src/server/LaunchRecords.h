@@ -9,7 +9,8 @@
 namespace halvane {
 
 // What one launch started, kept in the user's state folder so that a later
-// run of the program finds the server again.
+// run of the program finds the server again; or a server on another host
+// that the operator added, which has no process, program or log of ours.
 struct LaunchRecord {
     QString id; // stays the same across restarts
     qint64 pid = 0;
@@ -33,6 +34,7 @@ struct LaunchRecord {
     QDateTime lastMonitorRestart;
     QDateTime ended; // invalid while it runs
     QString endReason;
+    bool added = false; // by the operator, by its address
 
     bool running() const { return !ended.isValid(); }
 };

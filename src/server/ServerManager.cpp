@@ -3,6 +3,7 @@
 #include "app/AppContext.h"
 
 #include <QDir>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <algorithm>
@@ -21,8 +22,8 @@ QString serverId(const QDateTime& started, qint64 pid) {
 }
 } // namespace
 
-ServerManager::ServerManager(AppContext& app, QObject* parent)
-    : QObject(parent), m_app(app),
+ServerManager::ServerManager(AppContext& app, QObject* parent, Role role)
+    : QObject(parent), m_app(app), m_role(role),
       m_file(app.platform.folder.stateFolder() + QStringLiteral("/servers.jsonl")) {
     m_tick.setInterval(RefreshMs);
     connect(&m_tick, &QTimer::timeout, this, &ServerManager::refresh);
@@ -46,7 +47,7 @@ void ServerManager::load() {
     for (const LaunchRecord& record : loaded.records) {
         m_servers.append({record, {}});
         ServerEntry& server = m_servers.last();
-        if (record.running() && !alive(record)) {
+        if (record.running() && !record.added && !alive(record)) {
             processEnded(server, QStringLiteral("ended while Halvane was not running"), true);
             changed = true;
         }
@@ -144,6 +145,44 @@ StartResult ServerManager::launch(const QString& program, const QStringList& arg
     return started;
 }
 
+QString ServerManager::add(const QString& address, const QString& port,
+                           const QString& rconPassword) {
+    load();
+    const auto number = parseIpv4(address);
+    if (!number || *number == 0)
+        return QStringLiteral("The address must be a numeric IPv4 address, such as 192.0.2.10");
+    bool portOk = false;
+    const uint portNumber = port.trimmed().toUInt(&portOk);
+    if (!portOk || portNumber == 0 || portNumber > 65535)
+        return QStringLiteral("The port must be a number from 1 to 65535");
+    for (const QChar c : rconPassword) {
+        if (c.isSpace() || c.unicode() < 0x20 || c.unicode() > 0xff)
+            return QStringLiteral("The console password cannot hold blanks, control characters "
+                                  "or characters beyond Latin-1");
+    }
+    for (const ServerEntry& server : std::as_const(m_servers)) {
+        if (server.record.running() && addressOf(server.record) == number &&
+            server.record.port == portNumber)
+            return QStringLiteral("%1:%2 is listed already")
+                .arg(server.record.address)
+                .arg(portNumber);
+    }
+    LaunchRecord record;
+    record.added = true;
+    record.address = address.trimmed();
+    record.port = quint16(portNumber);
+    record.rconPassword = rconPassword;
+    record.started = QDateTime::currentDateTime();
+    record.id = QStringLiteral("added-") + serverId(record.started, m_servers.size());
+    m_servers.prepend({record, {}});
+    save();
+    m_tick.start();
+    emit listChanged();
+    if (polled(m_servers.first()))
+        query(m_servers.first());
+    return QString();
+}
+
 bool ServerManager::startProcess(ServerEntry& server) {
     LaunchRecord& r = server.record;
     const QString log = newLogFile(r.port);
@@ -176,7 +215,7 @@ void ServerManager::processEnded(ServerEntry& server, const QString& reason, boo
     server.live.silentSince = QDateTime();
     server.live.unanswered = 0;
     server.live.stopping = ServerLive::Stopping::No;
-    if (!mayRestart || !server.record.monitor)
+    if (!mayRestart || !server.record.monitor || m_role == Role::Look)
         return;
     if (server.quickEnds > QuickEndsAllowed) {
         server.live.problem = QStringLiteral("Not restarted: it ended within %1 seconds of its "
@@ -214,13 +253,13 @@ void ServerManager::refresh() {
     for (ServerEntry& server : m_servers) {
         if (!server.record.running() || server.live.stopping != ServerLive::Stopping::No)
             continue;
-        if (!alive(server.record)) {
+        if (!server.record.added && !alive(server.record)) {
             processEnded(server, QStringLiteral("ended without a Stop"), true);
             changed = true;
             emit serverChanged(server.record.id);
             continue;
         }
-        if (server.record.monitor && server.live.silentSince.isValid() &&
+        if (server.record.monitor && m_role == Role::Steer && server.live.silentSince.isValid() &&
             server.live.silentSince.secsTo(now) >= SilenceLimitSecs) {
             server.live.problem =
                 QStringLiteral("No answer for %1 seconds: restarting").arg(SilenceLimitSecs);
@@ -444,7 +483,8 @@ void ServerManager::kick(const QString& id, const QString& playerName, AnswerHan
 
 void ServerManager::stop(const QString& id) {
     ServerEntry* server = entry(id);
-    if (!server || !server->record.running() || server->live.stopping != ServerLive::Stopping::No)
+    if (!server || server->record.added || !server->record.running() ||
+        server->live.stopping != ServerLive::Stopping::No)
         return;
     server->live.stopping = ServerLive::Stopping::Operator;
     server->live.stopAsked = QDateTime::currentDateTime();
@@ -473,7 +513,7 @@ void ServerManager::stop(const QString& id) {
 
 void ServerManager::restart(const QString& id) {
     ServerEntry* server = entry(id);
-    if (!server || server->live.stopping != ServerLive::Stopping::No)
+    if (!server || server->record.added || server->live.stopping != ServerLive::Stopping::No)
         return;
     if (server->record.running() && alive(server->record)) {
         stop(id);
@@ -531,7 +571,7 @@ void ServerManager::finishStop(ServerEntry& server) {
 
 void ServerManager::setMonitor(const QString& id, bool on) {
     ServerEntry* server = entry(id);
-    if (!server || server->record.monitor == on)
+    if (!server || server->record.added || server->record.monitor == on)
         return;
     server->record.monitor = on;
     save();
@@ -539,6 +579,8 @@ void ServerManager::setMonitor(const QString& id, bool on) {
 }
 
 void ServerManager::save() {
+    if (m_role == Role::Look)
+        return;
     // Running servers, and the last ones that ended.
     QList<LaunchRecord> kept;
     int ended = 0;
@@ -552,6 +594,24 @@ void ServerManager::save() {
                             .arg(QDir::toNativeSeparators(m_file.path()), error);
     else if (m_fileProblem.startsWith(QLatin1String("Could not write")))
         m_fileProblem.clear();
+}
+
+QList<ServerEntry> listServers(AppContext& app, int waitMs) {
+    ServerManager manager(app, nullptr, ServerManager::Role::Look);
+    QEventLoop loop;
+    const auto allAnswered = [&manager] {
+        return std::none_of(manager.servers().cbegin(), manager.servers().cend(),
+                            [](const ServerEntry& server) { return server.live.unanswered > 0; });
+    };
+    QObject::connect(&manager, &ServerManager::serverChanged, &loop, [&] {
+        if (allAnswered())
+            loop.quit();
+    });
+    QTimer::singleShot(waitMs, &loop, &QEventLoop::quit);
+    manager.setWatched(true); // a query to every one that runs
+    if (!allAnswered())
+        loop.exec();
+    return manager.servers();
 }
 
 } // namespace halvane

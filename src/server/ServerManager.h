@@ -37,13 +37,17 @@ struct ServerEntry {
     int quickEnds = 0; // ends soon after a start, one after another
 };
 
-// The servers this program started: their records in the user's state
-// folder, their status over UDP, the monitor that restarts them, and the
-// operator's actions. Everything runs on the window's thread without
-// waiting: answers arrive as the socket's events.
+// The servers this program started and those the operator added by their
+// address: their records in the user's state folder, their status over UDP,
+// the monitor that restarts them, and the operator's actions. Everything
+// runs on the window's thread without waiting: answers arrive as the
+// socket's events.
 class ServerManager : public QObject {
     Q_OBJECT
 public:
+    // Look only queries: nothing is restarted and the state file is not
+    // written.
+    enum class Role { Steer, Look };
     static constexpr int RefreshMs = 2000;
     static constexpr int SilenceLimitSecs = 60;
     static constexpr int AskGraceSecs = 5;   // after rcon quit, the process is asked to end
@@ -67,7 +71,7 @@ public:
         int largestPass = 0;  // datagrams read in one pass, at most
     };
 
-    explicit ServerManager(AppContext& app, QObject* parent = nullptr);
+    explicit ServerManager(AppContext& app, QObject* parent = nullptr, Role role = Role::Steer);
     ~ServerManager() override;
 
     // Reads the state file once; later calls do nothing.
@@ -83,6 +87,11 @@ public:
                        const QString& commandLine, const QString& address, const QString& port,
                        const QString& rconPassword, const QString& scriptFolder = {},
                        const QString& profile = {});
+
+    // A server on another host (or one started otherwise): status, players
+    // and console, nothing of its process. Empty when added, otherwise why
+    // not, as one line.
+    QString add(const QString& address, const QString& port, const QString& rconPassword);
 
     using AnswerHandler = std::function<void(const protocol::RconAnswer&)>;
     void rcon(const QString& id, const QString& command, AnswerHandler done);
@@ -131,6 +140,7 @@ private:
     static std::optional<quint32> addressOf(const LaunchRecord& record);
 
     AppContext& m_app;
+    Role m_role;
     LaunchRecordFile m_file;
     QList<ServerEntry> m_servers;
     bool m_loaded = false;
@@ -143,5 +153,10 @@ private:
     std::map<QString, std::deque<Exchange>> m_exchanges;
     std::map<QString, std::unique_ptr<QTimer>> m_exchangeTimers;
 };
+
+// Every server of the state file, started and added, with its status as far
+// as one query is answered within waitMs. No window: an application object
+// and its event loop are enough. Nothing is started, restarted or written.
+QList<ServerEntry> listServers(AppContext& app, int waitMs = 1500);
 
 } // namespace halvane

@@ -1,6 +1,7 @@
 #include "server/ServerWindow.h"
 
 #include "platform/Shell.h"
+#include "server/AddServerDialog.h"
 #include "server/ServerManager.h"
 #include "server/ServerProtocol.h"
 #include "ui/Accessibility.h"
@@ -42,7 +43,9 @@ QString stateText(const ServerEntry& server) {
         return QStringLiteral("stopping");
     if (server.live.unanswered >= 2)
         return QStringLiteral("not answering since %1").arg(clock(server.live.silentSince));
-    return server.live.status ? QStringLiteral("running") : QStringLiteral("starting");
+    if (!server.live.status)
+        return r.added ? QStringLiteral("asking") : QStringLiteral("starting");
+    return QStringLiteral("running");
 }
 } // namespace
 
@@ -56,11 +59,6 @@ ServerWindow::ServerWindow(ServerManager& manager, Shell& shell, QWidget* owner)
     ui->txtLog->setFont(fixed);
     ui->cmbCommand->setMaxCount(HistorySize);
     ui->cmbCommand->lineEdit()->setMaxLength(1000); // the engine takes no longer command
-    ui->cmdStop->setToolTip(QStringLiteral("Stops the chosen server"));
-    ui->cmdRestart->setToolTip(QStringLiteral("Stops the chosen server and starts it again with "
-                                              "the same command line"));
-    ui->chkMonitor->setToolTip(QStringLiteral("Starts the server again when it ends without a "
-                                              "Stop, or does not answer for a minute"));
     ui->cmdOpenLog->setToolTip(QStringLiteral("Opens the whole log file"));
     nameControls(*this);
     connect(ui->lstServers, &QTreeWidget::currentItemChanged, this, [this] {
@@ -69,11 +67,21 @@ ServerWindow::ServerWindow(ServerManager& manager, Shell& shell, QWidget* owner)
         m_tail.follow(server ? server->record.logFile : QString());
         m_logProblem.clear();
         ui->txtLog->clear();
+        if (server && server->record.added)
+            ui->txtLog->setPlainText(QStringLiteral("Halvane did not start this server: its log "
+                                                    "is kept where it runs."));
         readLog();
         showDetails();
     });
     connect(&m_manager, &ServerManager::listChanged, this, &ServerWindow::rebuildList);
     connect(&m_manager, &ServerManager::serverChanged, this, &ServerWindow::updateRow);
+    ui->cmdAddServer->setToolTip(QStringLiteral("Adds a server that Halvane did not start, on "
+                                                "this host or another, by its address"));
+    connect(ui->cmdAddServer, &QPushButton::clicked, this, [this] {
+        auto* dialog = new AddServerDialog(m_manager, this);
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        dialog->open();
+    });
     connect(ui->cmdStop, &QPushButton::clicked, this, [this] { m_manager.stop(currentId()); });
     connect(ui->cmdRestart, &QPushButton::clicked, this,
             [this] { m_manager.restart(currentId()); });
@@ -166,8 +174,9 @@ void ServerWindow::fillRow(QTreeWidgetItem& item, const ServerEntry& server) con
                                        .arg(status->players.size())
                                        .arg(cutForDisplay(status->value("sv_maxclients"), 8))
                                  : QString());
-    item.setText(Uptime, r.running() ? duration(r.started.secsTo(QDateTime::currentDateTime()))
-                                     : QString());
+    item.setText(Uptime, r.added       ? QStringLiteral("added")
+                         : r.running() ? duration(r.started.secsTo(QDateTime::currentDateTime()))
+                                       : QString());
     item.setText(State, stateText(server));
     const QBrush ink =
         palette().brush(r.running() ? QPalette::Active : QPalette::Disabled, QPalette::Text);
@@ -179,10 +188,24 @@ void ServerWindow::showDetails() {
     const ServerEntry* server = m_manager.find(currentId());
     const bool running = server && server->record.running();
     const bool settled = running && server->live.stopping == ServerLive::Stopping::No;
-    const QString rconProblem =
+    const bool added = server && server->record.added;
+    QString rconProblem =
         server ? protocol::rconPasswordProblem(server->record.rconPassword) : QString();
-    ui->cmdStop->setEnabled(settled);
-    ui->cmdRestart->setEnabled(server && server->live.stopping == ServerLive::Stopping::No);
+    if (added && !rconProblem.isEmpty())
+        rconProblem = QStringLiteral("Add the server again with its console password to use this");
+    ui->cmdStop->setEnabled(settled && !added);
+    ui->cmdRestart->setEnabled(server && !added &&
+                               server->live.stopping == ServerLive::Stopping::No);
+    // Halvane has no process of a server it did not start.
+    const QString notOurs = QStringLiteral("Not available for a server that Halvane did not start");
+    ui->cmdStop->setToolTip(added ? notOurs : QStringLiteral("Stops the chosen server"));
+    ui->cmdRestart->setToolTip(added ? notOurs
+                                     : QStringLiteral("Stops the chosen server and starts it "
+                                                      "again with the same command line"));
+    ui->chkMonitor->setToolTip(added ? notOurs
+                                     : QStringLiteral("Starts the server again when it ends "
+                                                      "without a Stop, or does not answer for a "
+                                                      "minute"));
     const std::pair<QWidget*, const char*> rconControls[] = {
         {ui->cmdNextMap, "Goes on to the next map of the rotation"},
         {ui->cmdKick, "Removes the chosen player from the server"},
@@ -197,7 +220,7 @@ void ServerWindow::showDetails() {
         const QSignalBlocker blocker(ui->chkMonitor);
         ui->chkMonitor->setChecked(server && server->record.monitor);
     }
-    ui->chkMonitor->setEnabled(server != nullptr);
+    ui->chkMonitor->setEnabled(server != nullptr && !added);
     const int restarts = server ? server->record.monitorRestarts : 0;
     ui->lblMonitor->setText(
         restarts > 0 ? QStringLiteral("Restarted %1 %2, last at %3")
@@ -250,6 +273,8 @@ void ServerWindow::everySecond() {
 }
 
 void ServerWindow::readLog() {
+    if (const ServerEntry* server = m_manager.find(currentId()); server && server->record.added)
+        return;
     QString problem;
     const QStringList lines = m_tail.readNew(&problem);
     if (!problem.isEmpty()) {

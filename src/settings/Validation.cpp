@@ -195,7 +195,7 @@ void Validation::focusBox(QWidget* box) {
     box->setFocus();
 }
 
-QWidget* Validation::unsafeBox(QString& message) const {
+QWidget* Validation::unsafeBox(QString& message, bool commandLineToo) const {
     using P = ConsolePlace;
     struct Written {
         QWidget* box;
@@ -251,7 +251,8 @@ QWidget* Validation::unsafeBox(QString& message) const {
         line(ui.txtAdminURL, P::CommandLine),
     };
     for (const Written& value : values) {
-        if (!value.written)
+        if (!value.written ||
+            (!commandLineToo && (value.place == P::CommandLine || value.place == P::Parameters)))
             continue;
         const QString caption = value.box->accessibleName().isEmpty() ? value.box->objectName()
                                                                       : value.box->accessibleName();
@@ -262,9 +263,9 @@ QWidget* Validation::unsafeBox(QString& message) const {
     return nullptr;
 }
 
-bool Validation::consoleTextIsSafe() {
+bool Validation::consoleTextIsSafe(bool commandLineToo) {
     QString message;
-    QWidget* box = unsafeBox(message);
+    QWidget* box = unsafeBox(message, commandLineToo);
     if (!box)
         return true;
     m_app.platform.messages.tell(QStringLiteral("Warning!"), message, MsgIcon::Critical);

@@ -39,8 +39,10 @@ public:
     // Refuses a value that the game would split into another command where
     // it is written (halvane.cfg, the rotation lines, the command line): the
     // message names the box and the character, and the box gets the focus.
-    // True when every value written now is safe.
-    bool consoleTextIsSafe();
+    // True when every value written now is safe. Without the command line
+    // only what goes into the scripts is checked (a configuration saved
+    // under another name).
+    bool consoleTextIsSafe(bool commandLineToo = true);
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
@@ -52,7 +54,7 @@ private:
     // Shows the box's tab and puts the focus into the box with its text selected.
     void focusBox(QWidget* box);
     // The first box whose text would break out of its place; message says why.
-    QWidget* unsafeBox(QString& message) const;
+    QWidget* unsafeBox(QString& message, bool commandLineToo = true) const;
     // Text placed into a numeric box by pasting or the context menu keeps its digits.
     void keepDigits(QLineEdit* box);
     bool refuseKey(QObject* watched, QEvent* event);

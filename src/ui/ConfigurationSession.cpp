@@ -113,8 +113,7 @@ bool ConfigurationSession::launch(const QString& scriptFolder, ServerManager* ma
                                    m_app.state.ScriptFolder, m_profileName);
         };
     }
-    launch.cmdStart();
-    return launch.ServerTaskID != 0;
+    return launch.cmdStart();
 }
 
 qint64 ConfigurationSession::taskId() const {

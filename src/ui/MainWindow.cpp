@@ -6,9 +6,11 @@
 #include "bots/RandomSource.h"
 #include "config/ConfigController.h"
 #include "config/ConfigFileCommands.h"
+#include "export/ServerExport.h"
 #include "launch/LaunchController.h"
 #include "launch/ParameterMemory.h"
 #include "maps/MapCatalogue.h"
+#include "maps/MapDiscovery.h"
 #include "maps/MapsController.h"
 #include "profiles/Profile.h"
 #include "server/ServerControl.h"
@@ -104,6 +106,7 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
     };
     m_configCommands = std::make_unique<ConfigFileCommands>(
         *ui, m_app, [this] { return m_validation->ValidateAll(); }, writeConfig);
+    m_configCommands->consoleTextIsSafe = [this] { return m_validation->consoleTextIsSafe(false); };
     LaunchHooks launchHooks;
     launchHooks.saveParameterList = [this] { m_parameters->saveParameterList(); };
     launchHooks.loadParameterList = [this] { m_parameters->loadParameterList(); };
@@ -112,14 +115,13 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
     launchHooks.MakeBotScript = [this] { m_config->MakeBotScript(); };
     launchHooks.WriteConfig = writeConfig;
     m_launch = std::make_unique<LaunchController>(*ui, m_app, *this, launchHooks);
-    if (m_role == WindowRole::Main) {
+    if (m_role == WindowRole::Main)
         m_servers = std::make_unique<ServerControl>(*this, *ui, m_app, *m_launch);
-        m_profiles = std::make_unique<ProfileCommands>(*this, m_app, *m_servers);
-    } else {
-        // Its launches leave the operator's window as it is.
-        m_launch->windowFollowsStart = false;
+    else
         SkipSaveOnClose = true;
-    }
+    m_export = std::make_unique<ServerExport>(*this, m_app);
+    if (m_role == WindowRole::Main)
+        m_profiles = std::make_unique<ProfileCommands>(*this, m_app, *m_servers);
 
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
     connect(ui->cmdSetPath, &QAbstractButton::clicked, this, &MainWindow::cmdSetPath);
@@ -148,6 +150,20 @@ void MainWindow::connectMenus() {
 
 void MainWindow::start() {
     m_pathDialog->load();
+}
+
+bool MainWindow::loadWithoutWindow() {
+    if (!PathDialog::readStoredLocation(m_app.state, m_app.platform.store))
+        return false;
+    // The archive search is the window's, with its progress shown; loose
+    // maps and the import list are still taken in as at every start.
+    m_maps->discovery().searchAtStartup = [] { return false; };
+    load();
+    // On the first tab, as the window shows itself: the tab's frame rules
+    // decide what a write takes, so a command writes what the window would
+    // right after its start.
+    ui->SSTab1->setCurrentIndex(0);
+    return !m_ended;
 }
 
 void MainWindow::showMainWindow() {

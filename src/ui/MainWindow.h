@@ -29,6 +29,7 @@ class TipLine;
 class TabFrames;
 class HelpMenu;
 class ServerControl;
+class ServerExport;
 class Validation;
 class ProfileCommands;
 struct Profile;
@@ -48,6 +49,10 @@ public:
 
     // Runs the first window of the program: the path dialog.
     void start();
+    // The start of the command line: the stored game location and the same
+    // load as a start, with no path dialog and no archive search; the window
+    // is never shown. False when no usable game location is stored.
+    bool loadWithoutWindow();
 
     void showMainWindow() override;
     void endProgram() override;
@@ -71,6 +76,7 @@ public:
     ServerControl& servers() { return *m_servers; }
     ProfileCommands& profiles() { return *m_profiles; }
     WindowRole role() const { return m_role; }
+    ServerExport& serverExport() { return *m_export; }
     bool isLoaded() const { return m_loaded; }
     bool hasEnded() const { return m_ended; }
 
@@ -129,6 +135,7 @@ private:
     std::unique_ptr<LaunchController> m_launch;
     std::unique_ptr<ServerControl> m_servers;
     std::unique_ptr<ProfileCommands> m_profiles;
+    std::unique_ptr<ServerExport> m_export;
     bool m_loaded = false;
     bool m_unloaded = false;
     bool m_ended = false;

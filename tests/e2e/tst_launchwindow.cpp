@@ -67,9 +67,9 @@ QSet<QString> addedBots(const QString& path) {
 }
 
 void chooseMap(Ui::frmMain& ui, const QString& name, const QString& time, const QString& frag) {
-    const QList<QListWidgetItem*> found = ui.SelMap->findItems(name, Qt::MatchExactly);
-    QVERIFY2(found.size() == 1, qPrintable(name));
-    ui.SelMap->setCurrentItem(found.first());
+    const qsizetype row = test::entries(ui.SelMap).indexOf(name);
+    QVERIFY2(row >= 0, qPrintable(name));
+    test::clickEntry(ui.SelMap, int(row));
     ui.txtMapTimeLimit->setText(time);
     ui.txtMapFragLimit->setText(frag);
 }
@@ -98,25 +98,32 @@ struct Operator {
     Ui::frmMain& ui() { return window->form(); }
     void openHalvane() {
         window = std::make_unique<MainWindow>(app);
+        window->pathDialog().freeGameFolder = game; // the free game itself is Debian's
         window->start();
     }
     // Sets everything up, presses "Launch the Server" and reads the bot sets.
-    void launch();
+    // The game is the free game: a game folder made over it and chosen with
+    // Browse, or set up by the path dialog's button, as a new user would.
+    void launch(bool freeGameButton = false);
     QSet<QString> firstBots, secondBots; // of the two maps
 };
 
-void Operator::launch() {
-    const QString built = buildGameFolder(game);
-    QVERIFY2(built.isEmpty(), qPrintable(built));
-    // The free game's maps, named for import at start-up, and a bot list of
-    // the free game's bots, as the operator would edit it.
-    platform.writeFile(platform.programFolder() + "/maplist.txt", "oa_dm1\r\noa_dm2\r\n");
+void Operator::launch(bool freeGameButton) {
+    // A bot list of the free game's bots, as the operator would edit it.
     platform.writeFile(platform.programFolder() + "/botlist.txt",
                        "Sarge\r\nMajor\r\nGrism\r\nKyonshi\r\nGargoyle\r\n");
-    platform.dialogs.choices = {{true, game + "/quake3.exe", "quake3.exe"}};
+    if (!freeGameButton) {
+        const QString built = buildGameFolder(game);
+        QVERIFY2(built.isEmpty(), qPrintable(built));
+        // The free game's maps, named for import at start-up.
+        platform.writeFile(platform.programFolder() + "/maplist.txt", "oa_dm1\r\noa_dm2\r\n");
+        platform.dialogs.choices = {{true, game + "/quake3.exe", "quake3.exe"}};
+    }
     openHalvane();
     QVERIFY(window->pathDialog().isVisible());
-    window->pathDialog().form().cmdBrowse->click();
+    QAbstractButton* button = window->pathDialog().form().cmdFreeGame;
+    QVERIFY(button->isVisible());
+    (freeGameButton ? button : window->pathDialog().form().cmdBrowse)->click();
     window->pathDialog().form().cmdOkay->click();
     QVERIFY(window->isVisible());
     QVERIFY2(platform.messages.shown.isEmpty(), qPrintable(test::onlyMessage(platform.messages)));
@@ -138,11 +145,12 @@ void Operator::launch() {
 
     ui.MapList->clearSelection();
     for (const char* map : {"oa_dm1", "oa_dm2"}) {
-        const QList<QListWidgetItem*> found = ui.MapList->findItems(map, Qt::MatchExactly);
-        QVERIFY2(found.size() == 1, map);
-        found.first()->setSelected(true);
+        const qsizetype row = test::entries(ui.MapList).indexOf(map);
+        QVERIFY2(row >= 0, map);
+        test::clickEntry(ui.MapList, int(row), Qt::ControlModifier);
     }
-    ui.cmdAddSelMap->click();
+    if (!freeGameButton) // which chose the free game's first maps already
+        ui.cmdAddSelMap->click();
     chooseMap(ui, "oa_dm2", "30", "70");
     chooseMap(ui, "oa_dm1", "25", "60");
     ui.txtNetIP->setText("127.0.0.1");
@@ -241,11 +249,12 @@ void TestLaunchWindow::operatorLaunchesTwoServers() {
     QTRY_VERIFY_WITH_TIMEOUT(!window.launch().ServerRunning(), 5000);
 }
 
-// The launched server seen and steered from the server window, kept alive
+// A new user's server, the free game set up by the path dialog's button,
+// seen and steered from the server window, kept alive
 // by the monitor, and found again by the next run of the program.
 void TestLaunchWindow::serverWindowSteersTheServer() {
     Operator op;
-    op.launch();
+    op.launch(true);
     if (QTest::currentTestFailed())
         return;
     const QSet<QString>&firstBots = op.firstBots, &secondBots = op.secondBots;
@@ -363,7 +372,8 @@ void TestLaunchWindow::profilesRunSideBySide() {
         ui.cmdMapClearAll->click();
         ui.MapList->clearSelection();
         for (const QString& map : side.maps)
-            ui.MapList->findItems(map, Qt::MatchExactly).value(0)->setSelected(true);
+            test::clickEntry(ui.MapList, int(test::entries(ui.MapList).indexOf(map)),
+                             Qt::ControlModifier);
         ui.cmdAddSelMap->click();
         prompts.answers = {side.name};
         op.window->findChild<QAction*>("mnuProfileSave")->trigger();

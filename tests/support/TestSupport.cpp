@@ -7,6 +7,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QTabWidget>
 
 namespace halvane::test {
 
@@ -157,6 +158,28 @@ QByteArray catalogueOf(const QStringList& files) {
         bytes.append(makeMapRecord(display, file, MapRules::builtIn()).bytes(), MapRecord::Size);
     }
     return bytes;
+}
+
+QStringList entries(const QAbstractItemView* list) {
+    QStringList texts;
+    for (int row = 0; row < list->model()->rowCount(); ++row)
+        texts.append(list->model()->index(row, 0).data().toString());
+    return texts;
+}
+
+void clickEntry(QAbstractItemView* list, int row, Qt::KeyboardModifiers modifiers,
+                Qt::MouseButton button) {
+    // The tab pages that hold the list come to the front, as the operator
+    // turns to them before a click.
+    for (QWidget* page = list; page; page = page->parentWidget()) {
+        for (QWidget* up = page->parentWidget(); up; up = up->parentWidget()) {
+            if (auto* tabs = qobject_cast<QTabWidget*>(up); tabs && tabs->indexOf(page) >= 0)
+                tabs->setCurrentWidget(page);
+        }
+    }
+    const QModelIndex index = list->model()->index(row, 0);
+    list->scrollTo(index);
+    QTest::mouseClick(list->viewport(), button, modifiers, list->visualRect(index).center());
 }
 
 } // namespace halvane::test

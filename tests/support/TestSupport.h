@@ -6,6 +6,7 @@
 #include "ui/FirstRun.h"
 #include "ui/MainWindow.h"
 
+#include <QAbstractItemView>
 #include <QByteArray>
 #include <QHash>
 #include <QStringList>
@@ -119,5 +120,12 @@ QString golden(const QString& name);
 // A map catalogue file of records with these file names ("" for a deleted
 // slot), display names "Name of <file>" and the built-in rules.
 QByteArray catalogueOf(const QStringList& files);
+
+// The texts of a list's entries, in order.
+QStringList entries(const QAbstractItemView* list);
+// A click on a list's entry as the operator makes it: scrolled into view,
+// pressed and released on the viewport at the entry.
+void clickEntry(QAbstractItemView* list, int row, Qt::KeyboardModifiers modifiers = {},
+                Qt::MouseButton button = Qt::LeftButton);
 
 } // namespace halvane::test

@@ -1,0 +1,334 @@
+// The command line as a script or a service manager runs it: the real
+// executable, with no display variables, on a settings file and game folder
+// of its own. What it writes is compared with the window's own writes; what
+// it starts and exports is checked against the real dedicated server.
+#include "RealServer.h"
+#include "TestSupport.h"
+
+#include "config/ConfigFileCommands.h"
+#include "export/ExportFiles.h"
+#include "maps/MapSelectionFile.h"
+#include "ui_frmMain.h"
+
+#include <QAction>
+#include <QDirIterator>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QtTest>
+#include <csignal>
+
+using namespace halvane;
+using namespace halvane::e2e;
+using namespace std::chrono_literals;
+
+namespace {
+
+struct Result {
+    int code = -1;
+    QString out, err;
+};
+
+// The executable copied into the test's program folder (its own files lie
+// beside it) and run with a home of the test's, on the stored settings of
+// the test's INI file.
+struct CommandLine {
+    test::TestPlatform& platform;
+    explicit CommandLine(test::TestPlatform& p) : platform(p) {
+        QFile::copy(HALVANE_BIN_DIR "/halvane", platform.programFolder() + "/halvane");
+    }
+    Result run(const QStringList& arguments) {
+        platform.ini->flush();
+        const QString config = platform.root() + "/config/Halvane/Halvane.ini";
+        QFile::remove(config);
+        QDir().mkpath(platform.root() + "/config/Halvane");
+        QFile::copy(platform.iniPath(), config);
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+            env.remove(name);
+        env.insert("HOME", platform.root() + "/home");
+        env.insert("XDG_CONFIG_HOME", platform.root() + "/config");
+        env.insert("XDG_STATE_HOME", platform.root() + "/xdgstate");
+        env.insert("XDG_DATA_HOME", platform.root() + "/data");
+        env.insert("XDG_RUNTIME_DIR", platform.root() + "/run");
+        QDir().mkpath(platform.root() + "/run");
+        QFile::setPermissions(platform.root() + "/run", QFileDevice::ReadOwner |
+                                                            QFileDevice::WriteOwner |
+                                                            QFileDevice::ExeOwner);
+        QProcess process;
+        process.setProcessEnvironment(env);
+        process.setWorkingDirectory(platform.root());
+        process.start(platform.programFolder() + "/halvane", arguments);
+        process.waitForFinished(120000);
+        return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+                QString::fromUtf8(process.readAllStandardOutput()),
+                QString::fromUtf8(process.readAllStandardError())};
+    }
+};
+
+// Every file below a folder, by relative path, and its bytes.
+QMap<QString, QByteArray> filesBelow(const QString& folder) {
+    QMap<QString, QByteArray> files;
+    QDirIterator it(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString path = it.next();
+        files.insert(QDir(folder).relativeFilePath(path), test::readAll(path));
+    }
+    return files;
+}
+
+void store(test::TestPlatform& p, const QString& entries) {
+    for (const QString& entry : entries.split(';', Qt::SkipEmptyParts))
+        p.ini->write(entry.section('/', 0, 0), entry.section('/', 1).section('=', 0, 0),
+                     entry.section('=', 1));
+    p.ini->flush();
+}
+
+} // namespace
+
+class TestCommandLine : public QObject {
+    Q_OBJECT
+private slots:
+    void writeConfigIsTheWindows_data();
+    void writeConfigIsTheWindows();
+    void refusals_data();
+    void refusals();
+    void launchStatusStopAndExport();
+    void runScriptKeepsEveryWord();
+};
+
+void TestCommandLine::writeConfigIsTheWindows_data() {
+    QTest::addColumn<QString>("stored");
+    QTest::addColumn<QStringList>("maps"); // in the catalogue and selected
+    QTest::newRow("team game with master servers, last on Options")
+        << "Settings/LastTab=3;General/Name=Halvane Arena;General/Motd=Have fun;General/GameType=2"
+           ";Limits/MaxPlayers=12;Options/AllowVoting=1;Options/FriendlyFire=1"
+           ";Options/Master0= m.example.net ;Options/Master3=q3.example.org;Network/MaxRate="
+        << QStringList();
+    QTest::newRow("capture the flag, passwords, two maps")
+        << "General/GameType=3;General/Password=letmein;General/RconPassword=rc0n;"
+           "Advanced/RequirePW=1;Network/HunkMegs=48;Advanced/SpecifyLog=1;Advanced/LogName=ctf"
+        << QStringList{"q3ctf1", "q3ctf2"};
+    QTest::newRow("chosen bots on a free-for-all rotation")
+        << "Bots/Enabled=1;Bots/Selected0=True;Bots/Selected2=True;Bots/Skill=4"
+        << QStringList{"q3dm1", "q3dm7", "q3dm17"};
+}
+
+// "Create halvane.cfg" in a window just started against write-config on the
+// same stored settings: the same files, byte for byte.
+void TestCommandLine::writeConfigIsTheWindows() {
+    QFETCH(QString, stored);
+    QFETCH(QStringList, maps);
+    test::WindowFixture w([&](test::TestPlatform& p) {
+        store(p, stored);
+        p.writeFile(p.programFolder() + "/maps.dat", test::catalogueOf(maps));
+        QVERIFY(writeMapSelection(p.programFolder() + "/mapsel.txt", maps));
+    });
+    CommandLine cli(w.platform);
+    const Result result = cli.run({"write-config"});
+    QVERIFY2(result.code == 0, qPrintable(result.err));
+    QCOMPARE(result.err, QStringLiteral("Success!: halvane.cfg has been created in your baseq3 "
+                                        "folder, would you like to view it now?\n(answered No)\n"));
+    const QString baseq3 = w.platform.gameFolder() + "/baseq3";
+    const QMap<QString, QByteArray> written = filesBelow(baseq3);
+    QVERIFY(QDir(baseq3).removeRecursively() && QDir().mkdir(baseq3));
+
+    QVERIFY(w.window->configCommands().mnuFileMakeCfg());
+    const QMap<QString, QByteArray> window = filesBelow(baseq3);
+    QVERIFY(window.contains("halvane.cfg"));
+    QCOMPARE(written.keys(), window.keys());
+    for (auto it = window.cbegin(); it != window.cend(); ++it)
+        QVERIFY2(written[it.key()] == it.value(),
+                 qPrintable(it.key() + ": " + test::firstDifference(written[it.key()], *it)));
+}
+
+void TestCommandLine::refusals_data() {
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<int>("code");
+    QTest::addColumn<QString>("message");
+    QTest::addColumn<bool>("location"); // a game location is stored
+    QTest::newRow("unknown command") << QStringList{"frobnicate"} << 2 << "unknown command" << true;
+    QTest::newRow("unknown option")
+        << QStringList{"launch", "--fast"} << 2 << "unknown option" << true;
+    QTest::newRow("stop without ID") << QStringList{"stop"} << 2 << "missing" << true;
+    QTest::newRow("export, two folders")
+        << QStringList{"export", "a", "b"} << 2 << "unexpected" << true;
+    QTest::newRow("no such profile")
+        << QStringList{"write-config", "--profile", "nope"} << 3 << "profile named nope" << true;
+    QTest::newRow("no such server") << QStringList{"stop", "123-4"} << 3 << "no server" << true;
+    QTest::newRow("no game location") << QStringList{"launch"} << 4 << "no game location" << false;
+    QTest::newRow("export into an existing folder")
+        << QStringList{"export", "game"} << 1 << "already exists" << true;
+    QTest::newRow("export below a file")
+        << QStringList{"export", "game/quake3.exe/x"} << 1 << "does not exist" << true;
+    QTest::newRow("window argument") << QStringList{"--frob"} << 2 << "unknown argument" << true;
+}
+
+// Bad input: a clear message, its exit code, nothing written.
+void TestCommandLine::refusals() {
+    QFETCH(QStringList, arguments);
+    QFETCH(int, code);
+    QFETCH(QString, message);
+    QFETCH(bool, location);
+    test::TestPlatform p;
+    if (location)
+        p.makeGameFolder();
+    CommandLine cli(p);
+    const QStringList before = QDir(p.root()).entryList(QDir::AllEntries | QDir::Hidden);
+    const QMap<QString, QByteArray> program = filesBelow(p.programFolder());
+    const QMap<QString, QByteArray> game = filesBelow(p.gameFolder());
+    const Result result = cli.run(arguments);
+    QCOMPARE(result.code, code);
+    QVERIFY2(result.err.contains(message), qPrintable(result.err));
+    QCOMPARE(filesBelow(p.programFolder()), program);
+    QCOMPARE(filesBelow(p.gameFolder()), game);
+    for (const QString& made : QDir(p.root()).entryList(QDir::AllEntries | QDir::Hidden))
+        QVERIFY2(before.contains(made) || made == "config" || made == "xdgstate" || made == "run",
+                 qPrintable(made));
+}
+
+// launch, status, stop and export on the settings the window stored, with
+// the real server answering on the loopback interface each time.
+void TestCommandLine::launchStatusStopAndExport() {
+    const QString missing = missingEngine();
+    if (!missing.isEmpty())
+        QSKIP(qPrintable("dedicated server not installed: " + missing));
+    test::TestPlatform p;
+    const QString game = p.root() + "/oa";
+    QCOMPARE(buildGameFolder(game), QString());
+    const quint16 port = freeUdpPort();
+    store(p, "Settings/Path=" + game +
+                 ";Settings/Exe=quake3.exe;General/Name=Halvane CLI e2e"
+                 ";General/RconPassword=cli-e2e;General/Password=cli-join;Advanced/RequirePW=1"
+                 ";Network/NetIP=127.0.0.1;Network/HunkMegs=64;Options/Master0=;Options/Master1="
+                 ";Network/NetPort=" +
+                 QString::number(port));
+    p.writeFile(p.programFolder() + "/maplist.txt", "oa_dm2\r\noa_dm3\r\n");
+    QVERIFY(writeMapSelection(p.programFolder() + "/mapsel.txt", {"oa_dm3", "oa_dm2"}));
+    CommandLine cli(p);
+    QList<qint64> started;
+    auto cleanup = qScopeGuard([&] {
+        for (qint64 pid : started)
+            ::kill(pid_t(pid), SIGKILL);
+    });
+    const auto answers = [&](const QString& map, const std::function<bool()>& lives) {
+        return waitForStatus(
+            port,
+            [&](const ServerStatus& s) {
+                return s.info.value("mapname") == map &&
+                       s.info.value("sv_hostname") == "Halvane CLI e2e";
+            },
+            60s, lives);
+    };
+
+    Result result = cli.run({"launch"});
+    QVERIFY2(result.code == 0 && result.out.startsWith("Started "), qPrintable(result.err));
+    const QString id = result.out.mid(8).trimmed();
+    const qint64 pid = id.section('-', 1).toLongLong();
+    started << pid;
+    // Ended is ended, also while nobody has reaped it yet.
+    const auto lives = [pid] {
+        const QByteArray stat = test::readAll("/proc/" + QString::number(pid) + "/stat");
+        return !stat.isEmpty() && stat.mid(stat.lastIndexOf(')') + 2, 1) != "Z";
+    };
+    QVERIFY2(answers("oa_dm3", lives), "the launched server does not answer");
+    const auto statusOf = [&]() {
+        const Result status = cli.run({"status", "--json"});
+        for (const QJsonValue& server : QJsonDocument::fromJson(status.out.toUtf8()).array())
+            if (server["id"].toString() == id)
+                return server.toObject();
+        return QJsonObject();
+    };
+    QJsonObject server = statusOf();
+    QCOMPARE(server["state"].toString(), QStringLiteral("running"));
+    QCOMPARE(server["hostname"].toString(), QStringLiteral("Halvane CLI e2e"));
+    QCOMPARE(server["port"].toInt(), int(port));
+    result = cli.run({"stop", id});
+    QVERIFY2(result.code == 0, qPrintable(result.err));
+    QVERIFY(!lives());
+    QCOMPARE(statusOf()["state"].toString(), QStringLiteral("ended"));
+
+    // The export, copied to a fresh place and started with its run-server.sh.
+    result = cli.run({"export", p.root() + "/export"});
+    QVERIFY2(result.code == 0, qPrintable(result.err));
+    {
+        // The window's "Export Server…" on the same settings writes the same folder.
+        p.app->state.GameFolder = game;
+        p.app->state.GameExeName = "quake3.exe";
+        MainWindow window(*p.app);
+        window.showMainWindow();
+        p.dialogs.choices = {{true, p.root() + "/fromwindow", "fromwindow"}};
+        window.findChild<QAction*>("mnuServerExport")->trigger();
+        QCOMPARE(test::onlyMessage(p.messages),
+                 test::message("Export Server",
+                               "The server's files were written to " + p.root() +
+                                   "/fromwindow.\r\rREADME.md in it says how to run them.",
+                               MsgButtons::Ok, MsgIcon::Information));
+        QCOMPARE(filesBelow(p.root() + "/fromwindow"), filesBelow(p.root() + "/export"));
+    }
+    QCOMPARE(QProcess::execute("cp", {"-a", p.root() + "/export", p.root() + "/elsewhere"}), 0);
+    const QString folder = p.root() + "/elsewhere";
+    const QMap<QString, QByteArray> files = filesBelow(folder);
+    for (auto it = files.cbegin(); it != files.cend(); ++it)
+        QVERIFY2((!it->contains("cli-e2e") && !it->contains("cli-join")) ||
+                     it.key() == "baseq3/passwords.cfg",
+                 qPrintable(it.key() + " holds a password"));
+    const QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
+    QCOMPARE(QFile::permissions(folder + "/baseq3/passwords.cfg") & (ownerOnly | 0x0077),
+             ownerOnly);
+    QProcess exported;
+    exported.setStandardOutputFile(QProcess::nullDevice());
+    exported.start(folder + "/run-server.sh");
+    QVERIFY(exported.waitForStarted());
+    started << exported.processId();
+    QVERIFY2(answers("oa_dm3", [&] { return exported.state() == QProcess::Running; }),
+             "the exported server does not answer");
+    const auto status = getStatus(port);
+    QCOMPARE(status->info.value("g_needpass"), QStringLiteral("1"));
+    const auto console = rcon(port, "cli-e2e", "serverinfo");
+    QVERIFY2(console && console->contains("Halvane CLI e2e"), "the console password is not set");
+    const auto join = rcon(port, "cli-e2e", "g_password");
+    QVERIFY2(join && join->contains("cli-join"), "the server password is not set");
+    exported.terminate();
+    exported.waitForFinished();
+
+    if (QStandardPaths::findExecutable("systemd-analyze").isEmpty())
+        QSKIP("systemd-analyze is not installed: the unit is not verified");
+    QProcess verify;
+    verify.start("systemd-analyze", {"verify", folder + "/halvane-server.service"});
+    QVERIFY(verify.waitForFinished(60000));
+    QVERIFY2(verify.exitCode() == 0, verify.readAllStandardError().constData());
+
+    const QString validator = qEnvironmentVariable("HALVANE_MANIFEST_VALIDATOR");
+    if (validator.isEmpty())
+        QSKIP("no manifest validator: the Kubernetes schemas are not checked");
+    QProcess schemas;
+    schemas.start("node", {validator, folder + "/kubernetes.yaml"});
+    QVERIFY(schemas.waitForFinished(60000));
+    QVERIFY2(schemas.exitCode() == 0, schemas.readAllStandardError().constData());
+    QCOMPARE(schemas.readAllStandardOutput().trimmed(),
+             QByteArray("ConfigMap Secret Deployment Service"));
+}
+
+// The operator's parameter line reaches the game through run-server.sh as the
+// same words: none split, joined or expanded by the shell.
+void TestCommandLine::runScriptKeepsEveryWord() {
+    test::TestPlatform p;
+    ExportInput input;
+    input.engine = p.writeFile(p.root() + "/engine", "#!/bin/sh\nprintf '%s\\n' \"$@\"\n");
+    QFile::setPermissions(input.engine, QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    input.gameArguments = {"+set",  "sv_hostname", "two  words",
+                           "+set",  "a",           "it's \"quoted\"",
+                           "+set",  "b",           "$HOME `id` $(id) %h \\ *",
+                           "+exec", "halvane.cfg"};
+    const QString script = p.writeFile(p.root() + "/run-server.sh", exporting::runScript(input));
+    QProcess run;
+    run.start("/bin/sh", {script});
+    QVERIFY(run.waitForFinished(30000));
+    QCOMPARE(QString::fromUtf8(run.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts),
+             exporting::serverArguments(input, QFileInfo(p.root()).canonicalFilePath(), true));
+}
+
+QTEST_MAIN(TestCommandLine)
+#include "tst_commandline.moc"
