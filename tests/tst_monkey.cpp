@@ -146,11 +146,12 @@ void MonkeyTest::randomOperatorLeavesEverythingWhole() {
         platform.messages.answers = {monkey.below(2) ? MsgAnswer::Yes : MsgAnswer::No};
     };
 
-    FakePrompts prompts; // profile names, a device name among them
+    FakePrompts prompts; // profile names, a device name among them, drawn apart
+    std::mt19937 naming(seed);
     std::unique_ptr<MainWindow> window = startWindow(platform, prompts);
     for (int n = 1; n <= 10000; ++n) {
         const std::optional<QString> names[] = {{}, "Alpha", "Beta", "con"};
-        prompts.answers = {names[monkey.below(4)], names[monkey.below(4)]};
+        prompts.answers = {names[naming() % 4], names[naming() % 4]};
         const FileChoice choices[] = {{},
                                       {true, platform.gameFolder() + "/quake3.exe", "quake3.exe"},
                                       {true, platform.root() + "/saved.cfg", "saved.cfg"}};
