@@ -1,46 +1,28 @@
-// What the sections of halvane_bench share: a platform of fakes over real
-// temporary folders, medians, and letting the windows lay out and paint.
+// What the sections of halvane_bench share: the tests' platform of fakes
+// over real temporary folders, medians, and letting the windows lay out and
+// paint.
 #pragma once
 
-#include "app/AppContext.h"
-#include "platform/FakePlatform.h"
-#include "platform/QtPlatform.h"
+#include "TestSupport.h"
 
 #include <QCoreApplication>
 #include <QDir>
 #include <QFile>
-#include <QTemporaryDir>
 #include <algorithm>
-#include <memory>
 #include <vector>
 #include <zip.h>
 
 namespace halvane::bench {
 
-// Fakes over a temporary program folder, game folder, state folder and a
-// real settings file, for the timed sections.
-struct BenchPlatform {
-    QTemporaryDir dir;
-    FakeMessageBoxes messages;
-    FakeFileDialogs dialogs;
-    FakeProcesses processes;
-    FakeShell shell;
-    FakeDesktop desktop;
-    std::unique_ptr<QtSettingsStore> store;
-    std::unique_ptr<ProgramFolder> folder;
-    std::unique_ptr<AppContext> app;
+// The tests' platform of fakes over a temporary program folder, game folder
+// and a real settings file, with the game's location stored.
+struct BenchPlatform : test::TestPlatform {
     BenchPlatform() {
-        QDir().mkpath(program());
+        makeGameFolder();
         QDir().mkpath(game() + QStringLiteral("/baseq3/maps"));
-        store = std::make_unique<QtSettingsStore>(dir.filePath(QStringLiteral("Halvane.ini")));
-        folder = std::make_unique<ProgramFolder>(program(), dir.filePath(QStringLiteral("state")));
-        app.reset(
-            new AppContext{{messages, dialogs, processes, shell, desktop, *store, *folder}, {}});
-        app->state.GameFolder = game();
-        app->state.GameExeName = QStringLiteral("quake3.exe");
     }
-    QString program() const { return dir.filePath(QStringLiteral("program")); }
-    QString game() const { return dir.filePath(QStringLiteral("game")); }
+    QString program() const { return programFolder(); }
+    QString game() const { return gameFolder(); }
 };
 
 // One archive holding these members, each with a few bytes.

@@ -11,7 +11,6 @@
 #include "bots/RandomSource.h"
 #include "config/ConfigWriter.h"
 #include "maps/MapCatalogue.h"
-#include "platform/FakePlatform.h"
 
 #include <QDir>
 #include <QElapsedTimer>

@@ -5,7 +5,7 @@
 //   halvane_bench maps                   the catalogue timings below
 //   halvane_bench search                 the archive search with its real pause
 //   halvane_bench window [sizes...]      the Maps tab at 1k, 4k, 16k, 32,766 maps
-//   halvane_bench startup [pairs]        start-up against the empty window
+//   halvane_bench startup [pairs]        start-up against the main form alone
 //   halvane_bench config                 WriteConfig against cp -r and old scripts
 //   halvane_bench servers                the server window's refresh (bench_servers.cpp)
 //   halvane_bench make-archives <dir> [count]   writes <count> test archives
@@ -18,7 +18,6 @@
 #include "maps/MapCatalogue.h"
 #include "maps/MapDiscovery.h"
 #include "maps/MapsController.h"
-#include "platform/FakePlatform.h"
 #include "platform/QtPlatform.h"
 #include "ui/MainWindow.h"
 

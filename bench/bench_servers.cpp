@@ -10,6 +10,7 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QThread>
 #include <QUdpSocket>
 #include <algorithm>
@@ -75,9 +76,15 @@ int benchServers() {
         QThread::msleep(1);
 
     ServerManager manager(*platform.app);
-    for (const StandIn& standIn : standIns)
+    for (const StandIn& standIn : standIns) {
         manager.launch(QStringLiteral("quake3.exe"), {}, platform.game(), QString(),
                        QStringLiteral("127.0.0.1"), QString::number(standIn.port), QString());
+        // What the game prints once its socket is open.
+        QFile log(manager.servers().first().record.logFile);
+        if (log.open(QIODevice::Append))
+            log.write(
+                QStringLiteral("Opening IP socket: 127.0.0.1:%1\nok\n").arg(standIn.port).toUtf8());
+    }
     ServerWindow window(manager, platform.shell, nullptr);
     window.show();
     QApplication::processEvents();

@@ -1,9 +1,11 @@
 // Start-up to the main window shown, as whole processes: halvane_startup on
-// each fixture, each run paired with a run of the empty six-tab window
-// (halvane_emptywindow) just before it. The clock runs from the process's
-// start until it reports its window shown; the tear-down after that is no
-// part of start-up. The ratio is the median of the pairs' ratios. A section
-// of halvane_bench (bench_maps.cpp owns main).
+// each fixture, each run paired with a run of the main form alone
+// (halvane_formwindow: every control built and shown, no logic) just before
+// it; the form alone is itself paired with the empty six-tab window
+// (halvane_emptywindow) first. The clock runs from the process's start until
+// it reports its window shown; the tear-down after that is no part of
+// start-up. The ratio is the median of the pairs' ratios. A section of
+// halvane_bench (bench_maps.cpp owns main).
 #include "BenchSupport.h"
 
 #include <QElapsedTimer>
@@ -72,38 +74,42 @@ int benchStartup(int pairs) {
                          {QStringLiteral("selected"), QString::number(tab)}});
     }
     const QString startup = program("halvane_startup");
+    const QString form = program("halvane_formwindow");
     const QString empty = program("halvane_emptywindow");
     const QString cpu = QStringLiteral("--cpu");
 
     std::printf("\nStart-up to the window shown, whole processes, %d pairs each, "
-                "each run after one of the empty six-tab window:\n",
+                "each run after one of the main form alone:\n",
                 pairs);
-    std::printf("%-36s %10s %10s %8s %10s %10s %8s\n", "fixture", "wall ms", "empty ms", "ratio",
-                "cpu ms", "empty cpu", "ratio");
-    for (int f = 0; f < fixtures.size(); ++f) {
+    std::printf("%-36s %10s %10s %8s %10s %10s %8s\n", "fixture", "wall ms", "form ms", "ratio",
+                "cpu ms", "form cpu", "ratio");
+    // The first row: the form alone, each run after one of the empty window.
+    for (int f = -1; f < fixtures.size(); ++f) {
         const QString folder = dir.filePath(QStringLiteral("fixture%1").arg(f));
-        if (QProcess::execute(startup, QStringList{QStringLiteral("--prepare"), folder} +
-                                           fixtures[f].prepare) != 0) {
-            std::fprintf(stderr, "cannot prepare %s\n", qPrintable(fixtures[f].name));
+        const QString name =
+            f < 0 ? QStringLiteral("form alone (base: empty window)") : fixtures[f].name;
+        if (f >= 0 && QProcess::execute(startup, QStringList{QStringLiteral("--prepare"), folder} +
+                                                     fixtures[f].prepare) != 0) {
+            std::fprintf(stderr, "cannot prepare %s\n", qPrintable(name));
             return 1;
         }
-        std::vector<double> wall, emptyWall, cpuTime, emptyCpu;
+        std::vector<double> wall, baseWall, cpuTime, baseCpu;
         for (int pair = 0; pair < pairs; ++pair) {
-            const Run base = runProgram(empty, {cpu}, runtime.path());
-            const Run measured = runProgram(startup, {folder, cpu}, runtime.path());
+            const Run base = runProgram(f < 0 ? empty : form, {cpu}, runtime.path());
+            const Run measured = f < 0 ? runProgram(form, {cpu}, runtime.path())
+                                       : runProgram(startup, {folder, cpu}, runtime.path());
             if (base.wallMs < 0 || measured.wallMs < 0) {
-                std::fprintf(stderr, "a start-up on %s failed\n", qPrintable(fixtures[f].name));
+                std::fprintf(stderr, "a start-up on %s failed\n", qPrintable(name));
                 return 1;
             }
-            emptyWall.push_back(base.wallMs);
+            baseWall.push_back(base.wallMs);
             wall.push_back(measured.wallMs);
-            emptyCpu.push_back(base.cpuMs);
+            baseCpu.push_back(base.cpuMs);
             cpuTime.push_back(measured.cpuMs);
         }
-        std::printf("%-36s %10.1f %10.1f %7.2fx %10.1f %10.1f %7.2fx\n",
-                    qPrintable(fixtures[f].name), median(wall), median(emptyWall),
-                    medianRatio(wall, emptyWall), median(cpuTime), median(emptyCpu),
-                    medianRatio(cpuTime, emptyCpu));
+        std::printf("%-36s %10.1f %10.1f %7.2fx %10.1f %10.1f %7.2fx\n", qPrintable(name),
+                    median(wall), median(baseWall), medianRatio(wall, baseWall), median(cpuTime),
+                    median(baseCpu), medianRatio(cpuTime, baseCpu));
         std::fflush(stdout);
     }
     return 0;

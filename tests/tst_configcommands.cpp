@@ -169,18 +169,12 @@ const char Script[] =
     "a script that halvane.cfg runs (the map rotation or the bots), rewritten at each launch";
 const std::tuple<const char*, const char*, const char*> SaveAsTargets[] = {
     {"catalogue", "p:maps.dat", "Halvane's own maps.dat"},
-    {"catalogue copy", "p:maps.bak", "Halvane's own maps.bak"},
-    {"installed catalogue", "p:instmaps.dat", "Halvane's own instmaps.dat"},
-    {"chosen maps", "p:mapsel.txt", "Halvane's own mapsel.txt"},
-    {"import list", "p:maplist.txt", "Halvane's own maplist.txt"},
     {"bot list", "p:botlist.txt", "Halvane's own botlist.txt"},
     {"catalogue in capitals", "p:MAPS.DAT", "Halvane's own maps.dat"},
     {"link to the catalogue", "e:link", "Halvane's own maps.dat"},
     {"game", "g:quake3.exe", "the game's executable"},
-    {"rotation script", "g:baseq3/srvmaps/mapset0.cfg", Script},
     {"new script in the rotation folder", "g:baseq3/SRVMAPS/mapset9.cfg", Script},
     {"script through a linked folder", "e:scripts/mapset1.cfg", Script},
-    {"bot set", "g:baseq3/srvbots/botset0.cfg", Script},
     {"fixed bots", "g:baseq3/srvbots.cfg", Script},
     {"the configuration itself", "g:baseq3/halvane.cfg", ""},
     {"another script", "g:baseq3/server.cfg", ""},

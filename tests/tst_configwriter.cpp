@@ -374,9 +374,9 @@ void TestConfigWriter::fixedBotScript() {
         const QByteArray expected = readAll(golden(goldenName));
         QVERIFY2(actual == expected,
                  qPrintable(goldenName + ": " + firstDifference(actual, expected)));
-        s.bots = {{"Sarge", true, 1, 3},
-                  {"Visor", false, 1, 2},
-                  {"Grunt", true, 0, 0},
+        s.bots = {{"Sarge", true, 1, 3},       {"Visor", false, 1, 2},
+                  {"Evil\";quit", true, 0, 0}, // a name the console would split: left out
+                  {"Two Words", true, 0, 0},   {"Grunt", true, 0, 0},
                   {"Major", true, 7, 4}};
     }
 }

@@ -50,13 +50,6 @@ struct Fixture {
     }
 };
 
-QStringList described(const FakeMessageBoxes& messages) {
-    QStringList result;
-    for (const ShownMessage& m : messages.shown)
-        result << message(m.title, m.text, m.buttons, m.icon);
-    return result;
-}
-
 QString leftOutNotice(const QString& count, const QString& names) {
     return message("Map Names Left Out",
                    count +

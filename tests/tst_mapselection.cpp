@@ -295,7 +295,7 @@ const std::tuple<const char*, QString, QString, QString, QString> EditorChecks[]
      "another command.",
      "q\tquit"},
     {"a comment mark", "q//x", "Warning",
-     "File Name cannot hold a comment mark (// or /*): the game would not read the rest.", "q//x"},
+     "File Name cannot hold a comment mark (//): the game would not read the rest.", "q//x"},
 };
 
 void MapSelectionTest::editorChecks_data() {

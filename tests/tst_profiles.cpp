@@ -241,9 +241,8 @@ void ProfilesTest::launchLeavesTheGameFolder() {
                                       ? nullptr
                                       : &f.window->servers().manager().servers().first();
     QVERIFY(recorded);
-    QCOMPARE(recorded->record.scriptFolder, own);
     QCOMPARE(recorded->record.profile, QStringLiteral("Own"));
-    QCOMPARE(recorded->record.port, quint16(27990));
+    QCOMPARE(recorded->record.portAsked, quint16(27990));
 
     // The same port again: asked, and No starts nothing.
     f.platform.messages.clear();

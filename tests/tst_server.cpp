@@ -37,13 +37,12 @@ QString summary(const QByteArray& datagram) {
     return text;
 }
 
-QByteArray recordLine(const QString& id, qint64 pid, qint64 start, int port = 27960) {
+QByteArray recordLine(const QString& id, qint64 pid, qint64 start) {
     LaunchRecord r;
     r.id = id;
     r.pid = pid;
     r.processStart = start;
     r.program = "/game/quake3.exe";
-    r.port = quint16(port);
     r.rconPassword = "secret word";
     r.started = QDateTime(QDate(2024, 5, 1), QTime(10, 0));
     return launchRecordBytes({r});
@@ -185,11 +184,16 @@ void ServerTest::records_data() {
         << a + recordLine("reused", 1001, 5)
         << "a:running reused:ended while Halvane was not running";
     QTest::newRow("garbage, cut and wrong lines between good ones")
-        << a + "\x01\xfe garbage\n" + recordLine("noport", 1000, 7000, 0) + "{\"id\":\"x\"}\n" + b +
-               b.left(40)
+        << a + "\x01\xfe garbage\n" +
+               recordLine("noport", 1000, 7000).replace("\"port\":0", "\"port\":-1") +
+               "{\"id\":\"x\"}\n" + b + b.left(40)
         << "a:running b:running Damaged server list <state>/servers.jsonl: line 2: illegal value; "
            "line 3: no port; line 4: no process id; line 6: unterminated string;" +
                kept;
+    QTest::newRow("a line from before the runs and script copies were kept")
+        << QByteArray("{\"id\":\"old\",\"pid\":\"1001\",\"processStart\":\"5\",\"program\":"
+                      "\"q3\",\"port\":27961,\"started\":\"2024-05-01T10:00:00.000\"}\n")
+        << "old:ended while Halvane was not running";
     QTest::newRow("two hundred thousand bad lines: the first few and a count")
         << a + QByteArray("x\n").repeated(200000)
         << "a:running Damaged server list <state>/servers.jsonl: line 2: illegal value; line 3: "
@@ -273,50 +277,85 @@ void ServerTest::logTail() {
 
 void ServerTest::addresses_data() {
     QTest::addColumn<QString>("address"); // as typed in the IP box
-    QTest::addColumn<QString>("shown");   // the map of the answer, or the problem
+    QTest::addColumn<QString>("portBox"); // as typed; "game" and "other" stand for those ports
+    QTest::addColumn<QString>("log");     // what the game printed, the same stand-ins
+    QTest::addColumn<QString>("shown");   // the map of the answer, the problem, or "starting"
+    const QString opened = "Opening IP socket: 127.0.0.1:game\nHunk_Clear: reset the hunk ok\n";
     for (const char* loopback : {"127.0.0.1", " 127.0.0.1\t", ""})
-        QTest::newRow(*loopback ? loopback : "empty") << loopback << "oa_dm1";
+        QTest::newRow(*loopback ? loopback : "empty") << loopback << "game" << opened << "oa_dm1";
     // Four decimal parts only, as the system's parser reads an address.
     for (const QString& bad :
          QStringList{"127.1", "0x7f.0.0.1", "1.2.3", "256.1.1.1", "1.2.3.4.5", "localhost", "::1",
                      "127.0.0.1" + QString(QChar(0)) + "x"})
-        QTest::newRow(qPrintable(bad)) << bad << "not a numeric address";
-    // The port box names a taken port; the game says in its log where it went.
-    QTest::newRow("the game moved on to the next port") << "moved"
-                                                        << "oa_dm1";
+        QTest::newRow(qPrintable(bad)) << bad << "game" << opened << "not a numeric address";
+    // Where the game listens comes from what it printed, never from the box.
+    QTest::newRow("the other server's port: the game moved on")
+        << "127.0.0.1"
+        << "other"
+        << "Opening IP socket: 127.0.0.1:other\nWARNING: NET_IPSocket: bind: Address already in "
+           "use\nOpening IP socket: 127.0.0.1:game\nOpening IP6 socket: [::]:game\nOpening IP "
+           "socket: 127.0.0.1:1"
+        << "oa_dm1";
+    QTest::newRow("text in the box: any free port, which only the system tells")
+        << "127.0.0.1"
+        << "abc"
+        << "Opening IP socket: 127.0.0.1:0\nexecing halvane.cfg\n"
+        << "oa_dm1";
+    QTest::newRow("the other server's port, nothing printed yet") << ""
+                                                                  << "other"
+                                                                  << ""
+                                                                  << "starting";
+    QTest::newRow("empty box, the attempt not yet confirmed")
+        << ""
+        << ""
+        << "Opening IP socket: 127.0.0.1:27960\n"
+        << "starting";
 }
 
 void ServerTest::addresses() {
     QFETCH(QString, address);
+    QFETCH(QString, portBox);
+    QFETCH(QString, log);
     QFETCH(QString, shown);
-    const bool moved = address == "moved";
-    if (moved)
-        address = "127.0.0.1";
     QCOMPARE(parseIpv4(address),
              shown == "oa_dm1" && !address.isEmpty() ? std::optional(0x7f000001u) : std::nullopt);
-    // First a query refused (nothing listens on its port), then the stand-in's.
-    QUdpSocket game, closed;
-    QVERIFY(game.bind(QHostAddress::LocalHost) && closed.bind(QHostAddress::LocalHost));
+    // Another server already answers; before it one whose queries are
+    // refused (nothing listens on its port).
+    QUdpSocket game, other, closed;
+    QVERIFY(game.bind(QHostAddress::LocalHost) && other.bind(QHostAddress::LocalHost) &&
+            closed.bind(QHostAddress::LocalHost));
+    for (auto [socket, map] : {std::pair{&game, "oa_dm1"}, std::pair{&other, "oa_other"}}) {
+        connect(socket, &QUdpSocket::readyRead, socket, [socket, map] {
+            while (socket->hasPendingDatagrams())
+                socket->writeDatagram(socket->receiveDatagram().makeReply(
+                    Oob + "statusResponse\n\\mapname\\" + map + "\n"));
+        });
+    }
+    const auto ports = [&](QString text) {
+        return text.replace("game", QString::number(game.localPort()))
+            .replace("other", QString::number(other.localPort()));
+    };
     test::TestPlatform platform;
     ServerManager manager(*platform.app);
-    manager.launch("q3", {}, platform.root(), {}, {}, QString::number(closed.localPort()), {});
-    const quint16 given = moved ? closed.localPort() : game.localPort();
-    manager.launch("q3", {}, platform.root(), {}, address, QString::number(given), {});
-    if (moved) {
+    for (QUdpSocket* earlier : {&closed, &other}) {
+        const QString port = QString::number(earlier->localPort());
+        manager.launch("q3", {}, platform.root(), {}, {}, port, {});
         platform.writeFile(manager.servers().first().record.logFile,
-                           QString("Opening IP socket: 127.0.0.1:%1\nWARNING: NET_IPSocket: bind: "
-                                   "Address already in use\nOpening IP socket: 127.0.0.1:%2\n"
-                                   "Opening IP6 socket: [::]:%2\nOpening IP socket: 127.0.0.1:1")
-                               .arg(given)
-                               .arg(game.localPort())
-                               .toUtf8());
+                           "Opening IP socket: 0.0.0.0:" + port.toUtf8() + "\nok\n");
     }
     closed.close();
+    manager.launch("q3", {}, platform.root(), {}, address, ports(portBox), {});
+    const LaunchRecord& launched = manager.servers().first().record;
+    platform.processes.udpPorts[launched.pid] = {game.localPort()};
+    platform.writeFile(launched.logFile, ports(log).toUtf8());
     manager.setWatched(true);
-    if (shown == "oa_dm1" && game.waitForReadyRead(5000))
-        game.writeDatagram(
-            game.receiveDatagram().makeReply(Oob + "statusResponse\n\\mapname\\oa_dm1\n"));
-    const ServerLive& live = manager.servers().first().live; // the last launched
+    const ServerLive& live = manager.servers().first().live;
+    QTRY_VERIFY(manager.servers().at(1).live.status); // the other server has answered
+    if (shown == "starting") {
+        QVERIFY(!live.status);
+        QCOMPARE(launched.port, 0);
+        return;
+    }
     QTRY_COMPARE(
         (live.status ? live.status->info.value("mapname") : live.problem).section(": ", -1), shown);
 }
@@ -358,6 +397,9 @@ void ServerTest::hostilePeer() {
     if (!added)
         manager.launch("q3", {}, platform.root(), {}, {}, QString::number(game.localPort()), "pw");
     const QString log = added ? QString() : manager.servers().first().record.logFile;
+    if (!added)
+        platform.writeFile(
+            log, "Opening IP socket: 127.0.0.1:" + QByteArray::number(game.localPort()) + "\nok\n");
     if (peer == "fifo")
         QVERIFY(QFile::remove(log) && ::mkfifo(QFile::encodeName(log), 0600) == 0);
     const QByteArray name = peer == "huge" ? QByteArray(12000, 'h') : "real";

@@ -2,6 +2,7 @@
 // the enabling rules between options, the bot panels and the demo warning.
 #include "TestSupport.h"
 
+#include "platform/PrivateFiles.h"
 #include "platform/WholeFile.h"
 #include "settings/SettingsController.h"
 #include "ui_frmMain.h"
@@ -246,7 +247,8 @@ void SettingsTest::demoRecordingWarning() {
 void SettingsTest::secretsAreTheUsersAlone_data() {
     QTest::addColumn<QString>("file");
     QTest::addColumn<bool>("leftOpen"); // an earlier write left it (and its folder) open to all
-    for (const char* file : {"settings", "halvane.cfg", "whole-file save"}) {
+    for (const char* file :
+         {"settings", "halvane.cfg", "whole-file save", "copy of a private file"}) {
         QTest::newRow(qPrintable(QString(file) + ", new")) << QString(file) << false;
         QTest::newRow(qPrintable(QString(file) + ", left open")) << QString(file) << true;
     }
@@ -281,8 +283,11 @@ void SettingsTest::secretsAreTheUsersAlone() {
         run.ui().txtConsolePW->setText("secret");
         run.ui().mnuFileMakeCfg->trigger();
         QVERIFY(readAll(path).contains("seta rconpassword \"secret\""));
-    } else {
+    } else if (file == "whole-file save") {
         QVERIFY(savePrivateFile(path, "secret"));
+    } else { // as a launch keeps the scripts it ran
+        const QString from = run.platform.writeFile(run.platform.root() + "/from.cfg", "secret");
+        QVERIFY(makeFilePrivate(from) && copyWholeFile(from, path));
     }
     QCOMPARE(QFileInfo(path).permissions() & 0x7077, QFile::Permissions(0x6000));
 }

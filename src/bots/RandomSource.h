@@ -6,9 +6,10 @@
 
 namespace halvane {
 
-// The program's one uniform random generator of numbers in [0, 1), shared by
-// the map shuffle and the random bot sets. It is an interface so that tests
-// can hand in draws they chose.
+// The uniform random generator of numbers in [0, 1) that picks the random
+// bot sets. It is an interface so that tests can hand in draws they chose.
+// The map shuffle ("Randomize Map Order") does not use it: each of its
+// passes starts a generator of its own afresh from the time of day.
 class RandomSource {
 public:
     virtual ~RandomSource() = default;

@@ -193,7 +193,7 @@ int stop(const QString& id) {
     if (!ended()) {
         // The manager kills the process once its grace has run out; a little
         // longer than that, the command gives up.
-        QTimer::singleShot((ServerManager::KillGraceSecs + 5) * 1000, &loop, &QEventLoop::quit);
+        QTimer::singleShot((manager.limits().killGraceSecs + 5) * 1000, &loop, &QEventLoop::quit);
         loop.exec();
     }
     if (!ended()) {
@@ -267,7 +267,7 @@ QString helpText() {
         "  help, --help                   this text\n"
         "  --prepare-first-run            set a fresh account up for the free game\n"
         "\n"
-        "Messages go to standard error; a question is answered No. Exit codes:\n"
+        "Messages go to standard error; a question is answered Yes. Exit codes:\n"
         "0 done, 1 refused or failed (a message says why), 2 unknown command or\n"
         "argument, 3 no such profile or server, 4 no usable game location stored.\n"
         "See halvane(1).");

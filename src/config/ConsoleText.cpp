@@ -27,6 +27,13 @@ bool breaks(QChar c, ConsolePlace place) {
     return false;
 }
 
+// "/*" hides everything up to the next "*/", line breaks included, and what
+// follows a "*/" is read as a command of its own; between quotes neither counts.
+bool isCommentMark(const QString& text, qsizetype at) {
+    const QStringView pair = QStringView(text).mid(at, 2);
+    return pair == QLatin1String("/*") || pair == QLatin1String("*/");
+}
+
 } // namespace
 
 qsizetype firstConsoleBreak(const QString& text, ConsolePlace place) {
@@ -34,7 +41,7 @@ qsizetype firstConsoleBreak(const QString& text, ConsolePlace place) {
     bool open = false;
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar c = text[i];
-        if (breaks(c, place))
+        if (breaks(c, place) || (place != ConsolePlace::Quoted && isCommentMark(text, i)))
             return i;
         if (c == QLatin1Char('"')) {
             open = !open;
@@ -75,6 +82,9 @@ QString consoleRefusal(const QString& caption, QChar c) {
 
 QString consoleRefusal(const QString& caption, const QString& text, ConsolePlace place) {
     const qsizetype at = firstConsoleBreak(text, place);
+    if (at >= 0 && isCommentMark(text, at))
+        return caption + QStringLiteral(" cannot hold a comment mark (") + text.mid(at, 2) +
+               QStringLiteral("): the game would read the rest as another command.");
     return at < 0 ? QString() : consoleRefusal(caption, text[at]);
 }
 
@@ -83,9 +93,11 @@ QString mapNameRefusal(const QString& caption, const QString& name) {
         if (isControl(c) || c.isSpace() || c == QLatin1Char('"') || c == QLatin1Char(';'))
             return consoleRefusal(caption, c);
     }
-    if (name.contains(QLatin1String("//")) || name.contains(QLatin1String("/*")))
-        return caption + QStringLiteral(" cannot hold a comment mark (// or /*): the game would "
-                                        "not read the rest.");
+    for (const char* mark : {"//", "/*", "*/"}) {
+        if (name.contains(QLatin1String(mark)))
+            return caption + QStringLiteral(" cannot hold a comment mark (") + QLatin1String(mark) +
+                   QStringLiteral("): the game would not read the rest.");
+    }
     return QString();
 }
 

@@ -18,7 +18,8 @@ enum class ConsolePlace {
 
 // Index of the first character of text that the game would read as the end of
 // the value or the start of another command in that place; -1 when none.
-// Control characters (line breaks included) are refused everywhere; in the
+// Control characters (line breaks included) are refused everywhere, the
+// comment marks "/*" and "*/" everywhere but between quotes; in the
 // parameters only a double quote without a partner is refused.
 qsizetype firstConsoleBreak(const QString& text, ConsolePlace place);
 
@@ -41,8 +42,8 @@ QString consoleRefusal(const QString& caption, const QString& text, ConsolePlace
 
 // True when name (a map's file name without ".bsp") can stand in a map
 // command and a rotation line as one word: not empty, no blank, no control
-// character, no double quote, no ';' and no comment start ("//" or "/*",
-// which would hide the rest of a rotation line).
+// character, no double quote, no ';' and no comment mark ("//", "/*" or
+// "*/", which would hide the rest of a rotation line or end a hidden part).
 bool isConsoleSafeMapName(const QString& name);
 
 // The refusal for a map name typed into the box named caption, or an empty

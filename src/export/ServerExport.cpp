@@ -140,8 +140,9 @@ bool ServerExport::exportTo(const QString& folder, const QString& name) {
         QString reason;
         if (!saveWholeFile(path, file.bytes, &reason,
                            file.ownerOnly ? FileAccess::Private : FileAccess::Usual))
-            return fail(QStringLiteral("Cannot write ") + QDir::toNativeSeparators(path) +
-                        QStringLiteral(": ") + reason);
+            return fail(QStringLiteral("Cannot write ") +
+                        QDir::toNativeSeparators(target + QLatin1Char('/') + file.path) +
+                        QStringLiteral(": ") + reason + QStringLiteral(". Nothing was kept."));
         QFileDevice::Permissions mode = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
         if (!file.ownerOnly)
             mode |= QFileDevice::ReadGroup | QFileDevice::ReadOther;

@@ -10,8 +10,8 @@
 namespace halvane {
 
 // The platform of the command line, where nobody sits at a screen: a message
-// is printed to standard error, title and text, and every question is
-// answered No, so that nothing happens that the command did not ask for.
+// is printed to standard error, title and text, and a question takes the
+// answer of the window's default button (Yes), as if Enter were pressed.
 class ConsoleMessageBoxes : public MessageBoxes {
 public:
     explicit ConsoleMessageBoxes(std::FILE* out = stderr) : m_out(out) {}

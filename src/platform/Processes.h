@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QList>
 #include <QString>
 #include <QStringList>
 
@@ -28,6 +29,12 @@ public:
     virtual qint64 startTimeOf(qint64 taskId) = 0;
     // Asks the task to end, or ends it at once when force is set.
     virtual bool end(qint64 taskId, bool force) = 0;
+    // The local ports of the task's IPv4 UDP sockets; empty where the
+    // system does not tell.
+    virtual QList<quint16> udpPortsOf(qint64 taskId) {
+        Q_UNUSED(taskId);
+        return {};
+    }
 };
 
 } // namespace halvane

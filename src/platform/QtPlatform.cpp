@@ -10,11 +10,13 @@
 #include <QFileInfo>
 #include <QMessageBox>
 #include <QProcess>
+#include <QSet>
 #include <QStandardPaths>
 #include <QUrl>
 
 #include <cerrno>
 #include <csignal>
+#include <unistd.h>
 
 namespace halvane {
 
@@ -178,6 +180,44 @@ qint64 QtProcesses::startTimeOf(qint64 taskId) {
     bool ok = false;
     const qint64 start = fields[19].toLongLong(&ok);
     return ok ? qMax<qint64>(start, 1) : 0;
+}
+
+QList<quint16> QtProcesses::udpPortsOf(qint64 taskId) {
+    QList<quint16> ports;
+#ifdef Q_OS_LINUX
+    // The socket inodes among the task's open files, then their lines in the
+    // UDP table of the task's network: "sl local rem st tx:rx tr tm retr uid
+    // timeout inode ...", the local address as hex "0100007F:6D38".
+    if (taskId <= 0)
+        return ports;
+    const QString proc = QStringLiteral("/proc/%1").arg(taskId);
+    QSet<QByteArray> inodes;
+    const QStringList fds = QDir(proc + QStringLiteral("/fd")).entryList(QDir::System);
+    for (const QString& fd : fds) {
+        char target[64] = {};
+        const QByteArray link = QFile::encodeName(proc + QStringLiteral("/fd/") + fd);
+        const ssize_t size = ::readlink(link.constData(), target, sizeof target - 1);
+        const QByteArray text(target, size > 0 ? size : 0);
+        if (text.startsWith("socket:[") && text.endsWith(']'))
+            inodes.insert(text.mid(8, text.size() - 9));
+    }
+    QFile table(proc + QStringLiteral("/net/udp"));
+    if (inodes.isEmpty() || !table.open(QIODevice::ReadOnly))
+        return ports;
+    const QList<QByteArray> lines = table.read(1024 * 1024).split('\n');
+    for (qsizetype i = 1; i < lines.size(); ++i) {
+        const QList<QByteArray> fields = lines[i].simplified().split(' ');
+        if (fields.size() < 10 || !inodes.contains(fields[9]))
+            continue;
+        bool ok = false;
+        const uint port = fields[1].mid(fields[1].indexOf(':') + 1).toUInt(&ok, 16);
+        if (ok && port > 0 && port <= 65535)
+            ports.append(quint16(port));
+    }
+#else
+    Q_UNUSED(taskId);
+#endif
+    return ports;
 }
 
 bool QtProcesses::end(qint64 taskId, bool force) {

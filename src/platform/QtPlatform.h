@@ -31,6 +31,7 @@ public:
     bool activate(qint64 taskId) override;
     qint64 startTimeOf(qint64 taskId) override;
     bool end(qint64 taskId, bool force) override;
+    QList<quint16> udpPortsOf(qint64 taskId) override;
 };
 
 class QtShell : public Shell {

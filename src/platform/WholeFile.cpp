@@ -1,5 +1,7 @@
 #include "platform/WholeFile.h"
 
+#include "platform/PrivateFiles.h"
+
 #include <QFile>
 #include <QSaveFile>
 
@@ -39,7 +41,9 @@ bool copyWholeFile(const QString& from, const QString& to, QString* reason) {
             *reason = source.errorString();
         return false;
     }
-    return saveWholeFile(to, bytes, reason);
+    // A copy of a file that holds a password (halvane.cfg) stays the user's alone.
+    return saveWholeFile(to, bytes, reason,
+                         isPrivate(from) ? FileAccess::Private : FileAccess::Usual);
 }
 
 } // namespace halvane

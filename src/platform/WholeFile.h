@@ -23,7 +23,8 @@ inline bool savePrivateFile(const QString& path, const QByteArray& bytes,
     return saveWholeFile(path, bytes, reason, FileAccess::Private);
 }
 
-// Copies a file over another in the same way.
+// Copies a file over another in the same way; a copy of a file that only its
+// owner may read is made the same.
 bool copyWholeFile(const QString& from, const QString& to, QString* reason = nullptr);
 
 } // namespace halvane

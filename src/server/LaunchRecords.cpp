@@ -31,10 +31,6 @@ QJsonObject toJson(const LaunchRecord& r) {
     o.insert(QStringLiteral("arguments"), QJsonArray::fromStringList(r.arguments));
     o.insert(QStringLiteral("commandLine"), r.commandLine);
     o.insert(QStringLiteral("gameFolder"), r.gameFolder);
-    if (!r.scriptFolder.isEmpty())
-        o.insert(QStringLiteral("scriptFolder"), r.scriptFolder);
-    if (!r.profile.isEmpty())
-        o.insert(QStringLiteral("profile"), r.profile);
     o.insert(QStringLiteral("address"), r.address);
     o.insert(QStringLiteral("port"), int(r.port));
     o.insert(QStringLiteral("rconPassword"), r.rconPassword);
@@ -45,6 +41,17 @@ QJsonObject toJson(const LaunchRecord& r) {
     o.insert(QStringLiteral("lastMonitorRestart"), timeText(r.lastMonitorRestart));
     o.insert(QStringLiteral("ended"), timeText(r.ended));
     o.insert(QStringLiteral("endReason"), r.endReason);
+    o.insert(QStringLiteral("portAsked"), int(r.portAsked));
+    o.insert(QStringLiteral("scripts"), r.scripts);
+    o.insert(QStringLiteral("profile"), r.profile);
+    o.insert(QStringLiteral("hostName"), r.hostName);
+    QJsonArray runs;
+    for (const ServerRun& run : r.runs)
+        runs.append(QJsonObject{{QStringLiteral("logFile"), run.logFile},
+                                {QStringLiteral("started"), timeText(run.started)},
+                                {QStringLiteral("ended"), timeText(run.ended)},
+                                {QStringLiteral("endReason"), run.endReason}});
+    o.insert(QStringLiteral("runs"), runs);
     if (r.added)
         o.insert(QStringLiteral("added"), true);
     return o;
@@ -68,8 +75,6 @@ QString fromJson(const QByteArray& line, LaunchRecord& r) {
         r.arguments.append(argument.toString());
     r.commandLine = o.value(QStringLiteral("commandLine")).toString();
     r.gameFolder = o.value(QStringLiteral("gameFolder")).toString();
-    r.scriptFolder = o.value(QStringLiteral("scriptFolder")).toString();
-    r.profile = o.value(QStringLiteral("profile")).toString();
     r.address = o.value(QStringLiteral("address")).toString();
     const int port = o.value(QStringLiteral("port")).toInt(-1);
     r.rconPassword = o.value(QStringLiteral("rconPassword")).toString();
@@ -80,6 +85,18 @@ QString fromJson(const QByteArray& line, LaunchRecord& r) {
     r.lastMonitorRestart = timeOf(o.value(QStringLiteral("lastMonitorRestart")));
     r.ended = timeOf(o.value(QStringLiteral("ended")));
     r.endReason = o.value(QStringLiteral("endReason")).toString();
+    // Lines written before these were kept read as servers without them.
+    r.portAsked = quint16(qBound(0, o.value(QStringLiteral("portAsked")).toInt(), 65535));
+    r.scripts = o.value(QStringLiteral("scripts")).toString();
+    r.profile = o.value(QStringLiteral("profile")).toString();
+    r.hostName = o.value(QStringLiteral("hostName")).toString();
+    for (const QJsonValue& value : o.value(QStringLiteral("runs")).toArray()) {
+        const QJsonObject run = value.toObject();
+        r.runs.append({run.value(QStringLiteral("logFile")).toString(),
+                       timeOf(run.value(QStringLiteral("started"))),
+                       timeOf(run.value(QStringLiteral("ended"))),
+                       run.value(QStringLiteral("endReason")).toString()});
+    }
     r.added = o.value(QStringLiteral("added")).toBool();
     if (r.id.isEmpty())
         return QStringLiteral("no id");
@@ -98,7 +115,7 @@ QString fromJson(const QByteArray& line, LaunchRecord& r) {
     } else if (r.program.isEmpty()) {
         return QStringLiteral("no program");
     }
-    if (port <= 0 || port > 65535)
+    if (port < 0 || port > 65535 || (r.added && port == 0)) // 0: not known yet
         return QStringLiteral("no port");
     if (!r.started.isValid())
         return QStringLiteral("no start time");

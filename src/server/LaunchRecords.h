@@ -8,6 +8,14 @@
 
 namespace halvane {
 
+// One earlier run of a server, so that its log can still be found.
+struct ServerRun {
+    QString logFile;
+    QDateTime started;
+    QDateTime ended;
+    QString endReason;
+};
+
 // What one launch started, kept in the user's state folder so that a later
 // run of the program finds the server again; or a server on another host
 // that the operator added, which has no process, program or log of ours.
@@ -19,13 +27,12 @@ struct LaunchRecord {
     QStringList arguments;
     QString commandLine;
     QString gameFolder;
-    // The folder of the scripts only this server reads (the game's
-    // fs_homepath, passed in the arguments), and the profile it was launched
-    // from; both empty for a server reading the game folder's scripts.
-    QString scriptFolder;
-    QString profile;
     QString address;
-    quint16 port = 0;
+    quint16 port = 0;      // where the game listens; 0 until its log (or the system) says
+    quint16 portAsked = 0; // what the port box named, 0 when it held no port
+    QString scripts;       // the copy of its scripts a restart runs (the engine's home path)
+    QString profile;       // the profile it was launched from, empty for the main window's
+    QString hostName;      // as it last answered, kept once it has ended
     QString rconPassword;
     QDateTime started; // of the process that runs now
     QString logFile;
@@ -34,7 +41,8 @@ struct LaunchRecord {
     QDateTime lastMonitorRestart;
     QDateTime ended; // invalid while it runs
     QString endReason;
-    bool added = false; // by the operator, by its address
+    QList<ServerRun> runs; // the earlier ones, oldest first
+    bool added = false;    // by the operator, by its address
 
     bool running() const { return !ended.isValid(); }
 };

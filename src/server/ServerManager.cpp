@@ -1,6 +1,7 @@
 #include "server/ServerManager.h"
 
 #include "app/AppContext.h"
+#include "server/ScriptCopy.h"
 
 #include <QDir>
 #include <QEventLoop>
@@ -44,9 +45,12 @@ void ServerManager::load() {
                             .arg(QDir::toNativeSeparators(m_file.path()),
                                  loaded.problems.join(QStringLiteral("; ")));
     bool changed = !loaded.problems.isEmpty();
+    const QDateTime now = QDateTime::currentDateTime();
     for (const LaunchRecord& record : loaded.records) {
         m_servers.append({record, {}});
         ServerEntry& server = m_servers.last();
+        server.live.expectedSince = now;
+        server.live.portRead = record.port != 0;
         if (record.running() && !record.added && !alive(record)) {
             processEnded(server, QStringLiteral("ended while Halvane was not running"), true);
             changed = true;
@@ -100,27 +104,34 @@ QString ServerManager::newLogFile(quint16 port) const {
 StartResult ServerManager::launch(const QString& program, const QStringList& arguments,
                                   const QString& folder, const QString& commandLine,
                                   const QString& address, const QString& port,
-                                  const QString& rconPassword, const QString& scriptFolder,
-                                  const QString& profile) {
+                                  const QString& rconPassword) {
+    return launch({program, arguments, folder, commandLine, address, port, rconPassword, {}, {}});
+}
+
+StartResult ServerManager::launch(const ServerStart& start) {
     load();
     LaunchRecord record;
-    record.scriptFolder = scriptFolder;
-    record.profile = profile;
-    record.program = program;
-    record.arguments = arguments;
-    record.commandLine = commandLine;
-    record.gameFolder = folder;
-    const QString ip = address.trimmed();
+    record.program = start.program;
+    record.arguments = start.arguments;
+    record.commandLine = start.commandLine;
+    record.gameFolder = start.gameFolder;
+    record.profile = start.profile;
+    const QString ip = start.address.trimmed();
     // A server bound to every address answers on the loopback one.
     record.address =
         ip.isEmpty() || ip == QLatin1String("0.0.0.0") ? QStringLiteral("127.0.0.1") : ip;
+    // Only a hint: a taken port moves the game on, and text that is no
+    // number makes it take any free port. Where it listens comes from its log.
     bool portOk = false;
-    const uint number = port.trimmed().toUInt(&portOk);
-    record.port = portOk && number > 0 && number <= 65535 ? quint16(number) : GamePort;
-    record.rconPassword = rconPassword;
-    record.logFile = newLogFile(record.port);
-    const StartResult started =
-        m_app.platform.processes.start(program, arguments, folder, record.logFile);
+    const QString port = start.port.trimmed();
+    const uint number = port.toUInt(&portOk);
+    record.portAsked = portOk && number > 0 && number <= 65535 ? quint16(number)
+                       : port.isEmpty()                        ? GamePort
+                                                               : 0;
+    record.rconPassword = start.rconPassword;
+    record.logFile = newLogFile(record.portAsked);
+    const StartResult started = m_app.platform.processes.start(record.program, record.arguments,
+                                                               record.gameFolder, record.logFile);
     if (!started.started) {
         if (!record.logFile.isEmpty())
             QFile::remove(record.logFile); // the empty file made for it
@@ -130,18 +141,36 @@ StartResult ServerManager::launch(const QString& program, const QStringList& arg
     record.processStart = started.startTime;
     record.started = QDateTime::currentDateTime();
     record.id = serverId(record.started, record.pid);
+    // Taken now, before a later launch rewrites the game folder's scripts.
+    QStringList sources{record.gameFolder};
+    if (!start.scriptFolder.isEmpty())
+        sources.prepend(start.scriptFolder);
+    const QString copies = m_app.platform.folder.stateFolder() + QStringLiteral("/servers");
+    QDir().mkpath(copies);
+    // Its scripts hold the console passwords: for the user alone.
+    QFile::setPermissions(copies,
+                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    record.scripts = copies + QLatin1Char('/') + record.id;
+    const QString copyProblem = copyServerScripts(sources, record.arguments, record.scripts);
     m_servers.prepend({record, {}});
+    ServerEntry& server = m_servers.first();
+    server.live.expectedSince = record.started;
+    server.live.fresh = true;
     // The last ones that ended stay listed, the older ones go.
     int ended = 0;
     m_servers.removeIf(
-        [&](const ServerEntry& server) { return !server.record.running() && ++ended > KeptEnded; });
+        [&](const ServerEntry& entry) { return !entry.record.running() && ++ended > KeptEnded; });
+    QStringList problems;
     if (record.logFile.isEmpty())
-        m_servers.first().live.problem =
-            QStringLiteral("No log: the folder %1 cannot be written")
-                .arg(QDir::toNativeSeparators(m_app.platform.folder.stateFolder()));
+        problems << QStringLiteral("No log: the folder %1 cannot be written")
+                        .arg(QDir::toNativeSeparators(m_app.platform.folder.stateFolder()));
+    if (!copyProblem.isEmpty())
+        problems << QStringLiteral("No copy of its scripts for a restart: ") + copyProblem;
+    m_servers.first().live.problem = problems.join(QLatin1Char('\n'));
     save();
     m_tick.start();
     emit listChanged();
+    emit launched(record.id);
     return started;
 }
 
@@ -175,6 +204,7 @@ QString ServerManager::add(const QString& address, const QString& port,
     record.started = QDateTime::currentDateTime();
     record.id = QStringLiteral("added-") + serverId(record.started, m_servers.size());
     m_servers.prepend({record, {}});
+    m_servers.first().live.portRead = true; // the one given: no log of ours tells another
     save();
     m_tick.start();
     emit listChanged();
@@ -185,29 +215,57 @@ QString ServerManager::add(const QString& address, const QString& port,
 
 bool ServerManager::startProcess(ServerEntry& server) {
     LaunchRecord& r = server.record;
-    const QString log = newLogFile(r.port);
+    // Never from what the game folder holds now: the copy, or nothing.
+    const QFileInfo folder(r.gameFolder);
+    QString problem;
+    if (!folder.exists())
+        problem = QStringLiteral("the game folder %1 does not exist any more");
+    else if (!folder.isDir())
+        problem = QStringLiteral("the game folder %1 is not a folder");
+    if (!problem.isEmpty())
+        problem = problem.arg(QDir::toNativeSeparators(r.gameFolder));
+    else if (!r.scripts.isEmpty() &&
+             !QFileInfo(r.scripts + QLatin1Char('/') + ScriptGameFolder).isDir())
+        problem = QStringLiteral("the copy of the scripts it was launched with, %1, is missing")
+                      .arg(QDir::toNativeSeparators(r.scripts));
+    if (!problem.isEmpty()) {
+        server.live.problem = QStringLiteral("Could not start the server again: ") + problem;
+        return false;
+    }
+    const QString log = newLogFile(r.portAsked);
+    // Servers recorded before their scripts were copied start as they were.
+    const QStringList arguments =
+        r.scripts.isEmpty() ? r.arguments : argumentsWithScripts(r.arguments, r.scripts);
     const StartResult started =
-        m_app.platform.processes.start(r.program, r.arguments, r.gameFolder, log);
+        m_app.platform.processes.start(r.program, arguments, r.gameFolder, log);
     if (!started.started) {
         server.live.problem =
             QStringLiteral("Could not start the server again (error %1)").arg(started.errorCode);
         return false;
     }
     const qint64 oldPid = r.pid;
+    if (r.started.isValid())
+        r.runs.append({r.logFile, r.started, r.ended, r.endReason});
+    while (r.runs.size() > KeptRuns)
+        r.runs.removeFirst();
     r.pid = started.taskId;
     r.processStart = started.startTime;
     r.started = QDateTime::currentDateTime();
     r.logFile = log;
+    r.port = 0; // it may open another one this time
     r.ended = QDateTime();
     r.endReason.clear();
     server.live = ServerLive();
+    server.live.expectedSince = r.started;
+    server.live.fresh = true;
     emit restarted(oldPid, r.pid);
     return true;
 }
 
-void ServerManager::processEnded(ServerEntry& server, const QString& reason, bool mayRestart) {
+void ServerManager::processEnded(ServerEntry& server, const QString& reason, bool mayRestart,
+                                 bool quick) {
     const QDateTime now = QDateTime::currentDateTime();
-    const bool quick = server.record.started.secsTo(now) < QuickEndSecs;
+    quick = quick || server.record.started.secsTo(now) < m_limits.quickEndSecs;
     server.quickEnds = mayRestart && quick ? server.quickEnds + 1 : 0;
     server.record.ended = now;
     server.record.endReason = reason;
@@ -217,11 +275,14 @@ void ServerManager::processEnded(ServerEntry& server, const QString& reason, boo
     server.live.stopping = ServerLive::Stopping::No;
     if (!mayRestart || !server.record.monitor || m_role == Role::Look)
         return;
-    if (server.quickEnds > QuickEndsAllowed) {
-        server.live.problem = QStringLiteral("Not restarted: it ended within %1 seconds of its "
-                                             "start %2 times in a row")
-                                  .arg(QuickEndSecs)
-                                  .arg(server.quickEnds);
+    if (server.quickEnds > m_limits.quickEndsAllowed) {
+        server.record.endReason =
+            QStringLiteral("gave up: %1 times in a row it ended within %2 seconds of its start "
+                           "or did not answer within %3 seconds")
+                .arg(server.quickEnds)
+                .arg(m_limits.quickEndSecs)
+                .arg(m_limits.firstAnswerSecs);
+        server.live.problem.clear(); // the reason above says it all
         return;
     }
     if (startProcess(server)) {
@@ -259,10 +320,19 @@ void ServerManager::refresh() {
             emit serverChanged(server.record.id);
             continue;
         }
-        if (server.record.monitor && m_role == Role::Steer && server.live.silentSince.isValid() &&
-            server.live.silentSince.secsTo(now) >= SilenceLimitSecs) {
+        // Silent for too long, or never answered since its start: hung.
+        const bool answered = server.live.lastAnswer.isValid();
+        const bool silent =
+            answered ? server.live.silentSince.isValid() &&
+                           server.live.silentSince.secsTo(now) >= m_limits.silenceSecs
+                     : server.live.expectedSince.isValid() &&
+                           server.live.expectedSince.secsTo(now) >= m_limits.firstAnswerSecs;
+        if (server.record.monitor && m_role == Role::Steer && silent) {
             server.live.problem =
-                QStringLiteral("No answer for %1 seconds: restarting").arg(SilenceLimitSecs);
+                answered ? QStringLiteral("No answer for %1 seconds: restarting")
+                               .arg(m_limits.silenceSecs)
+                         : QStringLiteral("No answer within %1 seconds of its start: restarting")
+                               .arg(m_limits.firstAnswerSecs);
             server.live.stopping = ServerLive::Stopping::Monitor;
             server.live.stopAsked = now;
             server.live.asked = m_app.platform.processes.end(server.record.pid, false);
@@ -270,7 +340,7 @@ void ServerManager::refresh() {
             emit serverChanged(server.record.id);
             continue;
         }
-        if (!server.live.portRead)
+        if (!server.live.portRead && !server.record.added)
             changed |= readOpenedPort(server);
         if (polled(server))
             query(server);
@@ -280,21 +350,36 @@ void ServerManager::refresh() {
 }
 
 // Queries go where the game really listens, which the port box alone does
-// not tell: an empty box or a taken port moves it on. True when it moved.
+// not tell: an empty box or a taken port moves it on, text that is no
+// number has it take any free port. Until then it is asked nothing, so
+// another server's answer is never taken for its own. True when it is known.
 bool ServerManager::readOpenedPort(ServerEntry& server) {
     constexpr qint64 Scanned = 64 * 1024; // the line comes within the first few lines
-    QFile log(server.record.logFile);
+    LaunchRecord& r = server.record;
+    std::optional<quint16> port;
+    bool logDone = true; // the log will tell no more
+    QFile log(r.logFile);
     // A pipe would never end a read, and block the window.
-    if (!QFileInfo(server.record.logFile).isFile() || !log.open(QIODevice::ReadOnly)) {
-        server.live.portRead = true; // asked on the port given
-        return false;
+    if (QFileInfo(r.logFile).isFile() && log.open(QIODevice::ReadOnly)) {
+        const QByteArray start = log.read(Scanned);
+        port = protocol::openedPort(start);
+        logDone = port || start.size() >= Scanned;
     }
-    const QByteArray start = log.read(Scanned);
-    const auto port = protocol::openedPort(start);
-    server.live.portRead = port || start.size() >= Scanned;
-    if (!port || *port == server.record.port)
-        return false;
-    server.record.port = *port;
+    if (!port || *port == 0) {
+        if (!logDone)
+            return false;
+        // The system knows the socket; failing that the port asked for,
+        // unless it asked for any.
+        const QList<quint16> open = m_app.platform.processes.udpPortsOf(r.pid);
+        if (!open.isEmpty())
+            port = open.first();
+        else if (!port && r.portAsked != 0)
+            port = r.portAsked;
+        else
+            return false;
+    }
+    server.live.portRead = true;
+    r.port = *port;
     return true;
 }
 
@@ -303,6 +388,8 @@ std::optional<quint32> ServerManager::addressOf(const LaunchRecord& record) {
 }
 
 void ServerManager::query(ServerEntry& server) {
+    if (server.record.port == 0)
+        return; // not known yet
     const auto address = addressOf(server.record);
     if (!address) {
         server.live.problem = QStringLiteral("Cannot ask %1 for its status: not a numeric address")
@@ -330,7 +417,8 @@ void ServerManager::readDatagrams() {
         const QByteArray& datagram = received->data;
         ServerEntry* server = nullptr;
         for (ServerEntry& candidate : m_servers) {
-            if (candidate.record.running() && candidate.record.port == received->port &&
+            if (candidate.record.running() && candidate.record.port != 0 &&
+                candidate.record.port == received->port &&
                 addressOf(candidate.record) == received->address) {
                 server = &candidate;
                 break;
@@ -357,6 +445,12 @@ void ServerManager::readDatagrams() {
         if (status) {
             server->live.status = std::move(status);
             server->live.problem.clear();
+            // Kept for the list once it has ended.
+            const QString hostName = server->live.status->value("sv_hostname");
+            if (hostName != server->record.hostName) {
+                server->record.hostName = hostName;
+                save();
+            }
         } else {
             server->live.problem = QStringLiteral("The server ") + error;
         }
@@ -394,6 +488,8 @@ void ServerManager::rcon(const QString& id, const QString& command, AnswerHandle
         problem = QStringLiteral("the server is not running");
     else if (!address)
         problem = QStringLiteral("%1 is not a numeric address").arg(server->record.address);
+    else if (server->record.port == 0)
+        problem = QStringLiteral("the port it listens on is not known yet");
     else
         problem = protocol::rconPasswordProblem(server->record.rconPassword);
     if (!problem.isEmpty()) {
@@ -492,7 +588,8 @@ void ServerManager::stop(const QString& id) {
         finishStop(*server);
         return;
     }
-    if (protocol::rconPasswordProblem(server->record.rconPassword).isEmpty())
+    if (protocol::rconPasswordProblem(server->record.rconPassword).isEmpty() &&
+        server->record.port != 0)
         rcon(id, QStringLiteral("quit"), [this, id](const protocol::RconAnswer& answer) {
             // Refused: no need to wait for a quit that will not come.
             ServerEntry* refused = entry(id);
@@ -541,11 +638,11 @@ void ServerManager::checkStopping() {
         any = true;
         const qint64 waited = live.stopAsked.secsTo(now);
         // Only our own process: alive() has just matched its start time.
-        if (!live.asked && waited >= AskGraceSecs) {
+        if (!live.asked && waited >= m_limits.askGraceSecs) {
             live.asked = true;
             m_app.platform.processes.end(server.record.pid, false);
         }
-        if (!live.killed && waited >= KillGraceSecs) {
+        if (!live.killed && waited >= m_limits.killGraceSecs) {
             live.killed = true;
             m_app.platform.processes.end(server.record.pid, true);
         }
@@ -559,9 +656,14 @@ void ServerManager::finishStop(ServerEntry& server) {
     // An operator's Stop is never undone by the monitor.
     if (why == ServerLive::Stopping::Operator)
         processEnded(server, QStringLiteral("stopped"), false);
-    else if (why == ServerLive::Stopping::Monitor)
-        processEnded(server, QStringLiteral("stopped answering"), true);
-    else {
+    else if (why == ServerLive::Stopping::Monitor) {
+        // A start that never answered counts like one that ended at once.
+        const bool hung = server.live.fresh && !server.live.lastAnswer.isValid();
+        processEnded(server,
+                     hung ? QStringLiteral("did not answer after its start")
+                          : QStringLiteral("stopped answering"),
+                     true, hung);
+    } else {
         processEnded(server, QStringLiteral("restarted"), false);
         startProcess(server);
     }
@@ -574,6 +676,9 @@ void ServerManager::setMonitor(const QString& id, bool on) {
     if (!server || server->record.added || server->record.monitor == on)
         return;
     server->record.monitor = on;
+    // An answer is due from now, not from a start the monitor did not watch.
+    if (on && !server->live.lastAnswer.isValid())
+        server->live.expectedSince = QDateTime::currentDateTime();
     save();
     emit serverChanged(id);
 }

@@ -21,7 +21,9 @@ struct AppContext;
 struct ServerLive {
     std::optional<protocol::ServerStatus> status;
     QDateTime lastAnswer;
-    QDateTime silentSince; // first query left unanswered since the last answer
+    QDateTime expectedSince; // from when an answer is due: its start, or when it was first watched
+    bool fresh = false;      // started by this run of the program, so a silence counts as a hang
+    QDateTime silentSince;   // first query left unanswered since the last answer
     int unanswered = 0;
     QString problem; // the last thing that went wrong, as one line
     enum class Stopping { No, Operator, Restart, Monitor } stopping = Stopping::No;
@@ -29,6 +31,32 @@ struct ServerLive {
     bool asked = false; // the process was asked to end
     bool killed = false;
     bool portRead = false; // the port the game opened was read from its log, or cannot be
+};
+
+// How long the monitor waits and how often it tries; tests shorten them.
+struct MonitorLimits {
+    int silenceSecs = 60;     // without an answer, once it has answered
+    int firstAnswerSecs = 60; // without any answer after a start
+    // A server that keeps ending, or not answering, this soon after its
+    // start is not restarted again and again.
+    int quickEndSecs = 30;
+    int quickEndsAllowed = 3;
+    int askGraceSecs = 5;   // after rcon quit, the process is asked to end
+    int killGraceSecs = 10; // then it is killed
+};
+
+// What a launch starts; the launch of a profile names the folder its
+// scripts were written to.
+struct ServerStart {
+    QString program;
+    QStringList arguments;
+    QString gameFolder; // the working folder
+    QString commandLine;
+    QString address; // the IP and port boxes as typed
+    QString port;
+    QString rconPassword;
+    QString scriptFolder; // holds baseq3/ with the scripts; empty: the game folder
+    QString profile;
 };
 
 struct ServerEntry {
@@ -49,14 +77,8 @@ public:
     // written.
     enum class Role { Steer, Look };
     static constexpr int RefreshMs = 2000;
-    static constexpr int SilenceLimitSecs = 60;
-    static constexpr int AskGraceSecs = 5;   // after rcon quit, the process is asked to end
-    static constexpr int KillGraceSecs = 10; // then it is killed
-    static constexpr int KeptEnded = 10;     // ended servers still listed
-    // A server that keeps ending this soon after its start is not restarted
-    // again and again.
-    static constexpr int QuickEndSecs = 30;
-    static constexpr int QuickEndsAllowed = 3;
+    static constexpr int KeptEnded = 10; // ended servers still listed
+    static constexpr int KeptRuns = 100; // earlier runs of one server whose logs stay listed
     // Datagrams read in one pass over the socket: a flood waits in the
     // socket's queue (and overflows it) instead of holding up the window.
     static constexpr int MaxPacketsPerPass = 32;
@@ -81,12 +103,14 @@ public:
     // Problems with the state file, or empty.
     QString fileProblem() const { return m_fileProblem; }
 
-    // Starts the game with its output in a new log file and records it.
-    // scriptFolder and profile: see LaunchRecord.
+    // Starts the game with its output in a new log file, records it and
+    // keeps a copy of the scripts it runs for its restarts.
+    StartResult launch(const ServerStart& start);
     StartResult launch(const QString& program, const QStringList& arguments, const QString& folder,
                        const QString& commandLine, const QString& address, const QString& port,
-                       const QString& rconPassword, const QString& scriptFolder = {},
-                       const QString& profile = {});
+                       const QString& rconPassword);
+    void setLimits(const MonitorLimits& limits) { m_limits = limits; }
+    const MonitorLimits& limits() const { return m_limits; }
 
     // A server on another host (or one started otherwise): status, players
     // and console, nothing of its process. Empty when added, otherwise why
@@ -109,6 +133,7 @@ public:
 signals:
     void serverChanged(const QString& id);
     void listChanged();
+    void launched(const QString& id);
     void restarted(qint64 oldPid, qint64 newPid);
 
 private:
@@ -127,7 +152,8 @@ private:
     void query(ServerEntry& server);
     void checkStopping();
     void finishStop(ServerEntry& server);
-    void processEnded(ServerEntry& server, const QString& reason, bool mayRestart);
+    void processEnded(ServerEntry& server, const QString& reason, bool mayRestart,
+                      bool quick = false);
     bool startProcess(ServerEntry& server);
     bool alive(const LaunchRecord& record) const;
     bool polled(const ServerEntry& server) const;
@@ -142,6 +168,7 @@ private:
     AppContext& m_app;
     Role m_role;
     LaunchRecordFile m_file;
+    MonitorLimits m_limits;
     QList<ServerEntry> m_servers;
     bool m_loaded = false;
     bool m_watched = false;

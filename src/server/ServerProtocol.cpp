@@ -220,7 +220,7 @@ std::optional<quint16> openedPort(const QByteArray& consoleOutput) {
         if (line.startsWith("Opening IP socket: ")) {
             bool ok = false;
             const uint port = line.mid(line.lastIndexOf(':') + 1).toUInt(&ok);
-            opened = ok && port > 0 && port <= 65535 ? std::optional(quint16(port)) : std::nullopt;
+            opened = ok && port <= 65535 ? std::optional(quint16(port)) : std::nullopt;
             confirmed = false;
         } else if (opened && !confirmed) {
             confirmed = !line.startsWith("WARNING: NET_IPSocket");

@@ -68,7 +68,9 @@ QString gameTypeName(const QString& gameType);
 // The UDP port the game opened, from the start of its console output: it
 // tries the next port while one is taken, whatever port it was given, and
 // says so ("Opening IP socket: 0.0.0.0:27961"). Nothing until a line after
-// the last such line shows that attempt was not refused.
+// the last such line shows that attempt was not refused. 0 when it asked
+// the system for any free port (a port box that held no number), which it
+// does not print.
 std::optional<quint16> openedPort(const QByteArray& consoleOutput);
 
 } // namespace halvane::protocol

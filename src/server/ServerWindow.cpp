@@ -7,8 +7,12 @@
 #include "ui/Accessibility.h"
 #include "ui_frmServer.h"
 
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QFontDatabase>
 #include <QHeaderView>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QPointer>
 #include <QScrollBar>
@@ -61,18 +65,25 @@ ServerWindow::ServerWindow(ServerManager& manager, Shell& shell, QWidget* owner)
     ui->cmbCommand->lineEdit()->setMaxLength(1000); // the engine takes no longer command
     ui->cmdOpenLog->setToolTip(QStringLiteral("Opens the whole log file"));
     nameControls(*this);
+    ui->cmbRun->setToolTip(QStringLiteral("The run of the server whose log is shown: the one "
+                                          "now, or an earlier one before a restart"));
     connect(ui->lstServers, &QTreeWidget::currentItemChanged, this, [this] {
         m_actionProblem.clear();
-        const ServerEntry* server = m_manager.find(currentId());
-        m_tail.follow(server ? server->record.logFile : QString());
-        m_logProblem.clear();
-        ui->txtLog->clear();
-        if (server && server->record.added)
-            ui->txtLog->setPlainText(QStringLiteral("Halvane did not start this server: its log "
-                                                    "is kept where it runs."));
-        readLog();
+        fillRuns(m_manager.find(currentId()));
         showDetails();
     });
+    connect(ui->cmbRun, &QComboBox::currentIndexChanged, this,
+            [this] { followLog(ui->cmbRun->currentData().toString()); });
+    // A server just launched is the one the operator wants to see.
+    connect(&m_manager, &ServerManager::launched, this, [this](const QString& id) {
+        for (int i = 0; i < ui->lstServers->topLevelItemCount(); ++i) {
+            if (ui->lstServers->topLevelItem(i)->data(Name, Qt::UserRole) == id)
+                ui->lstServers->setCurrentItem(ui->lstServers->topLevelItem(i));
+        }
+    });
+    ui->cmdClose->setToolTip(QStringLiteral("Closes this window; the servers keep running"));
+    connect(ui->cmdClose, &QPushButton::clicked, this, &QWidget::close);
+
     connect(&m_manager, &ServerManager::listChanged, this, &ServerWindow::rebuildList);
     connect(&m_manager, &ServerManager::serverChanged, this, &ServerWindow::updateRow);
     ui->cmdAddServer->setToolTip(QStringLiteral("Adds a server that Halvane did not start, on "
@@ -99,10 +110,7 @@ ServerWindow::ServerWindow(ServerManager& manager, Shell& shell, QWidget* owner)
             &ServerWindow::sendCommand);
     connect(ui->chkMonitor, &QCheckBox::toggled, this,
             [this](bool on) { m_manager.setMonitor(currentId(), on); });
-    connect(ui->cmdOpenLog, &QPushButton::clicked, this, [this] {
-        if (const ServerEntry* server = m_manager.find(currentId()))
-            m_shell.openDocument(server->record.logFile);
-    });
+    connect(ui->cmdOpenLog, &QPushButton::clicked, this, &ServerWindow::openLog);
     m_timer.setInterval(1000);
     connect(&m_timer, &QTimer::timeout, this, &ServerWindow::everySecond);
     rebuildList();
@@ -119,6 +127,14 @@ void ServerWindow::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
     m_manager.setWatched(true);
     m_timer.start();
+}
+
+// Esc closes it, as it does a dialog; the controls leave the key to it.
+void ServerWindow::keyPressEvent(QKeyEvent* event) {
+    if (event->key() == Qt::Key_Escape && event->modifiers() == Qt::NoModifier)
+        close();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void ServerWindow::hideEvent(QHideEvent* event) {
@@ -149,8 +165,16 @@ void ServerWindow::updateRow(const QString& id) {
     const ServerEntry* server = m_manager.find(id);
     for (int i = 0; server && i < ui->lstServers->topLevelItemCount(); ++i) {
         QTreeWidgetItem* item = ui->lstServers->topLevelItem(i);
-        if (item->data(Name, Qt::UserRole).toString() == id)
-            fillRow(*item, *server);
+        if (item->data(Name, Qt::UserRole).toString() != id)
+            continue;
+        fillRow(*item, *server);
+        // The columns were sized before the first answer: they grow to fit.
+        const QFontMetrics metrics(ui->lstServers->font());
+        for (int column = 0; column <= State; ++column) {
+            if (metrics.horizontalAdvance(item->text(column)) + 2 * metrics.averageCharWidth() >
+                ui->lstServers->columnWidth(column))
+                ui->lstServers->resizeColumnToContents(column);
+        }
     }
     if (id == currentId())
         showDetails();
@@ -161,10 +185,13 @@ void ServerWindow::fillRow(QTreeWidgetItem& item, const ServerEntry& server) con
     const auto& status = server.live.status;
     using protocol::cutForDisplay;
     using protocol::withoutColours;
-    const QString name = status ? withoutColours(status->value("sv_hostname")) : QString();
+    // The name it last answered with stays once it has ended.
+    const QString name = withoutColours(status ? status->value("sv_hostname") : r.hostName);
     item.setText(Name, cutForDisplay(name, ShownName));
     item.setToolTip(Name, name.size() > ShownName ? name : QString());
-    item.setText(Address, QStringLiteral("%1:%2").arg(r.address).arg(r.port));
+    // No port until the game has said where it listens.
+    item.setText(Address,
+                 r.port != 0 ? QStringLiteral("%1:%2").arg(r.address).arg(r.port) : r.address);
     item.setText(Map, status ? cutForDisplay(status->value("mapname"), ShownName) : QString());
     item.setText(GameType,
                  status
@@ -184,8 +211,56 @@ void ServerWindow::fillRow(QTreeWidgetItem& item, const ServerEntry& server) con
         item.setForeground(column, ink);
 }
 
+// The runs of the chosen server, the current one first, each with its log.
+void ServerWindow::fillRuns(const ServerEntry* server) {
+    m_runsOf = server ? server->record.id : QString();
+    m_runsLog = server ? server->record.logFile : QString();
+    const QSignalBlocker blocker(ui->cmbRun);
+    ui->cmbRun->clear();
+    if (server && !server->record.added) {
+        const LaunchRecord& r = server->record;
+        ui->cmbRun->addItem(r.running()
+                                ? QStringLiteral("this one, started %1").arg(clock(r.started))
+                                : QStringLiteral("the last, started %1, ended %2")
+                                      .arg(clock(r.started), clock(r.ended)),
+                            r.logFile);
+        for (qsizetype i = r.runs.size() - 1; i >= 0; --i) {
+            const ServerRun& run = r.runs[i];
+            ui->cmbRun->addItem(QStringLiteral("started %1, ended %2 (%3)")
+                                    .arg(clock(run.started), clock(run.ended), run.endReason),
+                                run.logFile);
+        }
+    }
+    followLog(ui->cmbRun->currentData().toString());
+}
+
+void ServerWindow::followLog(const QString& path) {
+    m_tail.follow(path);
+    m_logProblem.clear();
+    ui->txtLog->clear();
+    if (const ServerEntry* server = m_manager.find(currentId()); server && server->record.added)
+        ui->txtLog->setPlainText(QStringLiteral("Halvane did not start this server: its log "
+                                                "is kept where it runs."));
+    readLog();
+    showProblem();
+}
+
+void ServerWindow::openLog() {
+    const QString path = ui->cmbRun->currentData().toString();
+    if (path.isEmpty() || m_shell.openDocument(path))
+        return;
+    m_actionProblem = QStringLiteral("Open Log File: the log file %1 could not be opened%2")
+                          .arg(QDir::toNativeSeparators(path),
+                               QFileInfo::exists(path) ? QStringLiteral(": no program opens it")
+                                                       : QStringLiteral(": it does not exist"));
+    showProblem();
+}
+
 void ServerWindow::showDetails() {
     const ServerEntry* server = m_manager.find(currentId());
+    // A restart writes a new log: the list of runs follows it.
+    if (server && (server->record.id != m_runsOf || server->record.logFile != m_runsLog))
+        fillRuns(server);
     const bool running = server && server->record.running();
     const bool settled = running && server->live.stopping == ServerLive::Stopping::No;
     const bool added = server && server->record.added;
@@ -228,7 +303,7 @@ void ServerWindow::showDetails() {
                            .arg(restarts == 1 ? QStringLiteral("time") : QStringLiteral("times"))
                            .arg(clock(server->record.lastMonitorRestart))
                      : QString());
-    ui->cmdOpenLog->setEnabled(server && !server->record.logFile.isEmpty());
+    ui->cmdOpenLog->setEnabled(!ui->cmbRun->currentData().toString().isEmpty());
     const auto* status = server && server->live.status ? &*server->live.status : nullptr;
     const QString hostName = status ? status->value("sv_hostname") : QString();
     ui->lblHostName->setText(protocol::colouredHtml(protocol::cutForDisplay(hostName, ShownName)));
@@ -258,9 +333,35 @@ void ServerWindow::showDetails() {
     showProblem();
 }
 
+// The end of a log, for a server the monitor gave up on: what it said last
+// usually tells why it would not come up.
+static QString lastLogLines(const QString& path) {
+    constexpr int Lines = 6;
+    constexpr qint64 Tail = 4096;
+    QFile file(path);
+    // A pipe would never end a read, and block the window.
+    if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly))
+        return QString();
+    file.seek(qMax<qint64>(0, file.size() - Tail));
+    QStringList lines = QString::fromLatin1(file.read(Tail)).split(QLatin1Char('\n'));
+    for (QString& line : lines)
+        line = protocol::withoutColours(line.trimmed());
+    lines.removeAll(QString());
+    return lines.mid(qMax<qsizetype>(0, lines.size() - Lines)).join(QLatin1Char('\n'));
+}
+
 void ServerWindow::showProblem() {
     const ServerEntry* server = m_manager.find(currentId());
-    QStringList lines{m_manager.fileProblem(), server ? server->live.problem : QString(),
+    QString gaveUp;
+    if (server && !server->record.running() &&
+        server->record.endReason.startsWith(QLatin1String("gave up"))) {
+        const QString log = QDir::toNativeSeparators(server->record.logFile);
+        const QString tail = lastLogLines(server->record.logFile);
+        gaveUp = QStringLiteral("The monitor ") + server->record.endReason +
+                 (tail.isEmpty() ? QStringLiteral(". Its log %1 says nothing.").arg(log)
+                                 : QStringLiteral(". Its log %1 ends with:\n").arg(log) + tail);
+    }
+    QStringList lines{m_manager.fileProblem(), server ? server->live.problem : QString(), gaveUp,
                       m_actionProblem, m_logProblem};
     lines.removeAll(QString());
     ui->lblProblem->setText(lines.join(QLatin1Char('\n')));

@@ -33,6 +33,7 @@ public:
 protected:
     void showEvent(QShowEvent* event) override;
     void hideEvent(QHideEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void rebuildList();
@@ -45,6 +46,9 @@ private:
     void kick();
     void reportAnswer(const QString& what, const protocol::RconAnswer& answer);
     void showProblem();
+    void fillRuns(const ServerEntry* server);
+    void followLog(const QString& path);
+    void openLog();
 
     ServerManager& m_manager;
     Shell& m_shell;
@@ -54,6 +58,8 @@ private:
     QString m_logProblem;
     QString m_actionProblem;
     QString m_shownPlayers; // what the player list shows, to redraw only on change
+    QString m_runsOf;       // the server and run the run list was filled for
+    QString m_runsLog;
 };
 
 } // namespace halvane

@@ -378,6 +378,13 @@ bool Validation::checkAll(QString& failure) {
         return false;
     }
 
+    // The executable's name is repeated in halvane.cfg's closing comment.
+    if (const qsizetype at = firstConsoleBreak(m_app.state.GameExeName, ConsolePlace::Quoted);
+        at >= 0) {
+        failure =
+            consoleRefusal(QStringLiteral("The game's file name"), m_app.state.GameExeName[at]);
+        return false;
+    }
     if (QWidget* box = unsafeBox(failure)) {
         focusBox(box);
         return false;

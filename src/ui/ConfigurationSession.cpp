@@ -108,9 +108,9 @@ bool ConfigurationSession::launch(const QString& scriptFolder, ServerManager* ma
         launch.hooks().startServer = [this, manager,
                                       &ui](const QString& program, const QStringList& arguments,
                                            const QString& folder, const QString& commandLine) {
-            return manager->launch(program, arguments, folder, commandLine, ui.txtNetIP->text(),
-                                   ui.txtNetPort->text(), ui.txtConsolePW->text(),
-                                   m_app.state.ScriptFolder, m_profileName);
+            return manager->launch({program, arguments, folder, commandLine, ui.txtNetIP->text(),
+                                    ui.txtNetPort->text(), ui.txtConsolePW->text(),
+                                    m_app.state.ScriptFolder, m_profileName});
         };
     }
     return launch.cmdStart();

@@ -193,11 +193,9 @@ void MainWindow::endProgram() {
 void MainWindow::load() {
     m_loaded = true;
     // 1.
-    step("SkipSaveOnClose");
     SkipSaveOnClose = false;
 
     // 2. A second copy says so and ends without storing anything.
-    step("anotherCopyRunning");
     if (m_app.platform.desktop.anotherCopyRunning()) {
         m_app.platform.messages.tell(QStringLiteral("What have you been smoking?"),
                                      QStringLiteral("Halvane is already running"),
@@ -209,52 +207,38 @@ void MainWindow::load() {
     }
 
     // 3.
-    step("StartupInProgress");
     m_app.state.StartupInProgress = true;
 
     // 4. The default map picture (maps/default.jpg).
-    step("defaultPicture");
     m_maps->showStartupPicture();
     // 5.
-    step("CheckMapDataFile");
     m_maps->CheckMapDataFile();
 
     // 6.
-    step("CheckNewMaps");
     const auto checkNewMaps = parseTruth(m_app.platform.store.read(
         QStringLiteral("Settings"), QStringLiteral("CheckNewMaps"), truthText(false)));
     ui->mnuSettingsMapCheck->setChecked(checkNewMaps.value_or(false));
 
     // 7.
-    step("GetMapsFromBaseDir");
     m_maps->GetMapsFromBaseDir();
     // 8.
-    step("LoadBotList");
     m_bots->LoadBotList();
     // 9.
-    step("LoadMaps");
     m_maps->LoadMaps();
 
     // 10.
-    step("LoadControls");
     LoadControls();
     // 11.
-    step("LoadSettings");
     m_settings->LoadSettings();
     // 12.
-    step("lblVersion");
     ui->lblVersion->setText(AppInfo::versionCaption());
     // 13.
-    step("Countbots");
     m_bots->Countbots();
     // 14.
-    step("SetGameType");
     m_interlocks->SetGameType();
     // 15.
-    step("StartupDone");
     m_app.state.StartupInProgress = false;
     // 16.
-    step("AboutLinks");
     ui->Label20->setText(AppInfo::productSiteAddress());
     ui->Label23->setText(AppInfo::authorMailAddress());
 }
@@ -370,16 +354,12 @@ void MainWindow::unload() {
     m_unloaded = true;
     if (!SkipSaveOnClose && m_loaded) {
         // 1. The shown map's rules back into its record.
-        step("CommitShownMap");
         m_maps->commitOnClose();
         // 2.
-        step("SaveMaps");
         m_maps->SaveMaps();
         // 3.
-        step("saveParameterList");
         m_parameters->saveParameterList();
         // 4.
-        step("SaveSettings");
         if (!m_settings->SaveSettings()) {
             // The program still ends, but not without saying what was lost.
             const SettingsStore& store = m_app.platform.store;
@@ -392,7 +372,6 @@ void MainWindow::unload() {
                 MsgIcon::Critical);
         }
     }
-    step("endProgram");
     endProgram();
 }
 

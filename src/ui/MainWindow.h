@@ -97,9 +97,6 @@ public:
 
     bool SkipSaveOnClose = false;
 
-    // Told the name of each start-up and shut-down step as it begins.
-    std::function<void(const QString& step)> stepRecorder;
-
 protected:
     void closeEvent(QCloseEvent* event) override;
 
@@ -108,10 +105,6 @@ private:
     void unload();
     void cmdSetPath();
     void connectMenus();
-    void step(const char* name) {
-        if (stepRecorder)
-            stepRecorder(QString::fromLatin1(name));
-    }
 
     AppContext& m_app;
     WindowRole m_role;

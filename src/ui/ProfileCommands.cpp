@@ -138,7 +138,9 @@ bool ProfileCommands::launchProfile(const QString& name) {
     const uint number = portText.toUInt(&ok);
     const quint16 port = ok && number > 0 && number <= 65535 ? quint16(number) : GamePort;
     for (const ServerEntry& server : manager.servers()) {
-        if (!server.record.running() || server.record.port != port)
+        // The port it opened, or before its log says so, the one it asked for.
+        const quint16 has = server.record.port != 0 ? server.record.port : server.record.portAsked;
+        if (!server.record.running() || has != port)
             continue;
         const QString which =
             server.record.profile.isEmpty()

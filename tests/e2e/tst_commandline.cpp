@@ -96,6 +96,7 @@ private slots:
     void refusals();
     void launchStatusStopAndExport();
     void runScriptKeepsEveryWord();
+    void exportOnAFullDisk();
 };
 
 void TestCommandLine::writeConfigIsTheWindows_data() {
@@ -128,8 +129,9 @@ void TestCommandLine::writeConfigIsTheWindows() {
     CommandLine cli(w.platform);
     const Result result = cli.run({"write-config"});
     QVERIFY2(result.code == 0, qPrintable(result.err));
-    QCOMPARE(result.err, QStringLiteral("Success!: halvane.cfg has been created in your baseq3 "
-                                        "folder, would you like to view it now?\n(answered No)\n"));
+    QCOMPARE(result.err,
+             QStringLiteral("Success!: halvane.cfg has been created in your baseq3 "
+                            "folder, would you like to view it now?\n(answered Yes)\n"));
     const QString baseq3 = w.platform.gameFolder() + "/baseq3";
     const QMap<QString, QByteArray> written = filesBelow(baseq3);
     QVERIFY(QDir(baseq3).removeRecursively() && QDir().mkdir(baseq3));
@@ -137,6 +139,7 @@ void TestCommandLine::writeConfigIsTheWindows() {
     QVERIFY(w.window->configCommands().mnuFileMakeCfg());
     const QMap<QString, QByteArray> window = filesBelow(baseq3);
     QVERIFY(window.contains("halvane.cfg"));
+    QCOMPARE(window.contains("srvmaps/mapset0.cfg"), !maps.isEmpty()); // the rotation was read
     QCOMPARE(written.keys(), window.keys());
     for (auto it = window.cbegin(); it != window.cend(); ++it)
         QVERIFY2(written[it.key()] == it.value(),
@@ -162,6 +165,8 @@ void TestCommandLine::refusals_data() {
         << QStringList{"export", "game"} << 1 << "already exists" << true;
     QTest::newRow("export below a file")
         << QStringList{"export", "game/quake3.exe/x"} << 1 << "does not exist" << true;
+    QTest::newRow("a question answered as by Enter")
+        << QStringList{"write-config"} << 1 << "far exceeds the typical requirements" << true;
     QTest::newRow("window argument") << QStringList{"--frob"} << 2 << "unknown argument" << true;
 }
 
@@ -174,6 +179,7 @@ void TestCommandLine::refusals() {
     test::TestPlatform p;
     if (location)
         p.makeGameFolder();
+    store(p, "Network/HunkMegs=128"); // "change this first?" on a dedicated server
     CommandLine cli(p);
     const QStringList before = QDir(p.root()).entryList(QDir::AllEntries | QDir::Hidden);
     const QMap<QString, QByteArray> program = filesBelow(p.programFolder());
@@ -328,6 +334,25 @@ void TestCommandLine::runScriptKeepsEveryWord() {
     QVERIFY(run.waitForFinished(30000));
     QCOMPARE(QString::fromUtf8(run.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts),
              exporting::serverArguments(input, QFileInfo(p.root()).canonicalFilePath(), true));
+}
+
+// An export that runs out of room half way leaves nothing behind.
+void TestCommandLine::exportOnAFullDisk() {
+    test::TestPlatform p;
+    p.makeGameFolder();
+    const QString disk = p.root() + "/disk";
+    QDir().mkpath(disk);
+    if (QProcess::execute("mount", {"-t", "tmpfs", "-o", "size=16k", "tmpfs", disk}) != 0)
+        QSKIP("Mounting a small disk needs root; run as root to fill one.");
+    auto unmount = qScopeGuard([&] { QProcess::execute("umount", {"-l", disk}); });
+    CommandLine cli(p);
+    const Result result = cli.run({"export", disk + "/server"});
+    QCOMPARE(result.code, 1);
+    QVERIFY2(result.err.startsWith("Export Server: Cannot write " + disk + "/server/") &&
+                 result.err.contains("No space left on device"),
+             qPrintable(result.err));
+    QCOMPARE(QDir(disk).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
+             QStringList());
 }
 
 QTEST_MAIN(TestCommandLine)

@@ -9,12 +9,14 @@
 #include "TestSupport.h"
 
 #include "launch/LaunchController.h"
+#include "server/AddServerDialog.h"
 #include "server/LaunchRecords.h"
 #include "server/ServerControl.h"
 #include "server/ServerManager.h"
 #include "server/ServerWindow.h"
 #include "ui/MainWindow.h"
 #include "ui/ProfileCommands.h"
+#include "ui_frmAddServer.h"
 #include "ui_frmMain.h"
 #include "ui_frmPath.h"
 #include "ui_frmServer.h"
@@ -22,6 +24,7 @@
 #include <QSet>
 #include <QtTest>
 #include <csignal>
+#include <unistd.h>
 
 using namespace halvane;
 using namespace halvane::e2e;
@@ -105,7 +108,8 @@ struct Operator {
     // The game is the free game: a game folder made over it and chosen with
     // Browse, or set up by the path dialog's button, as a new user would.
     void launch(bool freeGameButton = false);
-    QSet<QString> firstBots, secondBots; // of the two maps
+    QSet<QString> firstBots, secondBots;           // of the two maps
+    std::function<void(Ui::frmMain&)> beforeStart; // the operator's last changes
 };
 
 void Operator::launch(bool freeGameButton) {
@@ -155,6 +159,8 @@ void Operator::launch(bool freeGameButton) {
     chooseMap(ui, "oa_dm1", "25", "60");
     ui.txtNetIP->setText("127.0.0.1");
     ui.txtNetPort->setText(QString::number(port));
+    if (beforeStart)
+        beforeStart(ui);
     ui.cmdStart->click();
     QVERIFY2(platform.messages.shown.isEmpty(), qPrintable(test::onlyMessage(platform.messages)));
     const QString srvbots = game + "/baseq3/srvbots/botset%1.cfg";
@@ -171,6 +177,9 @@ private slots:
     void operatorLaunchesTwoServers();
     void serverWindowSteersTheServer();
     void profilesRunSideBySide();
+    void serverOnAnotherHost();
+    void restartsKeepTheirServer();
+    void hostileValuesRunNoCommand();
 };
 
 void TestLaunchWindow::init() {
@@ -385,7 +394,10 @@ void TestLaunchWindow::profilesRunSideBySide() {
                  qPrintable(test::onlyMessage(platform.messages)));
         const LaunchRecord& record = op.window->servers().manager().servers().value(0).record;
         QCOMPARE(record.profile, side.name);
-        side.scripts = record.scriptFolder;
+        const QDir servers(platform.root() + "/state/servers");
+        const QStringList own = servers.entryList({side.name + "-*"}, QDir::Dirs);
+        QCOMPARE(own.size(), 1);
+        side.scripts = servers.filePath(own.first());
         side.pid = record.pid;
         op.started.tasks << side.pid;
     }
@@ -410,6 +422,250 @@ void TestLaunchWindow::profilesRunSideBySide() {
             60s, lives);
         QVERIFY2(status, qPrintable("profile " + side.name + " left its rotation"));
     }
+}
+
+// Another host of the test's own: a network namespace joined to this one by a
+// veth pair, with addresses of its own. Removed when the test ends, however
+// it ends; the server in it ends first.
+struct OtherHost {
+    const qint64 id = QCoreApplication::applicationPid();
+    const QString name = QStringLiteral("halvane-e2e-%1").arg(id);
+    const QString near = QStringLiteral("hv%1a").arg(id % 10000000);
+    const QString far = QStringLiteral("hv%1b").arg(id % 10000000);
+    // A /30 of its own in 10.213/16 for each test process.
+    const QString net = QStringLiteral("10.213.%1.%2").arg(id / 64 % 256);
+    const QString nearAddress = net.arg(id % 64 * 4 + 1);
+    const QString farAddress = net.arg(id % 64 * 4 + 2);
+    QProcess server;
+    bool made = false;
+
+    static bool ip(const QStringList& arguments) {
+        return QProcess::execute(QStringLiteral("ip"), arguments) == 0;
+    }
+    // Empty when made, otherwise why not.
+    QString make() {
+        made = ip({"netns", "add", name});
+        if (!made)
+            return "cannot make a network namespace (ip netns add " + name + ")";
+        const bool linked =
+            ip({"link", "add", near, "type", "veth", "peer", "name", far}) &&
+            ip({"link", "set", far, "netns", name}) &&
+            ip({"addr", "add", nearAddress + "/30", "dev", near}) &&
+            ip({"link", "set", near, "up"}) &&
+            ip({"netns", "exec", name, "ip", "addr", "add", farAddress + "/30", "dev", far}) &&
+            ip({"netns", "exec", name, "ip", "link", "set", far, "up"}) &&
+            ip({"netns", "exec", name, "ip", "link", "set", "lo", "up"});
+        return linked ? QString() : "cannot join it by a veth pair " + near + " and " + far;
+    }
+    ~OtherHost() {
+        if (server.state() != QProcess::NotRunning) {
+            server.kill();
+            server.waitForFinished(10000);
+        }
+        if (made)
+            ip({"netns", "del", name}); // and the veth pair with it
+        ip({"link", "del", near});      // should it not have been moved yet
+    }
+};
+
+// A server Halvane did not start, on another host: added in the server
+// window by its address there, its status, console and Next Map read and
+// used across the link.
+void TestLaunchWindow::serverOnAnotherHost() {
+    if (::geteuid() != 0)
+        QSKIP("only root can make the network namespace and veth pair this test runs in");
+    OtherHost host;
+    const QString made = host.make();
+    if (!made.isEmpty())
+        QSKIP(qPrintable(made));
+    test::TestPlatform platform;
+    const QString game = platform.root() + "/oa";
+    const QString built = buildGameFolder(game);
+    QVERIFY2(built.isEmpty(), qPrintable(built));
+    // Announced to no master server: nothing but this namespace is contacted.
+    QStringList arguments = {"netns", "exec", host.name, game + "/quake3.exe"};
+    const QStringList settings = {"dedicated",   "1",       "net_ip",       host.farAddress,
+                                  "net_port",    "27960",   "rconpassword", "e2e-far",
+                                  "sv_hostname", "Far e2e", "com_hunkmegs", "64"};
+    for (qsizetype i = 0; i + 1 < settings.size(); i += 2)
+        arguments << "+set" << settings[i] << settings[i + 1];
+    for (int i = 1; i <= 5; ++i)
+        arguments << "+set" << QStringLiteral("sv_master%1").arg(i) << "";
+    arguments << "+map"
+              << "oa_dm1";
+    host.server.setStandardOutputFile(QProcess::nullDevice());
+    host.server.setStandardErrorFile(QProcess::nullDevice());
+    host.server.start("ip", arguments);
+    QVERIFY(host.server.waitForStarted());
+
+    ServerManager manager(*platform.app);
+    ServerWindow window(manager, platform.shell, nullptr);
+    Ui::frmServer& ui = window.form();
+    window.show();
+    ui.cmdAddServer->click();
+    auto* dialog = window.findChild<AddServerDialog*>();
+    QVERIFY(dialog);
+    dialog->form().txtAddAddress->setText(host.farAddress);
+    dialog->form().txtAddPort->setText("27960");
+    dialog->form().txtAddPassword->setText("e2e-far");
+    dialog->form().btnAddServer->button(QDialogButtonBox::Ok)->click();
+    const auto row = [&](int column) {
+        return ui.lstServers->currentItem() ? ui.lstServers->currentItem()->text(column) : "";
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(row(2) == "oa_dm1", 60000);
+    QCOMPARE(row(0), QStringLiteral("Far e2e"));
+    QCOMPARE(row(1), host.farAddress + ":27960");
+    QVERIFY(!ui.cmdStop->isEnabled() && !ui.cmdRestart->isEnabled());
+
+    ui.cmbCommand->setEditText("status");
+    ui.cmdSend->click();
+    QTRY_VERIFY_WITH_TIMEOUT(ui.txtConsole->toPlainText().contains("map: oa_dm1"), 10000);
+    // The map's start set nextmap to a restart.
+    ui.cmbCommand->setEditText("set nextmap \"map oa_dm2\"");
+    ui.cmdSend->click();
+    ui.cmdNextMap->click();
+    QTRY_VERIFY2_WITH_TIMEOUT(row(2) == "oa_dm2",
+                              qPrintable(ui.txtConsole->toPlainText().right(600)), 60000);
+    // Listed, with its status, without the window.
+    const QList<ServerEntry> listed = listServers(*platform.app, 5000);
+    QCOMPARE(listed.size(), 1);
+    QVERIFY(listed[0].record.added && listed[0].live.status);
+    QCOMPARE(listed[0].live.status->value("mapname"), QStringLiteral("oa_dm2"));
+}
+
+// Two servers from one game folder: the second launched with text in the
+// port box and other settings; the first restarted as it was launched, then
+// hung until the monitor gives up, then its game folder gone.
+void TestLaunchWindow::restartsKeepTheirServer() {
+    Operator op;
+    op.launch();
+    if (QTest::currentTestFailed())
+        return;
+    op.window->findChild<QAction*>("mnuServerStatus")->trigger();
+    ServerWindow& window = op.window->servers().serverWindow();
+    ServerManager& manager = op.window->servers().manager();
+    Ui::frmServer& ui = window.form();
+    enum { Name, Address, Map, Type, Players, Uptime, State };
+    const QString first = manager.servers().value(0).record.id;
+    const auto record = [&](const QString& id) { return manager.find(id)->record; };
+    const auto row = [&](const QString& id, int column) {
+        for (int i = 0; i < ui.lstServers->topLevelItemCount(); ++i) {
+            const QTreeWidgetItem* item = ui.lstServers->topLevelItem(i);
+            if (item->data(0, Qt::UserRole) == id)
+                return item->text(column);
+        }
+        return QString();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(row(first, Map) == "oa_dm1", 60000);
+    ui.chkMonitor->click();
+    QVERIFY(record(first).monitor);
+
+    op.ui().txtServerName->setText("Second Server");
+    chooseMap(op.ui(), "oa_dm1", "25", "60");
+    op.ui().cmdRemSelMap->click();      // oa_dm2 alone
+    op.ui().txtNetPort->setText("abc"); // the game takes any free port
+    op.platform.messages.answers = {MsgAnswer::Yes};
+    op.ui().cmdStart->click();
+    const QString second = manager.servers().value(0).record.id;
+    QVERIFY(second != first);
+    QTRY_VERIFY_WITH_TIMEOUT(row(second, Name) == "Second Server", 60000);
+    QCOMPARE(row(second, Map), QStringLiteral("oa_dm2"));
+    QCOMPARE(window.currentId(), second); // the new one chosen, its columns wide enough
+    QVERIFY(ui.lstServers->columnWidth(Name) >
+            ui.lstServers->fontMetrics().horizontalAdvance("Second Server"));
+    const quint16 opened = record(second).port;
+    QVERIFY(opened != 0 && opened != op.port);
+    QCOMPARE(getStatus(opened)->info.value("sv_hostname"), QStringLiteral("Second Server"));
+    QCOMPARE(row(first, Name), QStringLiteral("Halvane window e2e"));
+    QCOMPARE(record(first).monitorRestarts, 0); // the healthy one left alone
+
+    ui.lstServers->setCurrentItem(ui.lstServers->topLevelItem(1));
+    QCOMPARE(window.currentId(), first);
+    const qint64 before = record(first).pid;
+    ui.cmdRestart->click();
+    QTRY_VERIFY_WITH_TIMEOUT(record(first).pid != before && row(first, State) == "running", 60000);
+    QCOMPARE(row(first, Name), QStringLiteral("Halvane window e2e"));
+    QCOMPARE(row(first, Map), QStringLiteral("oa_dm1"));
+    // The log of this run shown, the one before it still there to choose.
+    QCOMPARE(ui.cmbRun->count(), 2);
+    QCOMPARE(ui.cmbRun->currentData().toString(), record(first).logFile);
+    ui.cmbRun->setCurrentIndex(1);
+    const QString earlier = record(first).runs.value(0).logFile;
+    QTRY_COMPARE(ui.txtLog->toPlainText().section('\n', 0, 0),
+                 QString(test::readAll(earlier)).section('\n', 0, 0).trimmed());
+    op.platform.shell.succeed = false;
+    ui.cmdOpenLog->click();
+    QCOMPARE(op.platform.shell.opened.value(0), earlier);
+    QVERIFY2(ui.lblProblem->text().contains("the log file " + earlier + " could not be opened"),
+             qPrintable(ui.lblProblem->text()));
+
+    // Hung: every start of it stopped before it can answer.
+    manager.setLimits({3, 5, 1, 1, 1, 2});
+    QSet<qint64> hung;
+    const auto hangEach = [&] {
+        const LaunchRecord now = record(first);
+        if (now.running() && !hung.contains(now.pid) && ::kill(pid_t(now.pid), SIGSTOP) == 0)
+            hung.insert(now.pid);
+        return !now.running();
+    };
+    QTRY_VERIFY_WITH_TIMEOUT(hangEach(), 120000);
+    QVERIFY2(row(first, State).contains("(gave up: 2 times in a row"),
+             qPrintable(row(first, State)));
+    QCOMPARE(hung.size(), 3); // the start that had answered, then two that never did
+    QCOMPARE(row(first, Name), QStringLiteral("Halvane window e2e"));
+    QVERIFY2(ui.lblProblem->text().contains("Its log " + record(first).logFile),
+             qPrintable(ui.lblProblem->text()));
+    QCOMPARE(record(second).monitorRestarts, 0);
+    QVERIFY(getStatus(opened));
+
+    QVERIFY(QDir().rename(op.game, op.game + "-gone"));
+    ui.cmdRestart->click();
+    const QString gone =
+        "Could not start the server again: the game folder " + op.game + " does not exist any more";
+    QVERIFY2(ui.lblProblem->text().split('\n').contains(gone), qPrintable(ui.lblProblem->text()));
+    QVERIFY(!record(first).running());
+    ui.cmdClose->click();
+    QVERIFY(!window.isVisible());
+    op.window->findChild<QAction*>("mnuServerStatus")->trigger();
+    QTest::keyClick(&window, Qt::Key_Escape);
+    QVERIFY(!window.isVisible());
+}
+
+// Every box at the most hostile value validation lets through: the real
+// server runs none of the commands they hold, and the files holding the
+// passwords are the user's alone.
+void TestLaunchWindow::hostileValuesRunNoCommand() {
+    Operator op;
+    op.beforeStart = [](Ui::frmMain& ui) {
+        ui.txtServerName->setText("Arena; sets inj_host yes // /* x */ sets inj_host2 yes");
+        ui.txtMOTD->setText("+sets inj_motd yes; sets inj_motd2 yes */ sets inj_motd3 yes");
+        ui.txtConsolePW->setText("e2e; sets inj_rcon yes");
+        ui.chkRequirePassword->setChecked(true);
+        ui.txtServerPW->setText("pw&sets inj_pw yes//x");
+        ui.txtAdminName->setText("Bob // sets inj_admin yes");
+        ui.txtAdminEmail->setText("a@b 'c' $(sets inj_mail yes)");
+        ui.txtAdminURL->setText("http://a/b?c=d&e=f");
+        ui.txtCmdParameters->setEditText("+set sv_fps 20 +sets e2e_param \"ok\"");
+    };
+    op.launch();
+    if (QTest::currentTestFailed())
+        return;
+    op.started.tasks << op.window->launch().ServerTaskID;
+    const auto status = waitForStatus(
+        op.port, [](const ServerStatus& st) { return st.info.value("mapname") == "oa_dm1"; }, 60s,
+        [&] { return op.window->launch().ServerRunning(); });
+    QVERIFY2(status, "the launched server does not answer");
+    // halvane.cfg ran to its end (the map), the parameters ran as two commands.
+    QCOMPARE(status->info.value("e2e_param"), QStringLiteral("ok"));
+    QCOMPARE(status->info.value("admin_name"), QStringLiteral("Bob"));
+    QStringList injected;
+    for (const QString& key : status->info.keys()) {
+        if (key.startsWith("inj"))
+            injected << key;
+    }
+    QCOMPARE(injected, QStringList());
+    for (const QString& secret : {op.game + "/baseq3/halvane.cfg", op.platform.iniPath()})
+        QCOMPARE(QFileInfo(secret).permissions() & 0x7077, QFile::Permissions(0x6000));
 }
 
 QTEST_MAIN(TestLaunchWindow)

@@ -140,6 +140,13 @@ QString message(const QString& title, const QString& text, MsgButtons buttons, M
     return QStringLiteral("%1|%2|%3|%4").arg(title, text).arg(int(buttons)).arg(int(icon));
 }
 
+QStringList described(const FakeMessageBoxes& messages) {
+    QStringList result;
+    for (const ShownMessage& m : messages.shown)
+        result << message(m.title, m.text, m.buttons, m.icon);
+    return result;
+}
+
 QString onlyMessage(const FakeMessageBoxes& messages) {
     if (messages.shown.size() != 1)
         return QStringLiteral("%1 messages").arg(messages.shown.size());

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "FakePlatform.h"
 #include "app/AppContext.h"
-#include "platform/FakePlatform.h"
 #include "platform/QtPlatform.h"
 #include "ui/FirstRun.h"
 #include "ui/MainWindow.h"
@@ -113,6 +113,8 @@ bool makeArchive(const QString& path, const QStringList& members,
 
 // A message as "title|text|buttons|icon", so one QCOMPARE checks all four.
 QString message(const QString& title, const QString& text, MsgButtons buttons, MsgIcon icon);
+// Every message shown, described as above.
+QStringList described(const FakeMessageBoxes& messages);
 // The only message shown, described as above; says how many when not one.
 QString onlyMessage(const FakeMessageBoxes& messages);
 // The path of a golden file in tests/golden.

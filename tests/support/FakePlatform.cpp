@@ -1,4 +1,4 @@
-#include "platform/FakePlatform.h"
+#include "FakePlatform.h"
 
 namespace halvane {
 

@@ -60,7 +60,9 @@ public:
     bool activate(qint64 taskId) override;
     qint64 startTimeOf(qint64 taskId) override;
     bool end(qint64 taskId, bool force) override;
+    QList<quint16> udpPortsOf(qint64 taskId) override { return udpPorts.value(taskId); }
     QList<StartedProcess> started;
+    QMap<qint64, QList<quint16>> udpPorts;
     QList<qint64> activated;
     QList<qint64> alive;  // task ids that count as running
     QList<qint64> ended;  // task ids asked to end (negative: forced)
