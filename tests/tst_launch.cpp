@@ -7,6 +7,8 @@
 #include "app/AppInfo.h"
 #include "launch/CommandLine.h"
 #include "launch/LaunchController.h"
+#include "server/ServerControl.h"
+#include "server/ServerManager.h"
 #include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 
@@ -73,6 +75,7 @@ private slots:
     void realStartRunsTheWrittenLine();
     void failures_data();
     void failures();
+    void stateThatCannotBeKept();
 
 private:
     void makeWindow(Processes& processes);
@@ -391,6 +394,38 @@ void LaunchTest::failures() {
     QVERIFY(!QFile::exists(platform->root() + "/started.txt"));
     QVERIFY(window->isVisible());
     QCOMPARE(childProcesses(), QStringList{});
+}
+
+// The state folder is a file: the server starts, and the operator learns at
+// once that its log and record are lost, and later why a restart failed,
+// with no empty log left from the attempt.
+void LaunchTest::stateThatCannotBeKept() {
+    const QString state = platform->root() + "/state";
+    platform->writeFile(state, "not a folder");
+    makeWindow(platform->processes);
+    ui->cmdStart->click();
+    QCOMPARE(platform->processes.started.size(), 1);
+    const QString said = onlyMessage(platform->messages);
+    const QString buttons = message("", "", MsgButtons::Ok, MsgIcon::Information).section('|', 2);
+    QVERIFY2(said.startsWith("Halvane|The server was started.\r\rIts output is not logged: "
+                             "cannot make the folder " +
+                             state + "/logs.\r\r") &&
+                 said.endsWith("\r\rIt is not recorded, so the server window forgets it when "
+                               "Halvane closes. Could not write the server list " +
+                               state + "/servers.jsonl: cannot make the folder " + state + ".|" +
+                               buttons),
+             qPrintable(said));
+    QFile::remove(state);
+    platform->messages.answers = {MsgAnswer::Yes}; // to the second server's question
+    ui->cmdStart->click();
+    ServerManager& manager = window->servers().manager();
+    platform->processes.alive.clear(); // it ended
+    platform->processes.failWithCode = ENOENT;
+    manager.restart(manager.servers().value(0).record.id);
+    QCOMPARE(manager.servers().value(0).live.problem,
+             "Could not start the server again: " + platform->gameFolder() +
+                 "/quake3.exe: No such file or directory");
+    QCOMPARE(QDir(state + "/logs").entryList(QDir::Files).size(), 1); // the second launch's
 }
 
 QTEST_MAIN(LaunchTest)

@@ -35,8 +35,13 @@ ServerControl::ServerControl(QMainWindow& window, Ui::frmMain& ui, AppContext& a
 
     launch.hooks().startServer = [this, &ui](const QString& program, const QStringList& arguments,
                                              const QString& folder, const QString& commandLine) {
-        return m_manager->launch(program, arguments, folder, commandLine, ui.txtNetIP->text(),
-                                 ui.txtNetPort->text(), ui.txtConsolePW->text());
+        const StartResult started =
+            m_manager->launch(program, arguments, folder, commandLine, ui.txtNetIP->text(),
+                              ui.txtNetPort->text(), ui.txtConsolePW->text());
+        if (started.started && !m_manager->launchProblem().isEmpty())
+            m_app.platform.messages.tell(QStringLiteral("Halvane"), m_manager->launchProblem(),
+                                         MsgIcon::Information);
+        return started;
     };
     // A restarted server is still the one launched last.
     connect(m_manager.get(), &ServerManager::restarted, this,

@@ -86,18 +86,23 @@ bool ServerManager::alive(const LaunchRecord& record) const {
            m_app.platform.processes.startTimeOf(record.pid) == record.processStart;
 }
 
-QString ServerManager::newLogFile(quint16 port) const {
-    const QDir logs(m_app.platform.folder.stateFolder() + QStringLiteral("/logs"));
-    if (!logs.mkpath(QStringLiteral(".")))
+QString ServerManager::newLogFile(quint16 port, QString& problem) const {
+    const QString folder = m_app.platform.folder.stateFolder() + QStringLiteral("/logs");
+    const QDir logs(folder);
+    if (!logs.mkpath(QStringLiteral("."))) {
+        problem = QStringLiteral("cannot make the folder ") + QDir::toNativeSeparators(folder);
         return QString();
+    }
     const QString stem = QDateTime::currentDateTime().toString(QStringLiteral("yyyyMMdd-HHmmss")) +
                          QStringLiteral("-%1").arg(port);
     QString path = logs.filePath(stem + QStringLiteral(".log"));
     for (int n = 2; QFile::exists(path); ++n)
         path = logs.filePath(stem + QStringLiteral("-%1.log").arg(n));
     QFile probe(path);
-    if (!probe.open(QIODevice::WriteOnly | QIODevice::Append))
+    if (!probe.open(QIODevice::WriteOnly | QIODevice::Append)) {
+        problem = QDir::toNativeSeparators(path) + QStringLiteral(": ") + probe.errorString();
         return QString();
+    }
     return path;
 }
 
@@ -129,7 +134,9 @@ StartResult ServerManager::launch(const ServerStart& start) {
                        : port.isEmpty()                        ? GamePort
                                                                : 0;
     record.rconPassword = start.rconPassword;
-    record.logFile = newLogFile(record.portAsked);
+    m_launchProblem.clear();
+    QString logProblem;
+    record.logFile = newLogFile(record.portAsked, logProblem);
     const StartResult started = m_app.platform.processes.start(record.program, record.arguments,
                                                                record.gameFolder, record.logFile);
     if (!started.started) {
@@ -162,12 +169,25 @@ StartResult ServerManager::launch(const ServerStart& start) {
         [&](const ServerEntry& entry) { return !entry.record.running() && ++ended > KeptEnded; });
     QStringList problems;
     if (record.logFile.isEmpty())
-        problems << QStringLiteral("No log: the folder %1 cannot be written")
-                        .arg(QDir::toNativeSeparators(m_app.platform.folder.stateFolder()));
+        problems << QStringLiteral("No log: ") + logProblem;
     if (!copyProblem.isEmpty())
         problems << QStringLiteral("No copy of its scripts for a restart: ") + copyProblem;
     m_servers.first().live.problem = problems.join(QLatin1Char('\n'));
     save();
+    // Said at the launch, not only in the server window.
+    QStringList lost;
+    if (record.logFile.isEmpty())
+        lost << QStringLiteral("Its output is not logged: ") + logProblem + QLatin1Char('.');
+    if (!copyProblem.isEmpty())
+        lost << QStringLiteral("Restart cannot use the scripts it was started with: ") +
+                    copyProblem + QLatin1Char('.');
+    if (m_fileProblem.startsWith(QLatin1String("Could not write")))
+        lost << QStringLiteral("It is not recorded, so the server window forgets it when "
+                               "Halvane closes. ") +
+                    m_fileProblem + QLatin1Char('.');
+    if (!lost.isEmpty())
+        m_launchProblem =
+            QStringLiteral("The server was started.\r\r") + lost.join(QStringLiteral("\r\r"));
     m_tick.start();
     emit listChanged();
     emit launched(record.id);
@@ -232,15 +252,19 @@ bool ServerManager::startProcess(ServerEntry& server) {
         server.live.problem = QStringLiteral("Could not start the server again: ") + problem;
         return false;
     }
-    const QString log = newLogFile(r.portAsked);
+    QString logProblem;
+    const QString log = newLogFile(r.portAsked, logProblem);
     // Servers recorded before their scripts were copied start as they were.
     const QStringList arguments =
         r.scripts.isEmpty() ? r.arguments : argumentsWithScripts(r.arguments, r.scripts);
     const StartResult started =
         m_app.platform.processes.start(r.program, arguments, r.gameFolder, log);
     if (!started.started) {
+        if (!log.isEmpty())
+            QFile::remove(log); // the empty file made for it
         server.live.problem =
-            QStringLiteral("Could not start the server again (error %1)").arg(started.errorCode);
+            QStringLiteral("Could not start the server again: %1: %2")
+                .arg(QDir::toNativeSeparators(r.program), qt_error_string(started.errorCode));
         return false;
     }
     const qint64 oldPid = r.pid;
@@ -258,6 +282,8 @@ bool ServerManager::startProcess(ServerEntry& server) {
     server.live = ServerLive();
     server.live.expectedSince = r.started;
     server.live.fresh = true;
+    if (log.isEmpty())
+        server.live.problem = QStringLiteral("No log: ") + logProblem;
     emit restarted(oldPid, r.pid);
     return true;
 }

@@ -102,6 +102,9 @@ public:
     const ServerEntry* find(const QString& id);
     // Problems with the state file, or empty.
     QString fileProblem() const { return m_fileProblem; }
+    // What of the last launch cannot be kept (its log, its record), for the
+    // operator to be told at once; empty when everything is kept.
+    QString launchProblem() const { return m_launchProblem; }
 
     // Starts the game with its output in a new log file, records it and
     // keeps a copy of the scripts it runs for its restarts.
@@ -158,7 +161,9 @@ private:
     bool alive(const LaunchRecord& record) const;
     bool polled(const ServerEntry& server) const;
     bool readOpenedPort(ServerEntry& server);
-    QString newLogFile(quint16 port) const;
+    // A new, empty log file in the state folder; empty, with problem saying
+    // why, when none can be made.
+    QString newLogFile(quint16 port, QString& problem) const;
     void save();
     void sendNextExchange(const QString& id);
     void finishExchange(const QString& id, const QString& cut = QString());
@@ -173,6 +178,7 @@ private:
     bool m_loaded = false;
     bool m_watched = false;
     QString m_fileProblem;
+    QString m_launchProblem;
     UdpSocket m_socket;
     Traffic m_traffic;
     QTimer m_tick;
