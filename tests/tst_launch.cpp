@@ -159,34 +159,35 @@ void LaunchTest::setLaunchReady() {
 }
 
 // Type, N-0-P, memory, bots, password?, password, IP, port, parameters, CD?,
-// CD, admin name, mail, web site; and the line built from them.
+// CD, admin name, mail, web site, own script folder; and the line built from them.
 const std::tuple<const char*, LaunchOptions, const char*> CommandLines[] = {
     {"every piece, afternoon in 24 hours",
      {1, true, "48x", 2, true, "open sesame", "10.0.0.1", "",
       "   +set fs_game osp +set sv_fps 30  ", true, "D:", "Ann Admin", "ann@example.org",
-      "http://example.org"},
+      "http://example.org", ""},
      " +set dedicated 1 +sets gamestartup \"02/05/2000 17:04\" +sets configured_by "
      "Halvane_2.07 +set com_hunkmegs 48x +set g_password open sesame +set g_needpass 1 +set "
      "net_ip 10.0.0.1 +set fs_game osp +set sv_fps 30 +set fs_cdpath D:\\Quake3\\ +sets "
      "admin_name Ann Admin +sets admin_email ann@example.org +sets admin_website "
      "http://example.org +exec halvane.cfg"},
-    {"listen server, bots disabled, address kept",
-     {0, false, "64", 0, false, "", "192.168.1.10", "27961", "", false, "", "", "", ""},
+    {"listen server, bots disabled, address kept, scripts of its own",
+     {0, false, "64", 0, false, "", "192.168.1.10", "27961", "", false, "", "", "", "",
+      "/srv/own folder"},
      " +set dedicated 0 +sets configured_by Halvane_2.07 +set com_hunkmegs 64 +set "
-     "bot_enable 0 +set g_needpass 0 +set net_ip 192.168.1.10 +set net_port 27961 +exec "
-     "halvane.cfg"},
+     "bot_enable 0 +set g_needpass 0 +set net_ip 192.168.1.10 +set net_port 27961 +set "
+     "fs_homepath \"/srv/own folder\" +exec halvane.cfg"},
     {"blank parameters, stored CD unused, mail without name",
-     {2, false, "32", 1, false, "", "", "", "    ", false, "E:", "", "only@mail", ""},
+     {2, false, "32", 1, false, "", "", "", "    ", false, "E:", "", "only@mail", "", ""},
      " +set dedicated 2 +sets configured_by Halvane_2.07 +set com_hunkmegs 32 +set "
      "g_needpass 0 +sets admin_email only@mail +exec halvane.cfg"},
     {"the most hostile values validation lets through, as typed",
      {2, false, "32", 1, true, "p&w'x$(y)//", "", "", "+set g_motd \"a b\"", false, "",
-      "Bob // Smith", "a@b", "http://a/b?c=d&e"},
+      "Bob // Smith", "a@b", "http://a/b?c=d&e", ""},
      " +set dedicated 2 +sets configured_by Halvane_2.07 +set com_hunkmegs 32 +set g_password "
      "p&w'x$(y)// +set g_needpass 1 +set g_motd \"a b\" +sets admin_name Bob // Smith +sets "
      "admin_email a@b +sets admin_website http://a/b?c=d&e +exec halvane.cfg"},
     {"nothing chosen, empty password",
-     {-1, false, "", -1, true, "", "", "", "", false, "", "", "", ""},
+     {-1, false, "", -1, true, "", "", "", "", false, "", "", "", "", ""},
      " +sets configured_by Halvane_2.07 +set com_hunkmegs  +set g_password  +set g_needpass 1 "
      "+exec halvane.cfg"},
 };

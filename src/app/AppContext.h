@@ -14,10 +14,18 @@ struct AppState {
     bool PathDialogRequested = false;
     bool ShowStoredPath = false;
 
+    // Where the scripts Halvane writes go, when not into the game folder: a
+    // server's own folder, which the game reads before its own (fs_homepath).
+    QString ScriptFolder;
+
     // A file or folder below the game folder ("baseq3/halvane.cfg"), matched
     // without regard to letter case where it already exists.
     QString gameFile(const QString& relative) const {
         return findIgnoringCase(GameFolder, relative);
+    }
+    // The same for a script Halvane writes: below ScriptFolder when it is set.
+    QString scriptFile(const QString& relative) const {
+        return findIgnoringCase(ScriptFolder.isEmpty() ? GameFolder : ScriptFolder, relative);
     }
 };
 

@@ -34,20 +34,20 @@ int BotScriptWriter::randomSkillLevel() {
 
 void BotScriptWriter::startRotation() {
     FirstSetKicks.fill(false);
-    m_setFolder.emplace(m_state.gameFile(QStringLiteral("baseq3/srvbots")));
+    m_setFolder.emplace(m_state.scriptFile(QStringLiteral("baseq3/srvbots")));
 }
 
 QString BotScriptWriter::setPath(qint16 n) const {
     const QString name = QStringLiteral("botset%1.cfg").arg(n);
     if (m_setFolder)
         return m_setFolder->path(name);
-    return m_state.gameFile(QStringLiteral("baseq3/srvbots/") + name);
+    return m_state.scriptFile(QStringLiteral("baseq3/srvbots/") + name);
 }
 
 void BotScriptWriter::MakeBotScript(const ServerSettings& settings) {
     if (settings.autoSelectBots)
         return;
-    ScriptFile file(m_state.gameFile(QStringLiteral("baseq3/srvbots.cfg")));
+    ScriptFile file(m_state.scriptFile(QStringLiteral("baseq3/srvbots.cfg")));
     bool ok = file.open() &&
               file.line(QStringLiteral("// Bot script created by ") + settings.versionCaption);
     if (ok && settings.randomBotSkill)

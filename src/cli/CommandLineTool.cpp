@@ -4,10 +4,14 @@
 #include "config/ConfigFileCommands.h"
 #include "export/ServerExport.h"
 #include "launch/LaunchController.h"
+#include "launch/PathDialog.h"
 #include "platform/ConsolePlatform.h"
 #include "platform/QtPlatform.h"
+#include "platform/UserFiles.h"
+#include "profiles/ProfileStore.h"
 #include "server/ServerControl.h"
 #include "server/ServerManager.h"
+#include "ui/ConfigurationSession.h"
 #include "ui/MainWindow.h"
 
 #include <QCoreApplication>
@@ -25,6 +29,9 @@ namespace {
 const QStringList Commands{QStringLiteral("write-config"), QStringLiteral("launch"),
                            QStringLiteral("status"),       QStringLiteral("stop"),
                            QStringLiteral("export"),       QStringLiteral("help")};
+const QString NoLocationText =
+    QStringLiteral("halvane: no game location is stored, or it holds no quake3.exe. Start "
+                   "Halvane with its window once, or run 'halvane --prepare-first-run'.");
 const QStringList HelpWords{QStringLiteral("help"), QStringLiteral("--help"), QStringLiteral("-h")};
 
 void print(std::FILE* out, const QString& text) {
@@ -204,20 +211,66 @@ int stop(const QString& id) {
     return Done;
 }
 
-// Commands that run on the window's settings.
-int onSettings(const QString& command, const Arguments& arguments) {
-    if (!arguments.profile.isEmpty()) {
-        // Profiles come with their own stored settings; this build has none.
-        print(stderr, QStringLiteral("halvane: there is no profile named ") + arguments.profile +
-                          QLatin1Char('.'));
+// The commands on a profile: its settings in a window of their own that is
+// never shown, through the same session as the window's Launch Profile.
+int onProfile(const QString& command, const Arguments& arguments) {
+    const QString& name = arguments.profile;
+    ConsoleContext context;
+    const ProfileStore profiles(userProfileFolder());
+    if (!profiles.exists(name)) {
+        print(stderr, QStringLiteral("halvane: there is no profile named ") + name +
+                          QStringLiteral(" in ") + profiles.folder() + QLatin1Char('.'));
         return NotFound;
     }
+    Profile profile;
+    const QString problem = profiles.load(name, profile);
+    if (!problem.isEmpty()) {
+        print(stderr, QStringLiteral("halvane: ") + problem);
+        return Failed;
+    }
+    AppState game;
+    if (!PathDialog::readStoredLocation(game, context.store)) {
+        print(stderr, NoLocationText);
+        return NoLocation;
+    }
+    ConfigurationSession session(context.app.platform, profile.settings, game, name);
+    const QStringList unknown = session.load(&profile.maps);
+    if (!unknown.isEmpty())
+        print(stderr, QStringLiteral("halvane: maps of the profile that the catalogue does not "
+                                     "know are left out: ") +
+                          unknown.join(QStringLiteral(", ")));
+    MainWindow& window = session.window();
+    window.SkipSaveOnClose = true;
+    if (command == QLatin1String("write-config"))
+        return window.configCommands().mnuFileMakeCfg() ? Done : Failed;
+    if (command == QLatin1String("launch")) {
+        ServerManager manager(context.app);
+        QString reason;
+        const QString folder =
+            ConfigurationSession::newScriptFolder(context.folder.stateFolder(), name, &reason);
+        if (folder.isEmpty()) {
+            print(stderr, QStringLiteral("halvane: ") + reason);
+            return Failed;
+        }
+        if (!session.launch(folder, &manager))
+            return Failed;
+        print(stdout, QStringLiteral("Started ") + manager.servers().first().record.id);
+        return Done;
+    }
+    if (!window.serverExport().exportTo(arguments.operands.first(), name))
+        return Failed;
+    print(stdout, QStringLiteral("Exported to ") + arguments.operands.first());
+    return Done;
+}
+
+// Commands that run on the window's settings.
+int onSettings(const QString& command, const Arguments& arguments) {
+    if (!arguments.profile.isEmpty())
+        return onProfile(command, arguments);
     ConsoleContext context;
     MainWindow window(context.app);
     if (!window.loadWithoutWindow()) {
-        print(stderr, QStringLiteral("halvane: no game location is stored, or it holds no "
-                                     "quake3.exe. Start Halvane with its window once, or run "
-                                     "'halvane --prepare-first-run'."));
+        print(stderr, NoLocationText);
         return NoLocation;
     }
     window.SkipSaveOnClose = true;
@@ -231,8 +284,7 @@ int onSettings(const QString& command, const Arguments& arguments) {
             print(stdout, QStringLiteral("Started ") + servers.first().record.id);
         return Done;
     }
-    const QString name = arguments.profile.isEmpty() ? QStringLiteral("server") : arguments.profile;
-    if (!window.serverExport().exportTo(arguments.operands.first(), name))
+    if (!window.serverExport().exportTo(arguments.operands.first(), QStringLiteral("server")))
         return Failed;
     print(stdout, QStringLiteral("Exported to ") + arguments.operands.first());
     return Done;

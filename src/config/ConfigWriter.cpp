@@ -60,8 +60,8 @@ void ConfigWriter::MakeSubFolders() {
     // baseq3 is an error, not something to build.
     // Without a game folder the paths would point at the file system's root.
     const bool ok = !m_state.GameFolder.isEmpty() &&
-                    makeFolder(m_state.gameFile(QStringLiteral("baseq3/srvbots"))) &&
-                    makeFolder(m_state.gameFile(QStringLiteral("baseq3/srvmaps")));
+                    makeFolder(m_state.scriptFile(QStringLiteral("baseq3/srvbots"))) &&
+                    makeFolder(m_state.scriptFile(QStringLiteral("baseq3/srvmaps")));
     if (!ok) {
         m_messages.tell(QStringLiteral("Error"),
                         QStringLiteral("An error has occured while attempting to create the "
@@ -86,7 +86,7 @@ bool ConfigWriter::WriteConfig(const ServerSettings& s, const QString& path, boo
     m_bots.startRotation();
     const qint16 shownMap = m_catalogue.CurrentMapRecord;
     for (const char* script : {"baseq3/default.cfg", "baseq3/autoexec.cfg"}) {
-        const QString scriptPath = m_state.gameFile(QLatin1String(script));
+        const QString scriptPath = m_state.scriptFile(QLatin1String(script));
         if (!FileExists(scriptPath) && !writeStartupScript(scriptPath))
             return false;
     }
@@ -239,7 +239,7 @@ bool ConfigWriter::writeMapSection(ScriptFile& out, const ServerSettings& s) {
     }
 
     out.line();
-    const FolderNames scripts(m_state.gameFile(QStringLiteral("baseq3/srvmaps")));
+    const FolderNames scripts(m_state.scriptFile(QStringLiteral("baseq3/srvmaps")));
     for (qint16 n = 0; n <= last; ++n) {
         if (randomBots)
             m_bots.MakeRandomBotScript(s, n, last);

@@ -60,6 +60,10 @@ QString buildCommandLine(const LaunchOptions& options, const QDateTime& now) {
         line += QStringLiteral(" +sets admin_email ") + options.adminEmail;
     if (!options.adminUrl.isEmpty())
         line += QStringLiteral(" +sets admin_website ") + options.adminUrl;
+    // Quoted, since a folder may hold blanks; the launch refuses one that
+    // holds a double quote.
+    if (!options.homePath.isEmpty())
+        line += QStringLiteral(" +set fs_homepath \"") + options.homePath + QLatin1Char('"');
     line += QStringLiteral(" +exec halvane.cfg");
     return line;
 }

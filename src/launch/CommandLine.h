@@ -25,6 +25,9 @@ struct LaunchOptions {
     QString adminName;
     QString adminEmail;
     QString adminUrl;
+    // A server's own script folder, read by the game before the game folder;
+    // empty for a server that reads the game folder's scripts.
+    QString homePath;
 };
 
 LaunchOptions launchOptionsFrom(const MainForm& ui);

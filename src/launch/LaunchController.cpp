@@ -65,10 +65,12 @@ bool LaunchController::cmdStart() {
     // 7.
     QString stepText;
     const QDateTime now = m_steps->now();
-    const QString commandLine = buildCommandLine(launchOptionsFrom(ui), now);
+    LaunchOptions options = launchOptionsFrom(ui);
+    options.homePath = QDir::toNativeSeparators(m_app.state.ScriptFolder);
+    const QString commandLine = buildCommandLine(options, now);
 
     // 8.
-    const QString config = m_app.state.gameFile(QStringLiteral("baseq3/halvane.cfg"));
+    const QString config = m_app.state.scriptFile(QStringLiteral("baseq3/halvane.cfg"));
     if (!m_steps->WriteConfig(config, true, commandLine)) {
         fail(stepText, configWriteErrorCode());
         return false;
@@ -117,7 +119,7 @@ int LaunchController::configWriteErrorCode() const {
     const QFileInfo folder(m_app.state.GameFolder);
     if (m_app.state.GameFolder.isEmpty() || !folder.isDir())
         return ENOENT;
-    const QFileInfo baseq3(m_app.state.gameFile(QStringLiteral("baseq3")));
+    const QFileInfo baseq3(m_app.state.scriptFile(QStringLiteral("baseq3")));
     if (baseq3.exists() && !baseq3.isWritable())
         return EACCES;
     return EIO;

@@ -23,6 +23,7 @@ public:
     void setSteps(LaunchSteps& steps) { m_steps = &steps; }
     // Without a starter the game is a plain process.
     void setServerStarter(ServerStarter* starter) { m_starter = starter; }
+    ServerStarter* serverStarter() const { return m_starter; }
 
     // True when the server was started.
     bool cmdStart();

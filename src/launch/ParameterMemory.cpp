@@ -24,7 +24,10 @@ ParameterMemory::ParameterMemory(QComboBox& parameters, QCheckBox& specifyCd, QL
 }
 
 void ParameterMemory::loadParameterList() {
-    const SettingsStore& store = m_app.platform.store;
+    loadParameterList(m_app.platform.store);
+}
+
+void ParameterMemory::loadParameterList(const SettingsStore& store) {
     m_parameters.clear();
     for (int i = 0; i < Offered; ++i) {
         const QString line = store.read(Section, parameterKey(i), QString());
@@ -35,7 +38,10 @@ void ParameterMemory::loadParameterList() {
 }
 
 void ParameterMemory::saveParameterList() {
-    SettingsStore& store = m_app.platform.store;
+    saveParameterList(m_app.platform.store);
+}
+
+void ParameterMemory::saveParameterList(SettingsStore& store) {
     const QString text = m_parameters.currentText();
     if (text.trimmed().isEmpty()) {
         store.write(Section, QStringLiteral("CDLine"), text);
@@ -56,12 +62,22 @@ void ParameterMemory::saveParameterList() {
     store.flush();
 }
 
+bool ParameterMemory::storeOfferedLines(SettingsStore& store) const {
+    bool ok = true;
+    for (int i = 0; i < m_parameters.count() && i < Offered; ++i)
+        ok = store.write(Section, parameterKey(i), m_parameters.itemText(i)) && ok;
+    return ok;
+}
+
 void ParameterMemory::loadCdDrive() {
+    loadCdDrive(m_app.platform.store);
+}
+
+void ParameterMemory::loadCdDrive(const SettingsStore& store) {
     try {
         m_cdDrive.setEnabled(true);
         m_cdDrive.clear();
-        const QString letter =
-            m_app.platform.store.read(Section, QStringLiteral("CDLetter"), QString());
+        const QString letter = store.read(Section, QStringLiteral("CDLetter"), QString());
         if (!letter.isEmpty())
             m_cdDrive.setText(letter);
     } catch (...) {

@@ -147,7 +147,7 @@ void MapSelection::marksChanged() {
     m_selected->marksChanged();
 }
 
-void MapSelection::LoadMaps() {
+void MapSelection::LoadMaps(bool readSelectionFile) {
     const MapSnapshot catalogue = m_catalogue.snapshot();
     // The names by record number: entries of mapsel.txt share their text.
     std::vector<QString> names(size_t(catalogue.count()) + 1);
@@ -166,7 +166,7 @@ void MapSelection::LoadMaps() {
         highlightMapList(0); // which sets CurrentMapRecord
 
     const QString path = selectionFilePath();
-    if (FileExists(path)) {
+    if (readSelectionFile && FileExists(path)) {
         {
             const QScopedValueRollback quiet(m_quiet, true);
             m_selected->clear();
@@ -186,6 +186,25 @@ void MapSelection::LoadMaps() {
     }
     updateAvailableCaption();
     updateSelectedCaption();
+}
+
+QStringList MapSelection::setSelectedMaps(const QStringList& maps) {
+    const MapSnapshot catalogue = m_catalogue.snapshot();
+    QStringList known, unknown;
+    for (const QString& map : maps) {
+        if (catalogue.find(map) >= 1)
+            known.append(map);
+        else
+            unknown.append(map);
+    }
+    {
+        const QScopedValueRollback quiet(m_quiet, true);
+        m_selected->setNames(known);
+    }
+    if (m_selected->count() > 0)
+        highlightSelMap(0);
+    updateSelectedCaption();
+    return unknown;
 }
 
 void MapSelection::SaveMaps() {

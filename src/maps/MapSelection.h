@@ -28,11 +28,16 @@ public:
                  MapPreview& preview, const GameFiles& gameFiles, QObject* parent = nullptr);
 
     // Fills both lists from the catalogue and mapsel.txt, sets the captions.
-    void LoadMaps();
+    // readSelectionFile false lists the catalogue only, for a selection that
+    // comes from elsewhere (a profile).
+    void LoadMaps(bool readSelectionFile = true);
     // Writes SelMap to mapsel.txt.
     void SaveMaps();
     // The selected maps in play order, as the entries stand.
     QStringList selectedMaps() const;
+    // Puts these maps in the selected list, in this order, as a profile
+    // holds them; returns those the catalogue does not know, left out.
+    QStringList setSelectedMaps(const QStringList& maps);
     // The entries of MapList and SelMap.
     MapNameList& available() { return *m_available; }
     MapNameList& selected() { return *m_selected; }

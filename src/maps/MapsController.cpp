@@ -65,6 +65,15 @@ void MapsController::LoadMaps() {
     m_selection->LoadMaps();
 }
 
+QStringList MapsController::LoadMaps(const QStringList& selected) {
+    m_selection->LoadMaps(false);
+    return m_selection->setSelectedMaps(selected);
+}
+
+QStringList MapsController::setSelectedMaps(const QStringList& selected) {
+    return m_selection->setSelectedMaps(selected);
+}
+
 void MapsController::listGameFiles() {
     m_gameFiles->start(m_app.state.GameFolder, m_mainWindow);
 }

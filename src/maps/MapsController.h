@@ -35,6 +35,11 @@ public:
     void CheckMapDataFile();
     void GetMapsFromBaseDir();
     void LoadMaps();
+    // LoadMaps with these maps chosen in place of mapsel.txt; returns the
+    // ones the catalogue does not know, left out.
+    QStringList LoadMaps(const QStringList& selected);
+    // Chooses these maps as LoadMaps(selected) does, on a loaded window.
+    QStringList setSelectedMaps(const QStringList& selected);
     // Lists the game's files anew, off the window thread, and then marks the
     // maps it lacks and shows the pictures in its archives. Run once the
     // window is shown and after each search, never during start-up.

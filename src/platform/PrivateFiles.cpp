@@ -12,22 +12,12 @@ constexpr QFileDevice::Permissions OwnerFolder = OwnerFile | QFileDevice::ExeOwn
 constexpr QFileDevice::Permissions Others = QFileDevice::ReadGroup | QFileDevice::WriteGroup |
                                             QFileDevice::ExeGroup | QFileDevice::ReadOther |
                                             QFileDevice::WriteOther | QFileDevice::ExeOther;
-
-bool hasModes() {
-#ifdef Q_OS_WIN
-    return false;
-#else
-    return true;
-#endif
-}
 } // namespace
 
 bool makeFilePrivate(const QString& path) {
     const QFileInfo info(path);
     if (!info.exists() || info.isDir())
         return false;
-    if (!hasModes())
-        return true;
     // The owner's execute bit (a script the user made runnable) may stay.
     const QFileDevice::Permissions kept = (info.permissions() & QFileDevice::ExeOwner) | OwnerFile;
     return QFile::setPermissions(path, kept);
@@ -38,12 +28,12 @@ bool makePrivateFolder(const QString& path) {
         return false;
     if (!QFileInfo(path).isDir() && !QDir().mkpath(path))
         return false;
-    return !hasModes() || QFile::setPermissions(path, OwnerFolder);
+    return QFile::setPermissions(path, OwnerFolder);
 }
 
 bool isPrivate(const QString& path) {
     const QFileInfo info(path);
-    return info.exists() && (!hasModes() || !(info.permissions() & Others));
+    return info.exists() && !(info.permissions() & Others);
 }
 
 } // namespace halvane

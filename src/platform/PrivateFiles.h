@@ -6,8 +6,8 @@ namespace halvane {
 
 // Files that hold passwords (the settings file, halvane.cfg, a profile) are
 // the user's alone: read and write for the owner only (0600), their folders
-// open to the owner only (0700). Where the file system has no such modes
-// (Windows) the calls change nothing and answer true.
+// open to the owner only (0700). On a file system without such modes (FAT)
+// the change fails and the calls answer false.
 
 // Makes an existing file the owner's alone; false when that failed or the
 // file does not exist.

@@ -34,9 +34,8 @@ SettingsController::SettingsController(QObject& window, QTabWidget& tabs, QListW
       m_app(app), m_parts(parts) {}
 
 QString SettingsController::read(const OptionKey& option) const {
-    return m_app.platform.store.read(QString::fromLatin1(option.section),
-                                     QString::fromLatin1(option.key),
-                                     QString::fromLatin1(option.defaultText));
+    return m_loading->read(QString::fromLatin1(option.section), QString::fromLatin1(option.key),
+                           QString::fromLatin1(option.defaultText));
 }
 
 QObject* SettingsController::holder(const OptionKey& option) const {
@@ -66,8 +65,14 @@ void SettingsController::refuse(const OptionKey& option, const QString& stepMess
 }
 
 void SettingsController::LoadSettings() {
+    LoadSettings(m_app.platform.store);
+}
+
+void SettingsController::LoadSettings(const SettingsStore& store) {
+    m_loading = &store;
     for (int step = 1; step <= LoadStepCount; ++step)
         loadStep(step);
+    m_loading = nullptr;
 }
 
 void SettingsController::loadStep(int step) {
@@ -118,9 +123,9 @@ void SettingsController::loadStep(int step) {
     switch (step) {
     case 6: {
         // The game type is read here and applied by the next step.
-        const auto gameType = parseWholeNumber(
-            m_app.platform.store.read(QStringLiteral("General"), QStringLiteral("GameType"),
-                                      defaultOf("General", "GameType")));
+        const auto gameType =
+            parseWholeNumber(m_loading->read(QStringLiteral("General"), QStringLiteral("GameType"),
+                                             defaultOf("General", "GameType")));
         if (gameType)
             m_gameType = *gameType;
         else
@@ -141,13 +146,13 @@ void SettingsController::loadStep(int step) {
         m_interlocks.UpdateWarmUpControls();
         break;
     case 31:
-        m_parts.loadParameterList();
+        m_parts.loadParameterList(*m_loading);
         break;
     case 37:
         m_interlocks.UpdateLogFileControls();
         break;
     case 38:
-        m_parts.loadCdDrive();
+        m_parts.loadCdDrive(*m_loading);
         m_interlocks.UpdatePasswordControls();
         break;
     default:
@@ -156,7 +161,7 @@ void SettingsController::loadStep(int step) {
 }
 
 void SettingsController::loadBots(const QString& message) {
-    const SettingsStore& store = m_app.platform.store;
+    const SettingsStore& store = *m_loading;
     for (int n = 0; n < m_botList.count(); ++n) {
         const auto selected = parseTruth(store.read(BotsSection, selectedKey(n), truthText(false)));
         if (selected)
@@ -177,7 +182,10 @@ void SettingsController::loadBots(const QString& message) {
 }
 
 bool SettingsController::SaveSettings() {
-    SettingsStore& store = m_app.platform.store;
+    return SaveSettings(m_app.platform.store);
+}
+
+bool SettingsController::SaveSettings(SettingsStore& store) {
     for (const OptionKey& option : optionCatalogue()) {
         const QString section = QString::fromLatin1(option.section);
         const QString holderName = QString::fromLatin1(option.holder);
@@ -189,7 +197,7 @@ bool SettingsController::SaveSettings() {
         } else if (holderName == QLatin1String(HolderLastTab)) {
             value = QString::number(m_tabs.currentIndex());
         } else if (holderName == QLatin1String(HolderBots)) {
-            if (!saveBots())
+            if (!saveBots(store))
                 return false;
             continue;
         } else {
@@ -201,8 +209,7 @@ bool SettingsController::SaveSettings() {
     return store.flush();
 }
 
-bool SettingsController::saveBots() {
-    SettingsStore& store = m_app.platform.store;
+bool SettingsController::saveBots(SettingsStore& store) {
     for (int n = 0; n < m_botList.count(); ++n) {
         const bool selected = m_botList.item(n)->checkState() == Qt::Checked;
         if (!store.write(BotsSection, selectedKey(n), truthText(selected)))

@@ -11,6 +11,7 @@ struct AppContext;
 class BotTables;
 class OptionInterlocks;
 struct OptionKey;
+class SettingsStore;
 
 // What the settings load and save reach outside the option controls; the
 // main window provides it.
@@ -20,8 +21,10 @@ public:
     virtual void RollOut() = 0;               // open the status panel
     virtual void Rollin() = 0;                // close the status panel
     virtual bool statusPanelOpen() const = 0; // is the window tall enough to count as open
-    virtual void loadParameterList() = 0;     // the remembered parameter lines
-    virtual void loadCdDrive() = 0;           // the CD drive box
+    // The remembered parameter lines and the CD drive box, from the store
+    // being loaded.
+    virtual void loadParameterList(const SettingsStore& store) = 0;
+    virtual void loadCdDrive(const SettingsStore& store) = 0;
 };
 
 // Moves the option catalogue between the settings store and the main
@@ -36,6 +39,9 @@ public:
     void LoadSettings();
     // Writes every option; false when the store refused a write.
     bool SaveSettings();
+    // The same from and into another store, a profile's.
+    void LoadSettings(const SettingsStore& store);
+    bool SaveSettings(SettingsStore& store);
 
 private:
     QString read(const OptionKey& option) const;
@@ -43,7 +49,7 @@ private:
     void refuse(const OptionKey& option, const QString& stepMessage);
     void loadStep(int step);
     void loadBots(const QString& message);
-    bool saveBots();
+    bool saveBots(SettingsStore& store);
     QObject* holder(const OptionKey& option) const;
 
     QObject& m_window;
@@ -54,6 +60,7 @@ private:
     AppContext& m_app;
     SettingsWindow& m_parts;
     qint16 m_gameType = 0;
+    const SettingsStore* m_loading = nullptr; // the store LoadSettings reads now
 };
 
 } // namespace halvane

@@ -12,7 +12,9 @@
 #include "maps/MapCatalogue.h"
 #include "maps/MapDiscovery.h"
 #include "maps/MapsController.h"
+#include "profiles/Profile.h"
 #include "server/ServerControl.h"
+#include "settings/OptionCatalogue.h"
 #include "settings/OptionInterlocks.h"
 #include "settings/SettingsController.h"
 #include "settings/TextForms.h"
@@ -23,6 +25,7 @@
 #include "ui/HelpMenu.h"
 #include "ui/ImagePlugins.h"
 #include "ui/MainForm.h"
+#include "ui/ProfileCommands.h"
 #include "ui/StatusPanel.h"
 #include "ui/TabFrames.h"
 #include "ui/TipLine.h"
@@ -59,7 +62,8 @@ void fill(QComboBox* combo, const QStringList& entries) {
 }
 } // namespace
 
-MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<MainForm>()) {
+MainWindow::MainWindow(AppContext& app, WindowRole role)
+    : m_app(app), m_role(role), ui(std::make_unique<MainForm>()) {
     speakSelectorsByName();
     leaveImagePluginsUnloaded();
     ui->setup(this);
@@ -94,9 +98,14 @@ MainWindow::MainWindow(AppContext& app) : m_app(app), ui(std::make_unique<MainFo
     m_validation->installGuards();
     m_configCommands = std::make_unique<ConfigFileCommands>(*ui, m_app, *this);
     m_launch = std::make_unique<LaunchController>(*ui, m_app, *this, *this);
-    m_servers =
-        std::make_unique<ServerControl>(*this, *ui, ui->tabAdvanced->form(), m_app, *m_launch);
+    if (m_role == WindowRole::Main)
+        m_servers =
+            std::make_unique<ServerControl>(*this, *ui, ui->tabAdvanced->form(), m_app, *m_launch);
+    else
+        SkipSaveOnClose = true;
     m_export = std::make_unique<ServerExport>(*this, m_app);
+    if (m_role == WindowRole::Main)
+        m_profiles = std::make_unique<ProfileCommands>(*this, m_app, *m_servers);
 
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
     connect(ui->cmdSetPath, &QAbstractButton::clicked, this, &MainWindow::cmdSetPath);
@@ -164,8 +173,12 @@ bool MainWindow::statusPanelOpen() const {
     return m_statusPanel->isOpen();
 }
 
-void MainWindow::loadCdDrive() {
-    m_parameters->loadCdDrive();
+void MainWindow::loadParameterList(const SettingsStore& store) {
+    m_parameters->loadParameterList(store);
+}
+
+void MainWindow::loadCdDrive(const SettingsStore& store) {
+    m_parameters->loadCdDrive(store);
 }
 
 void MainWindow::start() {
@@ -288,6 +301,65 @@ void MainWindow::LoadControls() {
     ui->txtCfg->setEditText(
         m_app.platform.store.read(QStringLiteral("Network"), QStringLiteral("Config"), QString()));
     ui->cmdEditCfg->setEnabled(!ui->txtCfg->currentText().isEmpty());
+}
+
+void MainWindow::saveProfile(Profile& profile) {
+    MemorySettingsStore& store = profile.settings;
+    m_settings->SaveSettings(store);
+    // The keys other parts keep: the game location as it is now, the
+    // remembered parameter lines and the default map rules.
+    for (const OptionKey& option : optionCatalogue()) {
+        if (QLatin1String(option.holder).isEmpty()) {
+            const QString section = QString::fromLatin1(option.section);
+            const QString key = QString::fromLatin1(option.key);
+            store.write(
+                section, key,
+                m_app.platform.store.read(section, key, QString::fromLatin1(option.defaultText)));
+        }
+    }
+    store.write(QStringLiteral("Settings"), QStringLiteral("Path"), m_app.state.GameFolder);
+    store.write(QStringLiteral("Settings"), QStringLiteral("Exe"), m_app.state.GameExeName);
+    m_parameters->storeOfferedLines(store);
+    profile.maps = m_maps->selectedMaps();
+}
+
+QStringList MainWindow::openProfile(const Profile& profile) {
+    const SettingsStore& store = profile.settings;
+    // The default map rules live only in the store.
+    for (const OptionKey& option : optionCatalogue()) {
+        const QString section = QString::fromLatin1(option.section);
+        const QString key = QString::fromLatin1(option.key);
+        if (section == QLatin1String("Defaults") && profile.settings.contains(section, key))
+            m_app.platform.store.write(section, key, store.read(section, key, {}));
+    }
+    const QStringList unknown = m_maps->setSelectedMaps(profile.maps);
+    m_app.state.StartupInProgress = true;
+    m_settings->LoadSettings(store);
+    ui->txtCfg->setEditText(store.read(QStringLiteral("Network"), QStringLiteral("Config"), {}));
+    m_bots->Countbots();
+    m_interlocks->SetGameType();
+    m_app.state.StartupInProgress = false;
+    return unknown;
+}
+
+QStringList MainWindow::loadUnshown(const QStringList* selectedMaps) {
+    m_loaded = true;
+    SkipSaveOnClose = true;
+    m_app.state.StartupInProgress = true;
+    m_maps->CheckMapDataFile();
+    m_bots->LoadBotList();
+    QStringList unknown;
+    if (selectedMaps)
+        unknown = m_maps->LoadMaps(*selectedMaps);
+    else
+        m_maps->LoadMaps();
+    LoadControls();
+    m_settings->LoadSettings();
+    ui->lblVersion->setText(AppInfo::versionCaption());
+    m_bots->Countbots();
+    m_interlocks->SetGameType();
+    m_app.state.StartupInProgress = false;
+    return unknown;
 }
 
 void MainWindow::cmdSetPath() {

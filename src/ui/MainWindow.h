@@ -29,6 +29,13 @@ class HelpMenu;
 class ServerControl;
 class ServerExport;
 class Validation;
+class ProfileCommands;
+struct Profile;
+
+// A main window is the operator's, or one that is never shown: a profile's
+// settings loaded to write its scripts and launch it, without a server
+// window or profile menu of its own.
+enum class WindowRole { Main, Unshown };
 
 // The main window: owns the frame with its pages and the per-subsystem
 // controllers, runs the start-up and shut-down sequences, and is what the
@@ -39,7 +46,7 @@ class MainWindow : public QMainWindow,
                    public SettingsWindow {
     Q_OBJECT
 public:
-    explicit MainWindow(AppContext& app);
+    explicit MainWindow(AppContext& app, WindowRole role = WindowRole::Main);
     ~MainWindow() override;
 
     // Runs the first window of the program: the path dialog.
@@ -69,11 +76,26 @@ public:
     ConfigFileCommands& configCommands() { return *m_configCommands; }
     LaunchController& launch() { return *m_launch; }
     ServerControl& servers() { return *m_servers; }
+    ProfileCommands& profiles() { return *m_profiles; }
+    WindowRole role() const { return m_role; }
     ServerExport& serverExport() { return *m_export; }
     bool isLoaded() const { return m_loaded; }
     bool hasEnded() const { return m_ended; }
 
     void LoadControls();
+
+    // Every option of the store and the selected maps as the window holds
+    // them now, the way SaveSettings stores them.
+    void saveProfile(Profile& profile);
+    // Puts a profile into the window through the settings load, with the
+    // interlocks run as at a start; returns its maps the catalogue does not
+    // know, left out.
+    QStringList openProfile(const Profile& profile);
+    // The start-up of a window that is never shown, from the store of its
+    // context: the lists, the bots, the maps (mapsel.txt, or the given ones)
+    // and the settings with their interlocks. Closing it later stores nothing.
+    // Returns the given maps the catalogue does not know, left out.
+    QStringList loadUnshown(const QStringList* selectedMaps = nullptr);
 
     bool SkipSaveOnClose = false;
 
@@ -92,7 +114,8 @@ private:
     void RollOut() override;
     void Rollin() override;
     bool statusPanelOpen() const override;
-    void loadCdDrive() override;
+    void loadParameterList(const SettingsStore& store) override;
+    void loadCdDrive(const SettingsStore& store) override;
 
     void load();
     void unload();
@@ -100,6 +123,7 @@ private:
     void connectMenus();
 
     AppContext& m_app;
+    WindowRole m_role;
     std::unique_ptr<MainForm> ui;
     BotTables m_botTables;
     std::unique_ptr<OptionInterlocks> m_interlocks;
@@ -119,6 +143,7 @@ private:
     std::unique_ptr<ConfigFileCommands> m_configCommands;
     std::unique_ptr<LaunchController> m_launch;
     std::unique_ptr<ServerControl> m_servers;
+    std::unique_ptr<ProfileCommands> m_profiles;
     std::unique_ptr<ServerExport> m_export;
     bool m_loaded = false;
     bool m_unloaded = false;

@@ -8,6 +8,7 @@
 #include "config/ConfigFileCommands.h"
 #include "export/ExportFiles.h"
 #include "maps/MapSelectionFile.h"
+#include "profiles/ProfileStore.h"
 #include "ui_frmMain.h"
 
 #include <QAction>
@@ -97,6 +98,7 @@ private slots:
     void launchStatusStopAndExport();
     void runScriptKeepsEveryWord();
     void exportOnAFullDisk();
+    void commandsOnAProfile();
 };
 
 void TestCommandLine::writeConfigIsTheWindows_data() {
@@ -353,6 +355,30 @@ void TestCommandLine::exportOnAFullDisk() {
              qPrintable(result.err));
     QCOMPARE(QDir(disk).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList());
+}
+
+// --profile: the profile's own settings and maps, not the stored ones.
+void TestCommandLine::commandsOnAProfile() {
+    test::TestPlatform p;
+    p.makeGameFolder();
+    p.writeFile(p.programFolder() + "/maps.dat", test::catalogueOf({"q3dm1", "q3dm7"}));
+    Profile profile;
+    profile.settings.write("General", "Name", "Side Arena");
+    profile.settings.write("General", "RconPassword", "side-secret");
+    profile.maps = {"q3dm7"};
+    QCOMPARE(ProfileStore(p.root() + "/config/Halvane/profiles").save("Side Arena", profile),
+             QString());
+    CommandLine cli(p);
+    Result result = cli.run({"write-config", "--profile", "Side Arena"});
+    QVERIFY2(result.code == 0, qPrintable(result.err));
+    const QByteArray config = test::readAll(p.gameFolder() + "/baseq3/halvane.cfg");
+    QVERIFY2(config.contains("seta sv_hostname \"Side Arena\"\r\n"), config.constData());
+    QVERIFY2(config.contains("q3dm7"), config.constData()); // the profile's map, not mapsel.txt
+    result = cli.run({"export", "--profile", "Side Arena", "side"});
+    QVERIFY2(result.code == 0, qPrintable(result.err));
+    QVERIFY(test::readAll(p.root() + "/side/baseq3/halvane.cfg").contains("\"Side Arena\""));
+    QVERIFY(test::readAll(p.root() + "/side/baseq3/passwords.cfg").contains("side-secret"));
+    QVERIFY(QFileInfo::exists(p.root() + "/side/halvane-side-arena.service"));
 }
 
 QTEST_MAIN(TestCommandLine)

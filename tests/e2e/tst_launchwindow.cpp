@@ -16,6 +16,7 @@
 #include "server/ServerWindow.h"
 #include "ui/MainForm.h"
 #include "ui/MainWindow.h"
+#include "ui/ProfileCommands.h"
 #include "ui_frmAddServer.h"
 #include "ui_frmPath.h"
 #include "ui_frmServer.h"
@@ -175,6 +176,7 @@ private slots:
     void init();
     void operatorLaunchesTwoServers();
     void serverWindowSteersTheServer();
+    void profilesRunSideBySide();
     void serverOnAnotherHost();
     void restartsKeepTheirServer();
     void hostileValuesRunNoCommand();
@@ -327,6 +329,99 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
     QTRY_VERIFY_WITH_TIMEOUT(list->currentItem() && list->currentItem()->text(State) == "running",
                              30000);
     QCOMPARE(op.window->servers().manager().servers().value(0).record.pid, survivor);
+}
+
+// Two profiles with their own names, maps, random bot counts and ports,
+// saved from the window and launched one after the other: each server's
+// next map and bots come from its own rotation, not from the later launch.
+void TestLaunchWindow::profilesRunSideBySide() {
+    Operator op;
+    QVERIFY(buildGameFolder(op.game).isEmpty());
+    test::TestPlatform& platform = op.platform;
+    platform.writeFile(platform.programFolder() + "/maplist.txt",
+                       "oa_dm1\r\noa_dm2\r\noa_dm3\r\noa_dm4\r\n");
+    platform.writeFile(platform.programFolder() + "/botlist.txt",
+                       "Sarge\r\nMajor\r\nGrism\r\nKyonshi\r\nGargoyle\r\n");
+    platform.dialogs.choices = {{true, op.game + "/quake3.exe", "quake3.exe"}};
+    op.openHalvane();
+    op.window->pathDialog().form().cmdBrowse->click();
+    op.window->pathDialog().form().cmdOkay->click();
+    ProfileCommands& profiles = op.window->profiles();
+    profiles.setStore(ProfileStore(platform.root() + "/profiles"));
+    FakePrompts prompts;
+    profiles.setPrompts(prompts);
+
+    MainForm& ui = op.ui();
+    for (QLineEdit* master :
+         {ui.txtMaster_0, ui.txtMaster_1, ui.txtMaster_2, ui.txtMaster_3, ui.txtMaster_4})
+        master->clear();
+    ui.cmbServerType->setCurrentIndex(2);
+    ui.txtHunkMegs->setText("32");
+    ui.chkStartState->setChecked(false);
+    ui.txtNetIP->setText("127.0.0.1");
+    ui.cmbBotType->setCurrentIndex(1);
+    ui.chkAutoSelectBots->setChecked(true);
+    quint16 second = freeUdpPort();
+    while (second == op.port)
+        second = freeUdpPort();
+    struct Side {
+        QString name;
+        quint16 port;
+        QStringList maps;
+        int bots;        // random bots per map: these two counts give sets of exactly that size
+        QString scripts; // its own folder, once launched
+        qint64 pid = 0;
+    } sides[] = {{"A", op.port, {"oa_dm1", "oa_dm2"}, 2, {}},
+                 {"B", second, {"oa_dm3", "oa_dm4"}, 1, {}}};
+    for (const Side& side : sides) {
+        ui.txtServerName->setText("Side " + side.name);
+        ui.txtNetPort->setText(QString::number(side.port));
+        ui.txtConsolePW->setText("e2e-" + side.name);
+        ui.txtRandomBots->setText(QString::number(side.bots));
+        ui.cmdMapClearAll->click();
+        ui.MapList->clearSelection();
+        for (const QString& map : side.maps)
+            test::clickEntry(ui.MapList, int(test::entries(ui.MapList).indexOf(map)),
+                             Qt::ControlModifier);
+        ui.cmdAddSelMap->click();
+        prompts.answers = {side.name};
+        op.window->findChild<QAction*>("mnuProfileSave")->trigger();
+    }
+    for (Side& side : sides) {
+        prompts.answers = {side.name};
+        op.window->findChild<QAction*>("mnuProfileLaunch")->trigger();
+        QVERIFY2(platform.messages.shown.isEmpty(),
+                 qPrintable(test::onlyMessage(platform.messages)));
+        const LaunchRecord& record = op.window->servers().manager().servers().value(0).record;
+        QCOMPARE(record.profile, side.name);
+        const QDir servers(platform.root() + "/state/servers");
+        const QStringList own = servers.entryList({side.name + "-*"}, QDir::Dirs);
+        QCOMPARE(own.size(), 1);
+        side.scripts = servers.filePath(own.first());
+        side.pid = record.pid;
+        op.started.tasks << side.pid;
+    }
+    QVERIFY(!QFileInfo::exists(op.game + "/baseq3/halvane.cfg"));
+
+    for (const Side& side : sides) {
+        const auto lives = [&] { return StartedServers::alive(side.pid); };
+        auto status = waitForStatus(
+            side.port,
+            [&](const ServerStatus& st) { return st.info.value("mapname") == side.maps[0]; }, 60s,
+            lives);
+        QVERIFY2(status, qPrintable("profile " + side.name + " does not answer"));
+        QCOMPARE(status->info.value("sv_hostname"), "Side " + side.name);
+        QVERIFY(rcon(side.port, "e2e-" + side.name, "vstr nextmap"));
+        const QSet<QString> bots = addedBots(side.scripts + "/baseq3/srvbots/botset1.cfg");
+        QCOMPARE(bots.size(), side.bots);
+        status = waitForStatus(
+            side.port,
+            [&](const ServerStatus& st) {
+                return st.info.value("mapname") == side.maps[1] && asSet(st.playerNames()) == bots;
+            },
+            60s, lives);
+        QVERIFY2(status, qPrintable("profile " + side.name + " left its rotation"));
+    }
 }
 
 // Another host of the test's own: a network namespace joined to this one by a
