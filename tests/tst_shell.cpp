@@ -3,9 +3,12 @@
 #include "TestSupport.h"
 
 #include "app/AppInfo.h"
+#include "maps/MapEditor.h"
+#include "maps/MapsController.h"
 #include "ui/StatusPanel.h"
 #include "ui/Twips.h"
 #include "ui_frmMain.h"
+#include "ui_frmMap.h"
 
 #include <QProcess>
 #include <QScopeGuard>
@@ -118,6 +121,9 @@ void ShellTest::savesOnABrokenDisk_data() {
     QTest::newRow("read-only: choose another map")
         << "read-only"
         << "choose||program/maps.dat|The rules shown for m1 could not be written";
+    QTest::newRow("read-only: add a map") << "read-only"
+                                          << "add||program/maps.dat|The map could not be written "
+                                             "to maps.dat:\r\rRead-only file system";
 }
 
 // Every whole-file save on a disk that refuses it: the old file stays byte
@@ -181,6 +187,11 @@ void ShellTest::savesOnABrokenDisk() {
             clickEntry(window.form().MapList, 1);
             QVERIFY(!platform.messages.shown.isEmpty() &&
                     platform.messages.shown.last().text.contains(save.section('|', 3)));
+        }
+        if (save.startsWith("add")) {
+            window.form().cmdAddMaps->click();
+            window.maps().editor().form().txtFileName->setText("newmap");
+            window.maps().editor().form().Command2->click();
         }
         window.form().cmdAddSelMap->click(); // a selection that takes room to store
         window.close();

@@ -275,14 +275,22 @@ qint16 MapCatalogue::FindMap(const QString& name) const {
 }
 
 bool MapCatalogue::readRecord(int number) {
-    if (number < 1 || m_leftAlone)
+    if (number < 1 || m_leftAlone) {
+        m_error = QStringLiteral("there is no map %1 to read.").arg(number);
         return false;
+    }
     QFile file(dataPath());
-    if (!file.open(QIODevice::ReadOnly) || !file.seek(qint64(number - 1) * MapRecord::Size))
+    if (!file.open(QIODevice::ReadOnly) || !file.seek(qint64(number - 1) * MapRecord::Size)) {
+        m_error = file.errorString();
         return false;
+    }
     const QByteArray bytes = file.read(MapRecord::Size);
-    if (bytes.size() != MapRecord::Size)
+    if (bytes.size() != MapRecord::Size) {
+        m_error = bytes.isEmpty() && file.error() == QFileDevice::NoError
+                      ? QStringLiteral("the file holds no map %1.").arg(number)
+                      : file.errorString();
         return false;
+    }
     RecordBuffer = MapRecord::fromBytes(bytes.constData());
     return true;
 }
@@ -293,13 +301,19 @@ bool MapCatalogue::writeRecord(int number) {
 
 bool MapCatalogue::writeRecord(int number, const MapRecord& record) {
     QFile file;
-    if (number < 1 || number > MaxRecords || !openForWriting(file))
+    if (number < 1 || number > MaxRecords) {
+        m_error = QStringLiteral("there is no place for map %1.").arg(number);
+        return false;
+    }
+    if (!openForWriting(file))
         return false;
     const qint64 offset = qint64(number - 1) * MapRecord::Size;
     const qint64 whole = (file.size() / MapRecord::Size) * MapRecord::Size;
     // Writing past the end would leave a hole of zero bytes.
-    if (offset > whole)
+    if (offset > whole) {
+        m_error = QStringLiteral("the file ends before map %1.").arg(number);
         return false;
+    }
     const QByteArray bytes(record.bytes(), MapRecord::Size);
     if (offset == whole)
         return appendRecords(file, whole, bytes, m_error) == 1;

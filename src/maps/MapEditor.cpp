@@ -120,9 +120,11 @@ void MapEditor::AddNewMap() {
     m_catalogue.RecordBuffer =
         makeMapRecord(trimSpaces(ui->txtMapName->text()), file, m_catalogue.DefaultRules);
     if (!m_catalogue.writeRecord(number)) {
-        m_app.platform.messages.tell(QStringLiteral("Warning"),
-                                     QStringLiteral("The map could not be written to maps.dat."),
-                                     MsgIcon::Critical);
+        m_app.platform.messages.tell(
+            QStringLiteral("Warning"),
+            QStringLiteral("The map could not be written to maps.dat:\r\r") +
+                m_catalogue.errorString(),
+            MsgIcon::Critical);
         return;
     }
     m_selection.available().append({file});
@@ -135,17 +137,21 @@ void MapEditor::UpdateMap() {
     const QString name = trimSpaces(ui->txtMapName->text());
     const QString file = trimSpaces(ui->txtFileName->text());
     if (!m_catalogue.readRecord(m_editRecord)) {
-        m_app.platform.messages.tell(QStringLiteral("Warning"),
-                                     QStringLiteral("The map could not be read from maps.dat."),
-                                     MsgIcon::Critical);
+        m_app.platform.messages.tell(
+            QStringLiteral("Warning"),
+            QStringLiteral("The map could not be read from maps.dat:\r\r") +
+                m_catalogue.errorString(),
+            MsgIcon::Critical);
         return;
     }
     m_catalogue.RecordBuffer.set(MapField::DisplayName, name);
     m_catalogue.RecordBuffer.set(MapField::FileName, file);
     if (!m_catalogue.writeRecord(m_editRecord)) {
-        m_app.platform.messages.tell(QStringLiteral("Warning"),
-                                     QStringLiteral("The map could not be written to maps.dat."),
-                                     MsgIcon::Critical);
+        m_app.platform.messages.tell(
+            QStringLiteral("Warning"),
+            QStringLiteral("The map could not be written to maps.dat:\r\r") +
+                m_catalogue.errorString(),
+            MsgIcon::Critical);
         return;
     }
     if (m_editRecord == m_catalogue.CurrentMapRecord) {
