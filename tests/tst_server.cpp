@@ -324,7 +324,9 @@ void ServerTest::addresses() {
     QUdpSocket game, other, closed;
     QVERIFY(game.bind(QHostAddress::LocalHost) && other.bind(QHostAddress::LocalHost) &&
             closed.bind(QHostAddress::LocalHost));
-    for (auto [socket, map] : {std::pair{&game, "oa_dm1"}, std::pair{&other, "oa_other"}}) {
+    for (const auto& answering : {std::pair{&game, "oa_dm1"}, std::pair{&other, "oa_other"}}) {
+        QUdpSocket* socket = answering.first;
+        const char* map = answering.second;
         connect(socket, &QUdpSocket::readyRead, socket, [socket, map] {
             while (socket->hasPendingDatagrams())
                 socket->writeDatagram(socket->receiveDatagram().makeReply(
