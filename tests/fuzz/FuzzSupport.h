@@ -2,6 +2,7 @@
 // What every fuzz target shares: the application object, rules, files.
 #include "TestSupport.h"
 
+#include "config/ConsoleText.h"
 #include "maps/MapCatalogue.h"
 #include "maps/MapDiscovery.h"
 
@@ -17,6 +18,14 @@ inline void check(bool kept, const char* rule, int line) {
         std::fprintf(stderr, "rule broken at line %d: %s\n", line, rule);
         std::abort();
     }
+}
+
+// Whether discovery adds a map found under this name: the name as its record
+// keeps it must be one the game's console can take (or empty, a blank slot).
+inline bool discoveryAdds(const QString& found) {
+    const QString stored =
+        makeMapRecord(QString(), found, MapRules::builtIn()).get(MapField::FileName);
+    return stored.isEmpty() || isConsoleSafeMapName(stored);
 }
 
 inline QByteArray bytesOf(const uint8_t* data, size_t size) {
