@@ -122,8 +122,6 @@ private slots:
     void branches();
     void rotationWithCtfAndRandomBots();
     void failures();
-    void sameFileFromEveryTab_data();
-    void sameFileFromEveryTab();
     void fixedBotScript();
     void botRotationClosesIntoCycle();
     void botSetSizes_data();
@@ -256,56 +254,6 @@ void TestConfigWriter::failures() {
                      MsgButtons::Ok, MsgIcon::Critical));
     QVERIFY(!QFileInfo::exists(f.cfg()));
     QVERIFY(f.catalogue.RecordBuffer == shown);
-}
-
-// The last run stored a team game with friendly fire on a dedicated server
-// with master servers; the operator shows tabs in turn and makes halvane.cfg
-// from the last one. Only Frame1's own state follows the tab (usable while
-// Options is shown); a frame the tab change disabled never counts.
-void TestConfigWriter::sameFileFromEveryTab_data() {
-    QTest::addColumn<int>("lastTab");    // stored by the last run
-    QTest::addColumn<QString>("visits"); // tabs clicked in turn
-    QTest::addColumn<bool>("masters");
-    for (int tab = 0; tab < 6; ++tab)
-        QTest::addRow("from tab %d", tab) << 0 << "012345" + QString::number(tab) << (tab == 3);
-    QTest::newRow("fresh start") << 0 << QString() << true;
-    QTest::newRow("last run closed on Options") << 3 << QString() << false;
-}
-
-void TestConfigWriter::sameFileFromEveryTab() {
-    QFETCH(int, lastTab);
-    QFETCH(QString, visits);
-    QFETCH(bool, masters);
-    const QString stored = "Settings/LastTab=" + QString::number(lastTab) +
-                           ";General/Name=Halvane Arena;General/Motd=Have fun;General/GameType=2"
-                           ";Limits/MaxPlayers=12;Limits/PlayerRespawn=20"
-                           ";Limits/InactivityTimeout=0;Options/AllowVoting=1"
-                           ";Options/FriendlyFire=1;Options/AutoJoin=0;Options/AutoBalance=0"
-                           ";Options/Master0= m.example.net ;Options/Master1="
-                           ";Options/Master3=q3.example.org;Network/MaxRate=";
-    WindowFixture w([&](TestPlatform& p) {
-        for (const QString& entry : stored.split(';'))
-            p.ini->write(entry.section('/', 0, 0), entry.section('/', 1).section('=', 0, 0),
-                         entry.section('=', 1));
-    });
-    QTabBar* tabs = w.ui().SSTab1->tabBar();
-    for (const QChar tab : visits)
-        QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(tab.digitValue()).center());
-    QCOMPARE(w.ui().SSTab1->currentIndex(), visits.isEmpty() ? 0 : visits.back().digitValue());
-    w.ui().mnuFileMakeCfg->trigger();
-
-    QByteArray expected = readAll(golden("config_minimal.cfg"));
-    expected.replace("seta g_gametype 0", "seta g_gametype 3");
-    expected.replace("seta g_weaponrespawn", "seta g_friendlyFire 1\r\nseta g_weaponrespawn");
-    if (masters) {
-        expected.replace("seta sv_maxRate \"\"\r\n\r\n",
-                         "seta sv_maxRate \"\"\r\n\r\nseta sv_master1 m.example.net\r\n"
-                         "seta sv_master2 \"\"\r\nseta sv_master3 \"\"\r\n"
-                         "seta sv_master4 q3.example.org\r\nseta sv_master5 \"\"\r\n");
-    }
-    const QByteArray actual = readAll(w.platform.gameFolder() + "/baseq3/halvane.cfg");
-    QVERIFY2(actual == expected, qPrintable(firstDifference(actual, expected)));
-    QCOMPARE(w.platform.messages.shown.size(), 1); // "Success!" and nothing before it
 }
 
 // The fixed script replaces a longer file; bots not selected are left out.
