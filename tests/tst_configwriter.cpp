@@ -111,54 +111,65 @@ struct Fixture {
         return writer.WriteConfig(s, cfg(), !commandLine.isEmpty(), commandLine);
     }
 };
+
+// The maps (2: q3dm1 and q3dm7; 11: arena0..arena10), the command line, and each file written
+// as its golden file.
+const std::tuple<const char*, int, QString, QStringList> Examples[] = {
+    {"43-line configuration",
+     0,
+     "",
+     {"halvane.cfg=config_minimal.cfg", "default.cfg=startup_script.cfg",
+      "autoexec.cfg=startup_script.cfg"}},
+    {"two-map rotation",
+     2,
+     " +set dedicated 2 +exec halvane.cfg",
+     {"halvane.cfg=config_twomaps.cfg", "srvmaps/mapset0.cfg=twomaps_mapset0.cfg",
+      "srvmaps/mapset1.cfg=twomaps_mapset1.cfg"}},
+    {"eleven maps numbered without leading zeros",
+     11,
+     "",
+     {"halvane.cfg=config_elevenmaps.cfg", "srvmaps/mapset9.cfg=elevenmaps_mapset9.cfg",
+      "srvmaps/mapset10.cfg=elevenmaps_mapset10.cfg"}},
+};
 } // namespace
+
+// The most bots a set may hold, the bots listed, the draws for the set's
+// size and for its picks, and the bots the set adds.
+const std::tuple<const char*, QString, int, double, double, int> BotSets[] = {
+    {"max 1 gives one bot", "1", 5, 0.7, 0.3, 1},
+    {"no number gives none", "lots", 5, 0.7, 0.3, 0},
+    {"smallest draw gives two", "6", 8, 0.0, 0.5, 2},
+    {"more wanted than listed", "10", 3, 0.999, 0.5, 3},
+    {"empty list", "4", 0, 0.5, 0.5, 0},
+    {"stuck generator", "5", 7, 0.999, 0.0, 5}, // draws always on the same slot still end
+    {"all of a 100+ list", "200", 150, 0.999, 0.9999, 100}, // only 100 positions have slots
+};
 
 class TestConfigWriter : public QObject {
     Q_OBJECT
 private slots:
-    void workedExamples_data();
+    void workedExamples_data() { addRows(Examples); }
     void workedExamples();
-    void branches_data();
+    void branches_data() { addRows(Branches); }
     void branches();
-    void rotationWithCtfAndRandomBots();
     void failures();
     void fixedBotScript();
     void botRotationClosesIntoCycle();
-    void botSetSizes_data();
+    void botSetSizes_data() { addRows(BotSets); }
     void botSetSizes();
     void botScriptFailures();
 };
 
-void TestConfigWriter::workedExamples_data() {
-    QTest::addColumn<int>("maps"); // 2: q3dm1 and q3dm7; 11: arena0..arena10
-    QTest::addColumn<QString>("commandLine");
-    QTest::addColumn<QStringList>("files"); // written file = golden file
-    QTest::newRow("43-line configuration")
-        << 0 << ""
-        << QStringList{"halvane.cfg=config_minimal.cfg", "default.cfg=startup_script.cfg",
-                       "autoexec.cfg=startup_script.cfg"};
-    QTest::newRow("two-map rotation")
-        << 2 << " +set dedicated 2 +exec halvane.cfg"
-        << QStringList{"halvane.cfg=config_twomaps.cfg", "srvmaps/mapset0.cfg=twomaps_mapset0.cfg",
-                       "srvmaps/mapset1.cfg=twomaps_mapset1.cfg"};
-    QTest::newRow("eleven maps numbered without leading zeros")
-        << 11 << ""
-        << QStringList{"halvane.cfg=config_elevenmaps.cfg",
-                       "srvmaps/mapset9.cfg=elevenmaps_mapset9.cfg",
-                       "srvmaps/mapset10.cfg=elevenmaps_mapset10.cfg"};
-}
-
 void TestConfigWriter::workedExamples() {
-    QFETCH(int, maps);
-    QFETCH(QString, commandLine);
-    QFETCH(QStringList, files);
+    const auto& [name, maps, commandLine, files] = fetchRow(Examples);
     Fixture f;
     ServerSettings s = baseSettings();
     for (int n = 0; n < maps; ++n) {
-        const QString name =
+        const QString map =
             maps == 2 ? QStringList{"q3dm1", "q3dm7"}[n] : QString("arena%1").arg(n);
-        f.addMap(name, maps == 2 ? rules("15", "20") : rules("10", "25"));
-        s.selectedMaps.append(name);
+        f.addMap(map, maps == 2 ? rules("15", "20") : rules("10", "25"));
+        s.selectedMaps.append(n == 0 ? " " + map.toUpper() + " "
+                                     : map); // the catalogue's spelling is written
     }
     if (maps == 11) // an old script named in capitals is replaced, not joined by a second
         f.platform.writeFile(f.baseq3("srvmaps/MAPSET3.CFG"), "old");
@@ -184,10 +195,6 @@ void TestConfigWriter::workedExamples() {
     QVERIFY(f.platform.messages.shown.isEmpty());
 }
 
-void TestConfigWriter::branches_data() {
-    addRows(Branches);
-}
-
 void TestConfigWriter::branches() {
     const auto& [name, change, block, absent, stored] = fetchRow(Branches);
     Fixture f;
@@ -198,23 +205,6 @@ void TestConfigWriter::branches() {
     QVERIFY2(text.contains(block.join('\n')), qPrintable(text));
     for (const QString& line : absent)
         QVERIFY2(!linesOf(f.cfg()).contains(line), qPrintable(line));
-}
-
-void TestConfigWriter::rotationWithCtfAndRandomBots() {
-    Fixture f;
-    f.addMap("q3ctf1", rules("15", "20", "8"));
-    f.addMap("q3ctf2", rules("20", "0", "5"));
-    ServerSettings s = baseSettings();
-    s.gameType = 3;
-    s.botType = 1;
-    s.autoSelectBots = true;
-    s.selectedMaps = {" Q3CTF1 ", "q3ctf2"}; // the catalogue's spelling is written
-    QVERIFY(f.write(s));
-    QCOMPARE(linesOf(f.baseq3("srvmaps/mapset0.cfg"))[2],
-             "set srv0 \"timelimit 15; fraglimit 20; capturelimit 8; map q3ctf1; exec "
-             "srvbots\\botset0.cfg ; set g_speed 320; set g_gravity 800; set g_knockback 1000; "
-             "set nextmap vstr srv1\"");
-    QVERIFY(QFileInfo::exists(f.baseq3("srvbots/botset1.cfg")));
 }
 
 void TestConfigWriter::failures() {
@@ -289,22 +279,6 @@ void TestConfigWriter::botRotationClosesIntoCycle() {
             QCOMPARE(namesAfter(f.set(n), "kick "), namesAfter(f.set((n + 2) % 3), "addbot "));
         }
     }
-}
-
-// The most bots a set may hold, the bots listed, the draws for the set's
-// size and for its picks, and the bots the set adds.
-const std::tuple<const char*, QString, int, double, double, int> BotSets[] = {
-    {"max 1 gives one bot", "1", 5, 0.7, 0.3, 1},
-    {"no number gives none", "lots", 5, 0.7, 0.3, 0},
-    {"smallest draw gives two", "6", 8, 0.0, 0.5, 2},
-    {"more wanted than listed", "10", 3, 0.999, 0.5, 3},
-    {"empty list", "4", 0, 0.5, 0.5, 0},
-    {"stuck generator", "5", 7, 0.999, 0.0, 5}, // draws always on the same slot still end
-    {"all of a 100+ list", "200", 150, 0.999, 0.9999, 100}, // only 100 positions have slots
-};
-
-void TestConfigWriter::botSetSizes_data() {
-    addRows(BotSets);
 }
 
 void TestConfigWriter::botSetSizes() {
