@@ -129,6 +129,10 @@ public:
     void stop(const QString& id);
     void restart(const QString& id);
     void setMonitor(const QString& id, bool on);
+    // Takes an added server, or one of ours that has ended, off the list
+    // for good; its log stays. False when it runs or is not listed.
+    bool remove(const QString& id);
+    static bool removable(const ServerEntry& server);
     // While watched, every running server is queried; otherwise only the
     // monitored ones.
     void setWatched(bool watched);
@@ -177,6 +181,11 @@ private:
     // under way in another run of it.
     void removeScriptFolders(const QSet<QString>& folders);
     void removeStrayScriptFolders();
+    // Another Halvane (the command line, another window) writes the same
+    // file: records it added since the last look join the list, and one of
+    // ours that it stopped ends with its reason.
+    void takeOthersRecords();
+    void noteFile();
     void sendNextExchange(const QString& id);
     void finishExchange(const QString& id, const QString& cut = QString());
     void takePrint(const QString& id, const QByteArray& datagram);
@@ -192,6 +201,9 @@ private:
     bool m_watched = false;
     QString m_fileProblem;
     QString m_launchProblem;
+    qint64 m_fileSize = -1; // the file as this manager last read or wrote it
+    QDateTime m_fileTime;
+    QSet<QString> m_removed; // never taken back from the file
     UdpSocket m_socket;
     Traffic m_traffic;
     QTimer m_tick;

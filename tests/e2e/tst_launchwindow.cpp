@@ -657,6 +657,8 @@ void TestLaunchWindow::restartsKeepTheirServer() {
                                             "/baseq3/halvane.cfg is missing"),
              qPrintable(ui.lblProblem->text()));
     QVERIFY(!record(first).running() && getStatus(opened));
+    ui.cmdRemove->click(); // its scripts go with it, the other's stay
+    QVERIFY(!QFileInfo::exists(scripts) && QFileInfo::exists(record(second).scripts));
     ui.cmdClose->click();
     QVERIFY(!window.isVisible());
     op.window->findChild<QAction*>("mnuServerStatus")->trigger();
