@@ -110,80 +110,27 @@ struct Fixture {
         return writer.WriteConfig(s, cfg(), !commandLine.isEmpty(), commandLine);
     }
 };
-} // namespace
 
-class TestConfigWriter : public QObject {
-    Q_OBJECT
-private slots:
-    void workedExamples_data();
-    void workedExamples();
-    void branches_data();
-    void branches();
-    void rotationWithCtfAndRandomBots();
-    void failures();
-    void sameFileFromEveryTab_data();
-    void sameFileFromEveryTab();
-    void fixedBotScript();
-    void botRotationClosesIntoCycle();
-    void botSetSizes_data();
-    void botSetSizes();
-    void botScriptFailures();
+// The maps (2: q3dm1 and q3dm7; 11: arena0..arena10), the command line, and each file written
+// as its golden file.
+const std::tuple<const char*, int, QString, QStringList> Examples[] = {
+    {"43-line configuration",
+     0,
+     "",
+     {"halvane.cfg=config_minimal.cfg", "default.cfg=startup_script.cfg",
+      "autoexec.cfg=startup_script.cfg"}},
+    {"two-map rotation",
+     2,
+     " +set dedicated 2 +exec halvane.cfg",
+     {"halvane.cfg=config_twomaps.cfg", "srvmaps/mapset0.cfg=twomaps_mapset0.cfg",
+      "srvmaps/mapset1.cfg=twomaps_mapset1.cfg"}},
+    {"eleven maps numbered without leading zeros",
+     11,
+     "",
+     {"halvane.cfg=config_elevenmaps.cfg", "srvmaps/mapset9.cfg=elevenmaps_mapset9.cfg",
+      "srvmaps/mapset10.cfg=elevenmaps_mapset10.cfg"}},
 };
-
-void TestConfigWriter::workedExamples_data() {
-    QTest::addColumn<int>("maps"); // 2: q3dm1 and q3dm7; 11: arena0..arena10
-    QTest::addColumn<QString>("commandLine");
-    QTest::addColumn<QStringList>("files"); // written file = golden file
-    QTest::newRow("43-line configuration")
-        << 0 << ""
-        << QStringList{"halvane.cfg=config_minimal.cfg", "default.cfg=startup_script.cfg",
-                       "autoexec.cfg=startup_script.cfg"};
-    QTest::newRow("two-map rotation")
-        << 2 << " +set dedicated 2 +exec halvane.cfg"
-        << QStringList{"halvane.cfg=config_twomaps.cfg", "srvmaps/mapset0.cfg=twomaps_mapset0.cfg",
-                       "srvmaps/mapset1.cfg=twomaps_mapset1.cfg"};
-    QTest::newRow("eleven maps numbered without leading zeros")
-        << 11 << ""
-        << QStringList{"halvane.cfg=config_elevenmaps.cfg",
-                       "srvmaps/mapset9.cfg=elevenmaps_mapset9.cfg",
-                       "srvmaps/mapset10.cfg=elevenmaps_mapset10.cfg"};
-}
-
-void TestConfigWriter::workedExamples() {
-    QFETCH(int, maps);
-    QFETCH(QString, commandLine);
-    QFETCH(QStringList, files);
-    Fixture f;
-    ServerSettings s = baseSettings();
-    for (int n = 0; n < maps; ++n) {
-        const QString name =
-            maps == 2 ? QStringList{"q3dm1", "q3dm7"}[n] : QString("arena%1").arg(n);
-        f.addMap(name, maps == 2 ? rules("15", "20") : rules("10", "25"));
-        s.selectedMaps.append(name);
-    }
-    if (maps == 11) // an old script named in capitals is replaced, not joined by a second
-        f.platform.writeFile(f.baseq3("srvmaps/MAPSET3.CFG"), "old");
-    // The operator's own start-up scripts are never replaced, not even an empty one.
-    const QByteArray own = "// my own start-up\nexec mine.cfg\n";
-    if (maps == 2) {
-        f.platform.writeFile(f.baseq3("autoexec.cfg"), own);
-        f.platform.writeFile(f.baseq3("default.cfg"), "");
-    }
-    // The second write replaces the files rather than adding to them.
-    for (int run = 0; run < 2; ++run)
-        QVERIFY(f.write(s, commandLine));
-    for (const QString& pair : files) {
-        const QByteArray actual = readAll(f.baseq3(pair.section('=', 0, 0)));
-        const QByteArray expected = readAll(golden(pair.section('=', 1)));
-        QVERIFY2(!expected.isEmpty() && actual == expected,
-                 qPrintable(pair + ": " + firstDifference(actual, expected)));
-    }
-    if (maps == 2)
-        QVERIFY(readAll(f.baseq3("autoexec.cfg")) == own && readAll(f.baseq3("default.cfg")) == "");
-    QCOMPARE(QDir(f.baseq3("srvmaps")).entryList(QDir::Files).size(), maps < 2 ? 0 : maps);
-    QVERIFY(QDir(f.baseq3("srvbots")).isEmpty()); // no random bots asked for
-    QVERIFY(f.platform.messages.shown.isEmpty());
-}
+} // namespace
 
 // The change to the base settings (one expression, its assignments joined by
 // commas); consecutive lines the file must hold, and lines it must not hold.
@@ -241,8 +188,66 @@ const std::tuple<const char*, Change, QStringList, QStringList> Branches[] = {
      {}},
 };
 
-void TestConfigWriter::branches_data() {
-    addRows(Branches);
+// The most bots a set may hold, the bots listed, the draws for the set's
+// size and for its picks, and the bots the set adds.
+const std::tuple<const char*, QString, int, double, double, int> BotSets[] = {
+    {"max 1 gives one bot", "1", 5, 0.7, 0.3, 1},
+    {"no number gives none", "lots", 5, 0.7, 0.3, 0},
+    {"smallest draw gives two", "6", 8, 0.0, 0.5, 2},
+    {"more wanted than listed", "10", 3, 0.999, 0.5, 3},
+    {"empty list", "4", 0, 0.5, 0.5, 0},
+    {"stuck generator", "5", 7, 0.999, 0.0, 5}, // draws always on the same slot still end
+    {"all of a 100+ list", "200", 150, 0.999, 0.9999, 100}, // only 100 positions have slots
+};
+
+class TestConfigWriter : public QObject {
+    Q_OBJECT
+private slots:
+    void workedExamples_data() { addRows(Examples); }
+    void workedExamples();
+    void branches_data() { addRows(Branches); }
+    void branches();
+    void failures();
+    void fixedBotScript();
+    void botRotationClosesIntoCycle();
+    void botSetSizes_data() { addRows(BotSets); }
+    void botSetSizes();
+    void botScriptFailures();
+};
+
+void TestConfigWriter::workedExamples() {
+    const auto& [name, maps, commandLine, files] = fetchRow(Examples);
+    Fixture f;
+    ServerSettings s = baseSettings();
+    for (int n = 0; n < maps; ++n) {
+        const QString map =
+            maps == 2 ? QStringList{"q3dm1", "q3dm7"}[n] : QString("arena%1").arg(n);
+        f.addMap(map, maps == 2 ? rules("15", "20") : rules("10", "25"));
+        s.selectedMaps.append(n == 0 ? " " + map.toUpper() + " "
+                                     : map); // the catalogue's spelling is written
+    }
+    if (maps == 11) // an old script named in capitals is replaced, not joined by a second
+        f.platform.writeFile(f.baseq3("srvmaps/MAPSET3.CFG"), "old");
+    // The operator's own start-up scripts are never replaced, not even an empty one.
+    const QByteArray own = "// my own start-up\nexec mine.cfg\n";
+    if (maps == 2) {
+        f.platform.writeFile(f.baseq3("autoexec.cfg"), own);
+        f.platform.writeFile(f.baseq3("default.cfg"), "");
+    }
+    // The second write replaces the files rather than adding to them.
+    for (int run = 0; run < 2; ++run)
+        QVERIFY(f.write(s, commandLine));
+    for (const QString& pair : files) {
+        const QByteArray actual = readAll(f.baseq3(pair.section('=', 0, 0)));
+        const QByteArray expected = readAll(golden(pair.section('=', 1)));
+        QVERIFY2(!expected.isEmpty() && actual == expected,
+                 qPrintable(pair + ": " + firstDifference(actual, expected)));
+    }
+    if (maps == 2)
+        QVERIFY(readAll(f.baseq3("autoexec.cfg")) == own && readAll(f.baseq3("default.cfg")) == "");
+    QCOMPARE(QDir(f.baseq3("srvmaps")).entryList(QDir::Files).size(), maps < 2 ? 0 : maps);
+    QVERIFY(QDir(f.baseq3("srvbots")).isEmpty()); // no random bots asked for
+    QVERIFY(f.platform.messages.shown.isEmpty());
 }
 
 void TestConfigWriter::branches() {
@@ -255,23 +260,6 @@ void TestConfigWriter::branches() {
     QVERIFY2(text.contains(block.join('\n')), qPrintable(text));
     for (const QString& line : absent)
         QVERIFY2(!linesOf(f.cfg()).contains(line), qPrintable(line));
-}
-
-void TestConfigWriter::rotationWithCtfAndRandomBots() {
-    Fixture f;
-    f.addMap("q3ctf1", rules("15", "20", "8"));
-    f.addMap("q3ctf2", rules("20", "0", "5"));
-    ServerSettings s = baseSettings();
-    s.gameType = 3;
-    s.botType = 1;
-    s.autoSelectBots = true;
-    s.selectedMaps = {" Q3CTF1 ", "q3ctf2"}; // the catalogue's spelling is written
-    QVERIFY(f.write(s));
-    QCOMPARE(linesOf(f.baseq3("srvmaps/mapset0.cfg"))[2],
-             "set srv0 \"timelimit 15; fraglimit 20; capturelimit 8; map q3ctf1; exec "
-             "srvbots\\botset0.cfg ; set g_speed 320; set g_gravity 800; set g_knockback 1000; "
-             "set nextmap vstr srv1\"");
-    QVERIFY(QFileInfo::exists(f.baseq3("srvbots/botset1.cfg")));
 }
 
 void TestConfigWriter::failures() {
@@ -313,56 +301,6 @@ void TestConfigWriter::failures() {
     QVERIFY(f.catalogue.RecordBuffer == shown);
 }
 
-// The last run stored a team game with friendly fire on a dedicated server
-// with master servers; the operator shows tabs in turn and makes halvane.cfg
-// from the last one. Only Frame1's own state follows the tab (usable while
-// Options is shown); a frame the tab change disabled never counts.
-void TestConfigWriter::sameFileFromEveryTab_data() {
-    QTest::addColumn<int>("lastTab");    // stored by the last run
-    QTest::addColumn<QString>("visits"); // tabs clicked in turn
-    QTest::addColumn<bool>("masters");
-    for (int tab = 0; tab < 6; ++tab)
-        QTest::addRow("from tab %d", tab) << 0 << "012345" + QString::number(tab) << (tab == 3);
-    QTest::newRow("fresh start") << 0 << QString() << true;
-    QTest::newRow("last run closed on Options") << 3 << QString() << false;
-}
-
-void TestConfigWriter::sameFileFromEveryTab() {
-    QFETCH(int, lastTab);
-    QFETCH(QString, visits);
-    QFETCH(bool, masters);
-    const QString stored = "Settings/LastTab=" + QString::number(lastTab) +
-                           ";General/Name=Halvane Arena;General/Motd=Have fun;General/GameType=2"
-                           ";Limits/MaxPlayers=12;Limits/PlayerRespawn=20"
-                           ";Limits/InactivityTimeout=0;Options/AllowVoting=1"
-                           ";Options/FriendlyFire=1;Options/AutoJoin=0;Options/AutoBalance=0"
-                           ";Options/Master0= m.example.net ;Options/Master1="
-                           ";Options/Master3=q3.example.org;Network/MaxRate=";
-    WindowFixture w([&](TestPlatform& p) {
-        for (const QString& entry : stored.split(';'))
-            p.ini->write(entry.section('/', 0, 0), entry.section('/', 1).section('=', 0, 0),
-                         entry.section('=', 1));
-    });
-    QTabBar* tabs = w.ui().SSTab1->tabBar();
-    for (const QChar tab : visits)
-        QTest::mouseClick(tabs, Qt::LeftButton, {}, tabs->tabRect(tab.digitValue()).center());
-    QCOMPARE(w.ui().SSTab1->currentIndex(), visits.isEmpty() ? 0 : visits.back().digitValue());
-    w.ui().mnuFileMakeCfg->trigger();
-
-    QByteArray expected = readAll(golden("config_minimal.cfg"));
-    expected.replace("seta g_gametype 0", "seta g_gametype 3");
-    expected.replace("seta g_weaponrespawn", "seta g_friendlyFire 1\r\nseta g_weaponrespawn");
-    if (masters) {
-        expected.replace("seta sv_maxRate \"\"\r\n\r\n",
-                         "seta sv_maxRate \"\"\r\n\r\nseta sv_master1 m.example.net\r\n"
-                         "seta sv_master2 \"\"\r\nseta sv_master3 \"\"\r\n"
-                         "seta sv_master4 q3.example.org\r\nseta sv_master5 \"\"\r\n");
-    }
-    const QByteArray actual = readAll(w.platform.gameFolder() + "/baseq3/halvane.cfg");
-    QVERIFY2(actual == expected, qPrintable(firstDifference(actual, expected)));
-    QCOMPARE(w.platform.messages.shown.size(), 1); // "Success!" and nothing before it
-}
-
 // The fixed script replaces a longer file; bots not selected are left out.
 void TestConfigWriter::fixedBotScript() {
     Fixture f;
@@ -396,22 +334,6 @@ void TestConfigWriter::botRotationClosesIntoCycle() {
             QCOMPARE(namesAfter(f.set(n), "kick "), namesAfter(f.set((n + 2) % 3), "addbot "));
         }
     }
-}
-
-// The most bots a set may hold, the bots listed, the draws for the set's
-// size and for its picks, and the bots the set adds.
-const std::tuple<const char*, QString, int, double, double, int> BotSets[] = {
-    {"max 1 gives one bot", "1", 5, 0.7, 0.3, 1},
-    {"no number gives none", "lots", 5, 0.7, 0.3, 0},
-    {"smallest draw gives two", "6", 8, 0.0, 0.5, 2},
-    {"more wanted than listed", "10", 3, 0.999, 0.5, 3},
-    {"empty list", "4", 0, 0.5, 0.5, 0},
-    {"stuck generator", "5", 7, 0.999, 0.0, 5}, // draws always on the same slot still end
-    {"all of a 100+ list", "200", 150, 0.999, 0.9999, 100}, // only 100 positions have slots
-};
-
-void TestConfigWriter::botSetSizes_data() {
-    addRows(BotSets);
 }
 
 void TestConfigWriter::botSetSizes() {

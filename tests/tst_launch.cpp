@@ -76,15 +76,34 @@ QStringList childProcesses() {
 
 } // namespace
 
+// A line and the arguments it splits into.
+const std::tuple<const char*, const char*, QStringList> Splits[] = {
+    {"blanks only", "   \t ", {}},
+    {"runs of blanks and tabs, backslashes", " a  D:\\Q3\\\t\tc ", {"a", "D:\\Q3\\", "c"}},
+    {"quotes inside a word", "a\"b c\"d e", {"ab cd", "e"}},
+    {"empty quotes", "a \"\" b", {"a", "", "b"}},
+    {"unclosed quote runs to the end", "a \"b  c", {"a", "b  c"}},
+};
+
+// A fault and the message it gives, "<exe>" standing for the whole command.
+const std::tuple<const char*, const char*> Failures[] = {
+    {"folder vanishes after the write", "Error changing directories\r\rError:  2"},
+    {"folder vanishes before the write", "\r\rError:  2"},
+    {"writer fails", "\r\rError:  5"},
+    {"executable not executable", "<exe>\r\rError:  13"},
+    {"executable missing", "<exe>\r\rError:  2"},
+    {"executable cannot run", "<exe>\r\rError:  5"}, // executable by its mode, but no program
+    // Refused before anything is written; the fixed bot script is written all the same.
+    {"validation refuses", "Server name is required"},
+};
+
 class LaunchTest : public QObject {
     Q_OBJECT
 private slots:
     void init();
     void cleanup();
 
-    void commandLine_data();
-    void commandLine();
-    void split_data();
+    void split_data() { addRows(Splits); }
     void split();
 
     void startsAndAsksBeforeASecondServer();
@@ -92,7 +111,7 @@ private slots:
     void afterTheStart();
 
     void realStartRunsTheWrittenLine();
-    void failures_data();
+    void failures_data() { addRows(Failures); }
     void failures();
     void stateThatCannotBeKept();
 
@@ -156,62 +175,6 @@ void LaunchTest::setLaunchReady() {
     ui->txtHunkMegs->setText("32");
     ui->txtNetPort->setText("27960");
     ui->txtCmdParameters->setEditText("");
-}
-
-// Type, N-0-P, memory, bots, password?, password, IP, port, parameters, CD?,
-// CD, admin name, mail, web site, own script folder; and the line built from them.
-const std::tuple<const char*, LaunchOptions, const char*> CommandLines[] = {
-    {"every piece, afternoon in 24 hours",
-     {1, true, "48x", 2, true, "open sesame", "10.0.0.1", "",
-      "   +set fs_game osp +set sv_fps 30  ", true, "D:", "Ann Admin", "ann@example.org",
-      "http://example.org", ""},
-     " +set dedicated 1 +sets gamestartup \"02/05/2000 17:04\" +sets configured_by "
-     "Halvane_2.07 +set com_hunkmegs 48x +set g_password open sesame +set g_needpass 1 +set "
-     "net_ip 10.0.0.1 +set fs_game osp +set sv_fps 30 +set fs_cdpath D:\\Quake3\\ +sets "
-     "admin_name Ann Admin +sets admin_email ann@example.org +sets admin_website "
-     "http://example.org +exec halvane.cfg"},
-    {"listen server, bots disabled, address kept, scripts of its own",
-     {0, false, "64", 0, false, "", "192.168.1.10", "27961", "", false, "", "", "", "",
-      "/srv/own folder"},
-     " +set dedicated 0 +sets configured_by Halvane_2.07 +set com_hunkmegs 64 +set "
-     "bot_enable 0 +set g_needpass 0 +set net_ip 192.168.1.10 +set net_port 27961 +set "
-     "fs_homepath \"/srv/own folder\" +exec halvane.cfg"},
-    {"blank parameters, stored CD unused, mail without name",
-     {2, false, "32", 1, false, "", "", "", "    ", false, "E:", "", "only@mail", "", ""},
-     " +set dedicated 2 +sets configured_by Halvane_2.07 +set com_hunkmegs 32 +set "
-     "g_needpass 0 +sets admin_email only@mail +exec halvane.cfg"},
-    {"the most hostile values validation lets through, as typed",
-     {2, false, "32", 1, true, "p&w'x$(y)//", "", "", "+set g_motd \"a b\"", false, "",
-      "Bob // Smith", "a@b", "http://a/b?c=d&e", ""},
-     " +set dedicated 2 +sets configured_by Halvane_2.07 +set com_hunkmegs 32 +set g_password "
-     "p&w'x$(y)// +set g_needpass 1 +set g_motd \"a b\" +sets admin_name Bob // Smith +sets "
-     "admin_email a@b +sets admin_website http://a/b?c=d&e +exec halvane.cfg"},
-    {"nothing chosen, empty password",
-     {-1, false, "", -1, true, "", "", "", "", false, "", "", "", "", ""},
-     " +sets configured_by Halvane_2.07 +set com_hunkmegs  +set g_password  +set g_needpass 1 "
-     "+exec halvane.cfg"},
-};
-
-void LaunchTest::commandLine_data() {
-    addRows(CommandLines);
-}
-
-void LaunchTest::commandLine() {
-    const auto& [name, options, expected] = fetchRow(CommandLines);
-    QCOMPARE(buildCommandLine(options, Now), QString(expected));
-}
-
-// A line and the arguments it splits into.
-const std::tuple<const char*, const char*, QStringList> Splits[] = {
-    {"blanks only", "   \t ", {}},
-    {"runs of blanks and tabs, backslashes", " a  D:\\Q3\\\t\tc ", {"a", "D:\\Q3\\", "c"}},
-    {"quotes inside a word", "a\"b c\"d e", {"ab cd", "e"}},
-    {"empty quotes", "a \"\" b", {"a", "", "b"}},
-    {"unclosed quote runs to the end", "a \"b  c", {"a", "b  c"}},
-};
-
-void LaunchTest::split_data() {
-    addRows(Splits);
 }
 
 void LaunchTest::split() {
@@ -327,6 +290,12 @@ void LaunchTest::realStartRunsTheWrittenLine() {
     ui->txtCmdParameters->setEditText(typed);
     ui->txtServerPW->setText("x&touch made6");
     ui->chkRequirePassword->setChecked(true);
+    ui->cmbBotType->setCurrentIndex(0);
+    ui->txtNetIP->setText("10.0.0.1");
+    ui->chkSpecifyCD->setChecked(true);
+    ui->txtCDROM->setText("D:");
+    ui->txtAdminName->setText("Ann Admin");
+    ui->txtAdminURL->setText("http://example.org");
     ui->cmdStart->click();
 
     QCOMPARE(onlyMessage(platform->messages), "0 messages");
@@ -340,9 +309,11 @@ void LaunchTest::realStartRunsTheWrittenLine() {
     QVERIFY2(lines.value(lines.size() - 1).startsWith(prefix), qPrintable(lines.join('\n')));
     const QString line = lines.last().mid(prefix.size()).chopped(1);
     QCOMPARE(line, " +set dedicated 2 +sets gamestartup \"02/05/2000 05:03\" +sets configured_by "
-                   "Halvane_2.07 +set com_hunkmegs 32 +set g_password x&touch made6 +set "
-                   "g_needpass 1 +set net_port 27960 " +
-                       typed + " +exec halvane.cfg");
+                   "Halvane_2.07 +set com_hunkmegs 32 +set bot_enable 0 +set g_password x&touch "
+                   "made6 +set g_needpass 1 +set net_ip 10.0.0.1 +set net_port 27960 " +
+                       typed +
+                       " +set fs_cdpath D:\\Quake3\\ +sets admin_name Ann Admin +sets "
+                       "admin_website http://example.org +exec halvane.cfg");
     // The stand-in ran in the game folder, one argument per line.
     const QString folder = QFileInfo(platform->gameFolder()).canonicalFilePath();
     QString started = folder + '\n';
@@ -353,22 +324,6 @@ void LaunchTest::realStartRunsTheWrittenLine() {
     for (const QString& place : {platform->root(), platform->gameFolder()})
         QCOMPARE(QDir(place).entryList({"made*"}), QStringList{});
     QVERIFY(QDir::currentPath() != folder); // our own folder did not move
-}
-
-// A fault and the message it gives, "<exe>" standing for the whole command.
-const std::tuple<const char*, const char*> Failures[] = {
-    {"folder vanishes after the write", "Error changing directories\r\rError:  2"},
-    {"folder vanishes before the write", "\r\rError:  2"},
-    {"writer fails", "\r\rError:  5"},
-    {"executable not executable", "<exe>\r\rError:  13"},
-    {"executable missing", "<exe>\r\rError:  2"},
-    {"executable cannot run", "<exe>\r\rError:  5"}, // executable by its mode, but no program
-    // Refused before anything is written; the fixed bot script is written all the same.
-    {"validation refuses", "Server name is required"},
-};
-
-void LaunchTest::failures_data() {
-    addRows(Failures);
 }
 
 void LaunchTest::failures() {

@@ -4,6 +4,7 @@
 #include "ui/AdvancedPage.h"
 #include "ui/BotsPage.h"
 #include "ui/GeneralPage.h"
+#include "ui/MapsPage.h"
 #include "ui/OptionsPage.h"
 
 #include <QMainWindow>
@@ -14,6 +15,7 @@ void MainForm::setup(QMainWindow* window) {
     Ui::frmMain::setupUi(window);
     static_cast<Ui::frmGeneral&>(*this) = tabGeneral->form();
     static_cast<Ui::frmBots&>(*this) = tabBots->form();
+    static_cast<Ui::frmMaps&>(*this) = tabMaps->form();
     static_cast<Ui::frmOptions&>(*this) = tabOptions->form();
     static_cast<Ui::frmAdvanced&>(*this) = tabAdvanced->form();
     static_cast<Ui::frmAbout&>(*this) = tabAbout->form();

@@ -5,6 +5,7 @@
 #include "ui_frmBots.h"
 #include "ui_frmGeneral.h"
 #include "ui_frmMain.h"
+#include "ui_frmMaps.h"
 #include "ui_frmOptions.h"
 
 class QMainWindow;
@@ -18,6 +19,7 @@ namespace halvane {
 struct MainForm : Ui::frmMain,
                   Ui::frmGeneral,
                   Ui::frmBots,
+                  Ui::frmMaps,
                   Ui::frmOptions,
                   Ui::frmAdvanced,
                   Ui::frmAbout {
