@@ -14,6 +14,7 @@ struct ServerRun {
     QDateTime started;
     QDateTime ended;
     QString endReason;
+    QString exitStatus;
 };
 
 // What one launch started, kept in the user's state folder so that a later
@@ -41,6 +42,7 @@ struct LaunchRecord {
     QDateTime lastMonitorRestart;
     QDateTime ended; // invalid while it runs
     QString endReason;
+    QString exitStatus;    // "exit 1", "signal SIGSEGV"; empty when nobody saw it end
     QList<ServerRun> runs; // the earlier ones, oldest first
     bool added = false;    // by the operator, by its address
 
@@ -63,6 +65,9 @@ public:
     explicit LaunchRecordFile(QString path) : m_path(std::move(path)) {}
     const QString& path() const { return m_path; }
     LoadedRecords load() const;
+    // The records as another program may be writing them: whole lines only,
+    // and nothing reported or set aside.
+    QList<LaunchRecord> peek() const;
     // Empty on success, otherwise why the file was not written.
     QString save(const QList<LaunchRecord>& records) const;
 

@@ -7,6 +7,7 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <QSet>
 #include <QTimer>
 #include <deque>
 #include <functional>
@@ -79,6 +80,8 @@ public:
     static constexpr int RefreshMs = 2000;
     static constexpr int KeptEnded = 10; // ended servers still listed
     static constexpr int KeptRuns = 100; // earlier runs of one server whose logs stay listed
+    // A script folder no record names is removed once it is this old.
+    static constexpr qint64 StrayFolderSecs = 24 * 3600;
     // Datagrams read in one pass over the socket: a flood waits in the
     // socket's queue (and overflows it) instead of holding up the window.
     static constexpr int MaxPacketsPerPass = 32;
@@ -126,6 +129,10 @@ public:
     void stop(const QString& id);
     void restart(const QString& id);
     void setMonitor(const QString& id, bool on);
+    // Takes an added server, or one of ours that has ended, off the list
+    // for good; its log stays. False when it runs or is not listed.
+    bool remove(const QString& id);
+    static bool removable(const ServerEntry& server);
     // While watched, every running server is queried; otherwise only the
     // monitored ones.
     void setWatched(bool watched);
@@ -165,6 +172,20 @@ private:
     // why, when none can be made.
     QString newLogFile(quint16 port, QString& problem) const;
     void save();
+    // The folders under servers/ that a record names: the copy of its
+    // scripts, and a profile's folder it was launched with.
+    QSet<QString> scriptFoldersOf(const LaunchRecord& record) const;
+    // Removes the folders of records that are gone, once the list without
+    // them is safely written; those of servers this program never knew
+    // (a launch cut short) once they are old enough not to be a launch
+    // under way in another run of it.
+    void removeScriptFolders(const QSet<QString>& folders);
+    void removeStrayScriptFolders();
+    // Another Halvane (the command line, another window) writes the same
+    // file: records it added since the last look join the list, and one of
+    // ours that it stopped ends with its reason.
+    void takeOthersRecords();
+    void noteFile();
     void sendNextExchange(const QString& id);
     void finishExchange(const QString& id, const QString& cut = QString());
     void takePrint(const QString& id, const QByteArray& datagram);
@@ -175,10 +196,14 @@ private:
     LaunchRecordFile m_file;
     MonitorLimits m_limits;
     QList<ServerEntry> m_servers;
+    QSet<QString> m_droppedFolders; // of records left out, removed once the list is written
     bool m_loaded = false;
     bool m_watched = false;
     QString m_fileProblem;
     QString m_launchProblem;
+    qint64 m_fileSize = -1; // the file as this manager last read or wrote it
+    QDateTime m_fileTime;
+    QSet<QString> m_removed; // never taken back from the file
     UdpSocket m_socket;
     Traffic m_traffic;
     QTimer m_tick;
