@@ -1,6 +1,7 @@
 // The server configuration, the rotation scripts, the bot scripts and the
 // support files: the worked examples as golden files, each control-dependent
 // branch as a small case, and the failures the caller must hear about.
+#include "ConfigBranches.h"
 #include "TestSupport.h"
 
 #include "bots/BotScripts.h"
@@ -132,62 +133,6 @@ const std::tuple<const char*, int, QString, QStringList> Examples[] = {
 };
 } // namespace
 
-// The change to the base settings (one expression, its assignments joined by
-// commas); consecutive lines the file must hold, and lines it must not hold.
-using Change = void (*)(ServerSettings&);
-const std::tuple<const char*, Change, QStringList, QStringList> Branches[] = {
-    {"log with its name as typed",
-     [](ServerSettings& s) { s.logFile = true, s.logFileName = " server one.log"; },
-     {"seta g_log \" server one.log\""},
-     {}},
-    {"date-coded log ignores the name",
-     [](ServerSettings& s) { s.logFile = s.dateLog = true, s.logFileName = "mine.log"; },
-     {"seta g_log \"20260305-0709.log\""},
-     {}},
-    {"blanks inside a ping count for nothing",
-     [](ServerSettings& s) { s.minPing = "0 50"; },
-     {"seta sv_minPing 0 50", "seta sv_maxPing 0", "", "seta g_forcerespawn 20"},
-     {}},
-    // The empty line follows the sum of the two numbers, not the lines written.
-    {"ping limits not numeric",
-     [](ServerSettings& s) { s.minPing = "abc", s.maxPing = "x100"; },
-     {"", "seta sv_minPing 0", "seta sv_maxPing 0", "seta g_forcerespawn 20"},
-     {}},
-    {"capture the flag with friendly fire",
-     [](ServerSettings& s) { s.gameType = 3, s.friendlyEnabled = s.friendlyFire = true; },
-     {"", "seta g_friendlyFire 1", "seta g_weaponrespawn 5"},
-     {"seta g_gametype 0"}},
-    {"automatic bots without chat",
-     [](ServerSettings& s) {
-         s.botType = 2, s.disableBotChat = true, s.autoBotSkill = 4, s.minBots = "x";
-     },
-     {"seta bot_nochat 1", "", "seta g_spskill 5", "seta bot_minplayers x", "",
-      "// Execute scripts...", "", "", "// end of file "},
-     {"exec srvbots.cfg"}},
-    {"user-defined bots run the fixed script",
-     [](ServerSettings& s) { s.botType = 1, s.extraConfig = "my \"x\".cfg "; },
-     {"seta bot_minplayers 0", "", "// Execute scripts...", "", "exec srvbots.cfg",
-      "exec my \"x\".cfg ", "", "// end of file "},
-     {"seta g_spskill 1"}},
-    {"random user-defined bots run no fixed script",
-     [](ServerSettings& s) { s.botType = 1, s.autoSelectBots = true; },
-     {"// Execute scripts...", "", "", "// end of file "},
-     {"exec srvbots.cfg"}},
-    // The most hostile values validation lets through are written exactly.
-    {"a semicolon and comment marks between quotes, blanks in a bare value",
-     [](ServerSettings& s) {
-         s.serverName = "Arena; sets inj 1 // /*", s.motd = "+x;y", s.consolePassword = "p;w+",
-         s.maxRate = "25000 //";
-     },
-     {"seta sv_hostname \"Arena; sets inj 1 // /*\"", "seta g_motd \"+x;y\"", "",
-      "seta sv_minPing 0"},
-     {}},
-    {"one byte per character",
-     [](ServerSettings& s) { s.serverName = "Caf\u00e9 \u00bbNord\u00ab"; },
-     {"seta sv_hostname \"Caf\u00e9 \u00bbNord\u00ab\""},
-     {}},
-};
-
 // The most bots a set may hold, the bots listed, the draws for the set's
 // size and for its picks, and the bots the set adds.
 const std::tuple<const char*, QString, int, double, double, int> BotSets[] = {
@@ -251,7 +196,7 @@ void TestConfigWriter::workedExamples() {
 }
 
 void TestConfigWriter::branches() {
-    const auto& [name, change, block, absent] = fetchRow(Branches);
+    const auto& [name, change, block, absent, stored] = fetchRow(Branches);
     Fixture f;
     ServerSettings s = baseSettings();
     change(s);

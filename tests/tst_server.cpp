@@ -376,6 +376,7 @@ void ServerTest::hostilePeer() {
     // it is listed with its answer, or why none came, without a window.
     QCOMPARE(ui.cmdStop->isEnabled() || ui.cmdRestart->isEnabled() || ui.chkMonitor->isEnabled(),
              !added);
+    QCOMPARE(ui.cmdRemove->isEnabled(), added); // one of ours that runs stays listed
     if (!added)
         return;
     const QList<ServerEntry> servers = listServers(*platform.app, 3000);
@@ -383,6 +384,19 @@ void ServerTest::hostilePeer() {
     const ServerLive& live = servers[0].live;
     QCOMPARE(live.status ? live.status->value("sv_hostname") : live.problem,
              peer == "added" ? "real" : problem);
+    {
+        // Another Halvane adds one, its last line still half written: the open window lists it.
+        ServerManager other(*platform.app);
+        QCOMPARE(other.add("127.0.0.1", "1", "pw"), QString());
+        QFile file(platform.root() + "/state/servers.jsonl");
+        QVERIFY(file.open(QIODevice::Append) && file.write("{\"id\":\"half") > 0);
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(ui.lstServers->topLevelItemCount(), 2, 10000);
+    ui.cmdRemove->click();
+    ui.cmdRemove->click();
+    QCOMPARE(ui.lstServers->topLevelItemCount(), 0);
+    QCOMPARE(ServerManager(*platform.app).servers().size(), 0); // gone for good
+    QVERIFY(!QFile::exists(platform.root() + "/state/servers.jsonl.damaged"));
 }
 
 QTEST_MAIN(ServerTest)
