@@ -105,8 +105,10 @@ StartResult QtProcesses::startSupervised(const QString& program, const QStringLi
                                          const QString& workingFolder, const QString& logFile,
                                          const QString& statusFile) {
 #ifdef Q_OS_UNIX
-    return startAs(program, arguments, workingFolder, logFile,
-                   m_supervisor.isEmpty() ? QString() : statusFile);
+    // A program moved or replaced since it started cannot supervise: the
+    // server still starts, only its ending goes unrecorded.
+    const bool supervised = !m_supervisor.isEmpty() && QFileInfo(m_supervisor).isExecutable();
+    return startAs(program, arguments, workingFolder, logFile, supervised ? statusFile : QString());
 #else
     Q_UNUSED(statusFile);
     return start(program, arguments, workingFolder, logFile);
