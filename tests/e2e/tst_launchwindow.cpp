@@ -55,6 +55,13 @@ struct StartedServers {
     }
 };
 
+// The game a server's supervisor waits for; 0 before it has started it.
+pid_t gameOf(qint64 supervisor) {
+    QFile children(QString("/proc/%1/task/%1/children").arg(supervisor));
+    return children.open(QIODevice::ReadOnly) ? pid_t(children.read(64).split(' ')[0].toLongLong())
+                                              : 0;
+}
+
 QSet<QString> asSet(const QStringList& names) {
     return QSet<QString>(names.begin(), names.end());
 }
@@ -84,7 +91,7 @@ struct Operator {
     StartedServers started;
     test::TestPlatform platform; // no game location stored yet
     QString game = platform.root() + QStringLiteral("/oa");
-    QtProcesses processes; // the game really starts
+    QtProcesses processes{HALVANE_EXECUTABLE}; // the game really starts
     AppContext app{{platform.messages, platform.dialogs, processes, platform.shell,
                     platform.desktop, *platform.store, *platform.folder},
                    {}};
@@ -306,7 +313,7 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
 
     const qint64 first = pid();
     ui.cmdStop->click();
-    QTRY_VERIFY_WITH_TIMEOUT(row(State).endsWith("(stopped)"), 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(row(State).endsWith("(stopped, exit 0)"), 30000);
     QCOMPARE(op.processes.startTimeOf(first), 0);
     QVERIFY(!ui.cmdNextMap->isEnabled() && row(Map).isEmpty());
     ui.cmdRestart->click();
@@ -315,8 +322,12 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
 
     ui.chkMonitor->click();
     const qint64 killed = pid();
-    QCOMPARE(::kill(pid_t(killed), SIGKILL), 0);
+    const pid_t game = gameOf(killed); // the engine turns a SIGSEGV into an exit
+    QVERIFY(game > 0);
+    QCOMPARE(::kill(game, SIGKILL), 0);
     QTRY_VERIFY_WITH_TIMEOUT(pid() != killed && row(State) == "running", 60000);
+    QVERIFY2(ui.cmbRun->itemText(1).endsWith("(ended without a Stop, signal SIGKILL)"),
+             qPrintable(ui.cmbRun->itemText(1)));
     QVERIFY2(ui.lblMonitor->text().startsWith("Restarted 1 time, last at "),
              qPrintable(ui.lblMonitor->text()));
 
@@ -387,13 +398,21 @@ void TestLaunchWindow::profilesRunSideBySide() {
         prompts.answers = {side.name};
         op.window->findChild<QAction*>("mnuProfileSave")->trigger();
     }
+    // The first from the menu, the second from the server window's list.
+    op.window->findChild<QAction*>("mnuServerStatus")->trigger();
+    Ui::frmServer& list = op.window->servers().serverWindow().form();
     for (Side& side : sides) {
         prompts.answers = {side.name};
-        op.window->findChild<QAction*>("mnuProfileLaunch")->trigger();
+        list.cmbProfile->setCurrentText(side.name);
+        if (side.name == "A")
+            op.window->findChild<QAction*>("mnuProfileLaunch")->trigger();
+        else
+            list.cmdLaunchProfile->click();
         QVERIFY2(platform.messages.shown.isEmpty(),
                  qPrintable(test::onlyMessage(platform.messages)));
         const LaunchRecord& record = op.window->servers().manager().servers().value(0).record;
         QCOMPARE(record.profile, side.name);
+        QCOMPARE(list.lstServers->currentItem()->text(7), side.name); // its Profile column
         const QDir servers(platform.root() + "/state/servers");
         const QStringList own = servers.entryList({side.name + "-*"}, QDir::Dirs);
         QCOMPARE(own.size(), 1);
@@ -402,6 +421,10 @@ void TestLaunchWindow::profilesRunSideBySide() {
         op.started.tasks << side.pid;
     }
     QVERIFY(!QFileInfo::exists(op.game + "/baseq3/halvane.cfg"));
+    list.cmbProfile->setCurrentText("A"); // its port taken: asked first, a No launches nothing
+    list.cmdLaunchProfile->click();
+    QVERIFY(test::onlyMessage(platform.messages).contains("already uses port"));
+    QCOMPARE(op.window->servers().manager().servers().size(), 2);
 
     for (const Side& side : sides) {
         const auto lives = [&] { return StartedServers::alive(side.pid); };
@@ -604,7 +627,8 @@ void TestLaunchWindow::restartsKeepTheirServer() {
     QSet<qint64> hung;
     const auto hangEach = [&] {
         const LaunchRecord now = record(first);
-        if (now.running() && !hung.contains(now.pid) && ::kill(pid_t(now.pid), SIGSTOP) == 0)
+        const pid_t game = now.running() ? gameOf(now.pid) : 0;
+        if (game > 0 && !hung.contains(now.pid) && ::kill(game, SIGSTOP) == 0)
             hung.insert(now.pid);
         return !now.running();
     };
@@ -624,6 +648,17 @@ void TestLaunchWindow::restartsKeepTheirServer() {
         "Could not start the server again: the game folder " + op.game + " does not exist any more";
     QVERIFY2(ui.lblProblem->text().split('\n').contains(gone), qPrintable(ui.lblProblem->text()));
     QVERIFY(!record(first).running());
+    QVERIFY(QDir().rename(op.game + "-gone", op.game)); // back, but a script of the copy gone
+    const QString scripts = record(first).scripts;
+    QVERIFY(QFile::remove(scripts + "/baseq3/halvane.cfg"));
+    ui.cmdRestart->click();
+    QVERIFY2(ui.lblProblem->text().contains("the copy of the scripts it was launched with, " +
+                                            scripts + ", is incomplete: " + scripts +
+                                            "/baseq3/halvane.cfg is missing"),
+             qPrintable(ui.lblProblem->text()));
+    QVERIFY(!record(first).running() && getStatus(opened));
+    ui.cmdRemove->click(); // its scripts go with it, the other's stay
+    QVERIFY(!QFileInfo::exists(scripts) && QFileInfo::exists(record(second).scripts));
     ui.cmdClose->click();
     QVERIFY(!window.isVisible());
     op.window->findChild<QAction*>("mnuServerStatus")->trigger();
