@@ -45,6 +45,9 @@ const std::tuple<const char*, QString, QString> ExactTips[] = {
      "select \"dedicated server\" for the server type on the general tab"},
 };
 
+const std::tuple<const char*> Boxes[] = {
+    {"txtServerName"}, {"txtMaster_4"}, {"txtMapFragLimit"}, {"txtHunkMegs"}};
+
 class TipsTest : public QObject {
     Q_OBJECT
 private slots:
@@ -52,7 +55,7 @@ private slots:
     void exactTexts_data() { addRows(ExactTips); }
     void exactTexts();
     void builtTips();
-    void focusSelectsWholeText_data();
+    void focusSelectsWholeText_data() { addRows(Boxes); }
     void focusSelectsWholeText();
 
 private:
@@ -151,14 +154,8 @@ void TipsTest::builtTips() {
     ui.lblVersion->setText(AppInfo::versionCaption());
 }
 
-void TipsTest::focusSelectsWholeText_data() {
-    QTest::addColumn<QString>("name");
-    for (const char* name : {"txtServerName", "txtMaster_4", "txtMapFragLimit", "txtHunkMegs"})
-        QTest::newRow(name) << QString(name);
-}
-
 void TipsTest::focusSelectsWholeText() {
-    QFETCH(QString, name);
+    const char* name = std::get<0>(fetchRow(Boxes));
     auto* box = m_fixture->window->findChild<QLineEdit*>(name);
     QVERIFY(box);
     QApplication::setActiveWindow(m_fixture->window.get());
