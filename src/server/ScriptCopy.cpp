@@ -50,6 +50,11 @@ QString copyServerScripts(const QStringList& sources, const QStringList& argumen
 QString scriptCopyProblem(const QString& target) {
     const QString listPath = target + QLatin1Char('/') + CopyList;
     QFile file(listPath);
+    // A copy made before copies listed their files has only its folder: it
+    // is taken as it is, as it was before.
+    if (!QFileInfo::exists(listPath) &&
+        QFileInfo(target + QLatin1Char('/') + ScriptGameFolder).isDir())
+        return QString();
     if (!QFileInfo(listPath).isFile() || !file.open(QIODevice::ReadOnly))
         return QStringLiteral("%1 cannot be read").arg(QDir::toNativeSeparators(listPath));
     const QByteArray bytes = file.read(MaxListSize);

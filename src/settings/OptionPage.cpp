@@ -3,7 +3,7 @@
 #include "platform/SettingsStore.h"
 #include "settings/HolderAccess.h"
 
-#include <QObject>
+#include <QSet>
 
 #include <algorithm>
 #include <vector>
@@ -44,12 +44,29 @@ QString OptionPage::storedText(const SettingsStore& store, const OptionKey& opti
                       QString::fromLatin1(option.defaultText));
 }
 
-QObject* OptionPage::childHolder(const QObject& page, const OptionKey& option) {
+QObject* OptionPage::childHolder(const QObject& page, const OptionKey& option) const {
     const QString name = QString::fromLatin1(option.holder);
     // Keys kept elsewhere have no holder name, and every child has a name.
     if (name.isEmpty())
         return nullptr;
-    return page.findChild<QObject*>(name);
+    if (m_holders.isEmpty()) {
+        QSet<QString> shared;
+        for (QObject* object : page.findChildren<QObject*>()) {
+            const QString objectName = object->objectName();
+            if (objectName.isEmpty() || shared.contains(objectName))
+                continue;
+            if (m_holders.contains(objectName)) {
+                m_holders.remove(objectName);
+                shared.insert(objectName);
+            } else {
+                m_holders.insert(objectName, object);
+            }
+        }
+    }
+    if (QObject* object = m_holders.value(name))
+        return object;
+    // A name of no control the page had at the first look-up, or one two share.
+    return name.startsWith(QLatin1Char('@')) ? nullptr : page.findChild<QObject*>(name);
 }
 
 void OptionPage::apply(const OptionKey& option, const QString& text, const Refused& refused,

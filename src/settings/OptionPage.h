@@ -2,10 +2,11 @@
 
 #include "settings/OptionCatalogue.h"
 
+#include <QHash>
+#include <QObject>
+#include <QPointer>
 #include <functional>
 #include <optional>
-
-class QObject;
 
 namespace halvane {
 
@@ -45,11 +46,17 @@ protected:
     virtual void loaded(const SettingsStore& store, int step, const Refused& refused);
 
     static QString storedText(const SettingsStore& store, const OptionKey& option);
-    // The option's control among the children of page, found by its object name.
-    static QObject* childHolder(const QObject& page, const OptionKey& option);
+    // The option's control among the children of page, found by its object
+    // name. The page's objects are gathered by name in one pass at the first
+    // look-up, instead of one search per option; a name two objects share is
+    // searched for each time.
+    QObject* childHolder(const QObject& page, const OptionKey& option) const;
     // Puts a text into the option's control with the fallback above.
     void apply(const OptionKey& option, const QString& text, const Refused& refused,
                const QString& detail = QString());
+
+private:
+    mutable QHash<QString, QPointer<QObject>> m_holders;
 };
 
 } // namespace halvane
