@@ -50,7 +50,7 @@ QObject* OptionPage::childHolder(const QObject& page, const OptionKey& option) c
     if (name.isEmpty())
         return nullptr;
     if (m_holders.isEmpty()) {
-        QSet<QString> shared;
+        QSet<QString>& shared = m_shared;
         for (QObject* object : page.findChildren<QObject*>()) {
             const QString objectName = object->objectName();
             if (objectName.isEmpty() || shared.contains(objectName))
@@ -65,8 +65,7 @@ QObject* OptionPage::childHolder(const QObject& page, const OptionKey& option) c
     }
     if (QObject* object = m_holders.value(name))
         return object;
-    // A name of no control the page had at the first look-up, or one two share.
-    return name.startsWith(QLatin1Char('@')) ? nullptr : page.findChild<QObject*>(name);
+    return m_shared.contains(name) ? page.findChild<QObject*>(name) : nullptr;
 }
 
 void OptionPage::apply(const OptionKey& option, const QString& text, const Refused& refused,

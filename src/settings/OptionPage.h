@@ -5,6 +5,7 @@
 #include <QHash>
 #include <QObject>
 #include <QPointer>
+#include <QSet>
 #include <functional>
 #include <optional>
 
@@ -57,6 +58,7 @@ protected:
 
 private:
     mutable QHash<QString, QPointer<QObject>> m_holders;
+    mutable QSet<QString> m_shared;
 };
 
 } // namespace halvane
