@@ -121,7 +121,7 @@ void MapSelectionTest::missingMapsMarked() {
         else
             w.platform.writeFile(path, "IBSP");
     }
-    w.maps().discovery().pause = [] {};
+    w.maps().discovery().setPacing({0, 0});
     w.ui().cmdSearchMaps->click();
     w.maps().gameFiles().finish();
     QStringList found;
