@@ -23,6 +23,23 @@ struct StandInWriter : ConfigSteps {
     std::function<bool(const QString&, bool, const QString&)> write;
 };
 
+// The file chosen ("p:" program folder, "g:" game folder, "e:" elsewhere, where "link" is a link
+// to maps.dat and "scripts" one to srvmaps), and what it is: "" for a file written.
+const char Script[] =
+    "a script that halvane.cfg runs (the map rotation or the bots), rewritten at each launch";
+const std::tuple<const char*, const char*, const char*> SaveAsTargets[] = {
+    {"catalogue", "p:maps.dat", "Halvane's own maps.dat"},
+    {"bot list", "p:botlist.txt", "Halvane's own botlist.txt"},
+    {"catalogue in capitals", "p:MAPS.DAT", "Halvane's own maps.dat"},
+    {"link to the catalogue", "e:link", "Halvane's own maps.dat"},
+    {"game", "g:quake3.exe", "the game's executable"},
+    {"new script in the rotation folder", "g:baseq3/SRVMAPS/mapset9.cfg", Script},
+    {"script through a linked folder", "e:scripts/mapset1.cfg", Script},
+    {"fixed bots", "g:baseq3/srvbots.cfg", Script},
+    {"the configuration itself", "g:baseq3/halvane.cfg", ""},
+    {"another script", "g:baseq3/server.cfg", ""},
+};
+
 class ConfigCommandsTest : public QObject {
     Q_OBJECT
 private slots:
@@ -31,7 +48,7 @@ private slots:
     void commands_data();
     void commands();
     void editButton();
-    void saveAsRefusesFilesInUse_data();
+    void saveAsRefusesFilesInUse_data() { addRows(SaveAsTargets); }
     void saveAsRefusesFilesInUse();
 
 private:
@@ -176,27 +193,6 @@ void ConfigCommandsTest::editButton() {
     QCOMPARE(f->platform.shell.edited.size(), 2);
     QCOMPARE(f->platform.shell.edited.last(), f->platform.gameFolder() + "/baseq3/new.cfg");
     QCOMPARE(f->platform.messages.shown.size(), 0);
-}
-
-// The file chosen ("p:" program folder, "g:" game folder, "e:" elsewhere, where "link" is a link
-// to maps.dat and "scripts" one to srvmaps), and what it is: "" for a file written.
-const char Script[] =
-    "a script that halvane.cfg runs (the map rotation or the bots), rewritten at each launch";
-const std::tuple<const char*, const char*, const char*> SaveAsTargets[] = {
-    {"catalogue", "p:maps.dat", "Halvane's own maps.dat"},
-    {"bot list", "p:botlist.txt", "Halvane's own botlist.txt"},
-    {"catalogue in capitals", "p:MAPS.DAT", "Halvane's own maps.dat"},
-    {"link to the catalogue", "e:link", "Halvane's own maps.dat"},
-    {"game", "g:quake3.exe", "the game's executable"},
-    {"new script in the rotation folder", "g:baseq3/SRVMAPS/mapset9.cfg", Script},
-    {"script through a linked folder", "e:scripts/mapset1.cfg", Script},
-    {"fixed bots", "g:baseq3/srvbots.cfg", Script},
-    {"the configuration itself", "g:baseq3/halvane.cfg", ""},
-    {"another script", "g:baseq3/server.cfg", ""},
-};
-
-void ConfigCommandsTest::saveAsRefusesFilesInUse_data() {
-    addRows(SaveAsTargets);
 }
 
 void ConfigCommandsTest::saveAsRefusesFilesInUse() {

@@ -1,6 +1,7 @@
 // The server configuration, the rotation scripts, the bot scripts and the
 // support files: the worked examples as golden files, each control-dependent
 // branch as a small case, and the failures the caller must hear about.
+#include "ConfigBranches.h"
 #include "TestSupport.h"
 
 #include "bots/BotScripts.h"
@@ -110,54 +111,65 @@ struct Fixture {
         return writer.WriteConfig(s, cfg(), !commandLine.isEmpty(), commandLine);
     }
 };
+
+// The maps (2: q3dm1 and q3dm7; 11: arena0..arena10), the command line, and each file written
+// as its golden file.
+const std::tuple<const char*, int, QString, QStringList> Examples[] = {
+    {"43-line configuration",
+     0,
+     "",
+     {"halvane.cfg=config_minimal.cfg", "default.cfg=startup_script.cfg",
+      "autoexec.cfg=startup_script.cfg"}},
+    {"two-map rotation",
+     2,
+     " +set dedicated 2 +exec halvane.cfg",
+     {"halvane.cfg=config_twomaps.cfg", "srvmaps/mapset0.cfg=twomaps_mapset0.cfg",
+      "srvmaps/mapset1.cfg=twomaps_mapset1.cfg"}},
+    {"eleven maps numbered without leading zeros",
+     11,
+     "",
+     {"halvane.cfg=config_elevenmaps.cfg", "srvmaps/mapset9.cfg=elevenmaps_mapset9.cfg",
+      "srvmaps/mapset10.cfg=elevenmaps_mapset10.cfg"}},
+};
 } // namespace
+
+// The most bots a set may hold, the bots listed, the draws for the set's
+// size and for its picks, and the bots the set adds.
+const std::tuple<const char*, QString, int, double, double, int> BotSets[] = {
+    {"max 1 gives one bot", "1", 5, 0.7, 0.3, 1},
+    {"no number gives none", "lots", 5, 0.7, 0.3, 0},
+    {"smallest draw gives two", "6", 8, 0.0, 0.5, 2},
+    {"more wanted than listed", "10", 3, 0.999, 0.5, 3},
+    {"empty list", "4", 0, 0.5, 0.5, 0},
+    {"stuck generator", "5", 7, 0.999, 0.0, 5}, // draws always on the same slot still end
+    {"all of a 100+ list", "200", 150, 0.999, 0.9999, 100}, // only 100 positions have slots
+};
 
 class TestConfigWriter : public QObject {
     Q_OBJECT
 private slots:
-    void workedExamples_data();
+    void workedExamples_data() { addRows(Examples); }
     void workedExamples();
-    void branches_data();
+    void branches_data() { addRows(Branches); }
     void branches();
-    void rotationWithCtfAndRandomBots();
     void failures();
     void fixedBotScript();
     void botRotationClosesIntoCycle();
-    void botSetSizes_data();
+    void botSetSizes_data() { addRows(BotSets); }
     void botSetSizes();
     void botScriptFailures();
 };
 
-void TestConfigWriter::workedExamples_data() {
-    QTest::addColumn<int>("maps"); // 2: q3dm1 and q3dm7; 11: arena0..arena10
-    QTest::addColumn<QString>("commandLine");
-    QTest::addColumn<QStringList>("files"); // written file = golden file
-    QTest::newRow("43-line configuration")
-        << 0 << ""
-        << QStringList{"halvane.cfg=config_minimal.cfg", "default.cfg=startup_script.cfg",
-                       "autoexec.cfg=startup_script.cfg"};
-    QTest::newRow("two-map rotation")
-        << 2 << " +set dedicated 2 +exec halvane.cfg"
-        << QStringList{"halvane.cfg=config_twomaps.cfg", "srvmaps/mapset0.cfg=twomaps_mapset0.cfg",
-                       "srvmaps/mapset1.cfg=twomaps_mapset1.cfg"};
-    QTest::newRow("eleven maps numbered without leading zeros")
-        << 11 << ""
-        << QStringList{"halvane.cfg=config_elevenmaps.cfg",
-                       "srvmaps/mapset9.cfg=elevenmaps_mapset9.cfg",
-                       "srvmaps/mapset10.cfg=elevenmaps_mapset10.cfg"};
-}
-
 void TestConfigWriter::workedExamples() {
-    QFETCH(int, maps);
-    QFETCH(QString, commandLine);
-    QFETCH(QStringList, files);
+    const auto& [name, maps, commandLine, files] = fetchRow(Examples);
     Fixture f;
     ServerSettings s = baseSettings();
     for (int n = 0; n < maps; ++n) {
-        const QString name =
+        const QString map =
             maps == 2 ? QStringList{"q3dm1", "q3dm7"}[n] : QString("arena%1").arg(n);
-        f.addMap(name, maps == 2 ? rules("15", "20") : rules("10", "25"));
-        s.selectedMaps.append(name);
+        f.addMap(map, maps == 2 ? rules("15", "20") : rules("10", "25"));
+        s.selectedMaps.append(n == 0 ? " " + map.toUpper() + " "
+                                     : map); // the catalogue's spelling is written
     }
     if (maps == 11) // an old script named in capitals is replaced, not joined by a second
         f.platform.writeFile(f.baseq3("srvmaps/MAPSET3.CFG"), "old");
@@ -183,68 +195,8 @@ void TestConfigWriter::workedExamples() {
     QVERIFY(f.platform.messages.shown.isEmpty());
 }
 
-// The change to the base settings (one expression, its assignments joined by
-// commas); consecutive lines the file must hold, and lines it must not hold.
-using Change = void (*)(ServerSettings&);
-const std::tuple<const char*, Change, QStringList, QStringList> Branches[] = {
-    {"log with its name as typed",
-     [](ServerSettings& s) { s.logFile = true, s.logFileName = " server one.log"; },
-     {"seta g_log \" server one.log\""},
-     {}},
-    {"date-coded log ignores the name",
-     [](ServerSettings& s) { s.logFile = s.dateLog = true, s.logFileName = "mine.log"; },
-     {"seta g_log \"20260305-0709.log\""},
-     {}},
-    {"blanks inside a ping count for nothing",
-     [](ServerSettings& s) { s.minPing = "0 50"; },
-     {"seta sv_minPing 0 50", "seta sv_maxPing 0", "", "seta g_forcerespawn 20"},
-     {}},
-    // The empty line follows the sum of the two numbers, not the lines written.
-    {"ping limits not numeric",
-     [](ServerSettings& s) { s.minPing = "abc", s.maxPing = "x100"; },
-     {"", "seta sv_minPing 0", "seta sv_maxPing 0", "seta g_forcerespawn 20"},
-     {}},
-    {"capture the flag with friendly fire",
-     [](ServerSettings& s) { s.gameType = 3, s.friendlyEnabled = s.friendlyFire = true; },
-     {"", "seta g_friendlyFire 1", "seta g_weaponrespawn 5"},
-     {"seta g_gametype 0"}},
-    {"automatic bots without chat",
-     [](ServerSettings& s) {
-         s.botType = 2, s.disableBotChat = true, s.autoBotSkill = 4, s.minBots = "x";
-     },
-     {"seta bot_nochat 1", "", "seta g_spskill 5", "seta bot_minplayers x", "",
-      "// Execute scripts...", "", "", "// end of file "},
-     {"exec srvbots.cfg"}},
-    {"user-defined bots run the fixed script",
-     [](ServerSettings& s) { s.botType = 1, s.extraConfig = "my \"x\".cfg "; },
-     {"seta bot_minplayers 0", "", "// Execute scripts...", "", "exec srvbots.cfg",
-      "exec my \"x\".cfg ", "", "// end of file "},
-     {"seta g_spskill 1"}},
-    {"random user-defined bots run no fixed script",
-     [](ServerSettings& s) { s.botType = 1, s.autoSelectBots = true; },
-     {"// Execute scripts...", "", "", "// end of file "},
-     {"exec srvbots.cfg"}},
-    // The most hostile values validation lets through are written exactly.
-    {"a semicolon and comment marks between quotes, blanks in a bare value",
-     [](ServerSettings& s) {
-         s.serverName = "Arena; sets inj 1 // /*", s.motd = "+x;y", s.consolePassword = "p;w+",
-         s.maxRate = "25000 //";
-     },
-     {"seta sv_hostname \"Arena; sets inj 1 // /*\"", "seta g_motd \"+x;y\"", "",
-      "seta sv_minPing 0"},
-     {}},
-    {"one byte per character",
-     [](ServerSettings& s) { s.serverName = "Caf\u00e9 \u00bbNord\u00ab"; },
-     {"seta sv_hostname \"Caf\u00e9 \u00bbNord\u00ab\""},
-     {}},
-};
-
-void TestConfigWriter::branches_data() {
-    addRows(Branches);
-}
-
 void TestConfigWriter::branches() {
-    const auto& [name, change, block, absent] = fetchRow(Branches);
+    const auto& [name, change, block, absent, stored] = fetchRow(Branches);
     Fixture f;
     ServerSettings s = baseSettings();
     change(s);
@@ -253,23 +205,6 @@ void TestConfigWriter::branches() {
     QVERIFY2(text.contains(block.join('\n')), qPrintable(text));
     for (const QString& line : absent)
         QVERIFY2(!linesOf(f.cfg()).contains(line), qPrintable(line));
-}
-
-void TestConfigWriter::rotationWithCtfAndRandomBots() {
-    Fixture f;
-    f.addMap("q3ctf1", rules("15", "20", "8"));
-    f.addMap("q3ctf2", rules("20", "0", "5"));
-    ServerSettings s = baseSettings();
-    s.gameType = 3;
-    s.botType = 1;
-    s.autoSelectBots = true;
-    s.selectedMaps = {" Q3CTF1 ", "q3ctf2"}; // the catalogue's spelling is written
-    QVERIFY(f.write(s));
-    QCOMPARE(linesOf(f.baseq3("srvmaps/mapset0.cfg"))[2],
-             "set srv0 \"timelimit 15; fraglimit 20; capturelimit 8; map q3ctf1; exec "
-             "srvbots\\botset0.cfg ; set g_speed 320; set g_gravity 800; set g_knockback 1000; "
-             "set nextmap vstr srv1\"");
-    QVERIFY(QFileInfo::exists(f.baseq3("srvbots/botset1.cfg")));
 }
 
 void TestConfigWriter::failures() {
@@ -344,22 +279,6 @@ void TestConfigWriter::botRotationClosesIntoCycle() {
             QCOMPARE(namesAfter(f.set(n), "kick "), namesAfter(f.set((n + 2) % 3), "addbot "));
         }
     }
-}
-
-// The most bots a set may hold, the bots listed, the draws for the set's
-// size and for its picks, and the bots the set adds.
-const std::tuple<const char*, QString, int, double, double, int> BotSets[] = {
-    {"max 1 gives one bot", "1", 5, 0.7, 0.3, 1},
-    {"no number gives none", "lots", 5, 0.7, 0.3, 0},
-    {"smallest draw gives two", "6", 8, 0.0, 0.5, 2},
-    {"more wanted than listed", "10", 3, 0.999, 0.5, 3},
-    {"empty list", "4", 0, 0.5, 0.5, 0},
-    {"stuck generator", "5", 7, 0.999, 0.0, 5}, // draws always on the same slot still end
-    {"all of a 100+ list", "200", 150, 0.999, 0.9999, 100}, // only 100 positions have slots
-};
-
-void TestConfigWriter::botSetSizes_data() {
-    addRows(BotSets);
 }
 
 void TestConfigWriter::botSetSizes() {

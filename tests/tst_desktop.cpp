@@ -39,6 +39,17 @@ struct ReadOnlyFolder {
 
 } // namespace
 
+// Below the test's folder: the executable's folder, the delivered files'
+// folder, and the data folders all users share (or none); whether the
+// delivered files' folder is read-only, and whether the program's files
+// then live in a folder of the user's own.
+const std::tuple<const char*, QString, QString, QString, bool, bool> Installs[] = {
+    {"build or folder install", "/hv", "/hv", "", false, false},
+    {"read-only folder", "/hv", "/hv", "", true, true},
+    {"own prefix", "/hv/bin", "/hv/share/halvane", "", false, false},
+    {"system prefix", "/usr/bin", "/usr/share/halvane", "/usr/share", false, true},
+};
+
 class DesktopTest : public QObject {
     Q_OBJECT
 private slots:
@@ -46,7 +57,7 @@ private slots:
     void firstRunStoresNothing_data();
     void firstRunStoresNothing();
     void firstRunKeepsTheOperatorsRotation();
-    void programFolderOfEveryInstall_data();
+    void programFolderOfEveryInstall_data() { addRows(Installs); }
     void programFolderOfEveryInstall();
 };
 
@@ -116,21 +127,6 @@ void DesktopTest::firstRunKeepsTheOperatorsRotation() {
                     platform.programFolder());
     QCOMPARE(readAll(platform.programFolder() + "/mapsel.txt"), QByteArray("q3dm17\r\n"));
     QCOMPARE(readAll(platform.programFolder() + "/maplist.txt"), OfferedMaps);
-}
-
-// Below the test's folder: the executable's folder, the delivered files'
-// folder, and the data folders all users share (or none); whether the
-// delivered files' folder is read-only, and whether the program's files
-// then live in a folder of the user's own.
-const std::tuple<const char*, QString, QString, QString, bool, bool> Installs[] = {
-    {"build or folder install", "/hv", "/hv", "", false, false},
-    {"read-only folder", "/hv", "/hv", "", true, true},
-    {"own prefix", "/hv/bin", "/hv/share/halvane", "", false, false},
-    {"system prefix", "/usr/bin", "/usr/share/halvane", "/usr/share", false, true},
-};
-
-void DesktopTest::programFolderOfEveryInstall_data() {
-    addRows(Installs);
 }
 
 // The first start fills the user's folder from the installed files, the

@@ -76,13 +76,34 @@ QStringList childProcesses() {
 
 } // namespace
 
+// A line and the arguments it splits into.
+const std::tuple<const char*, const char*, QStringList> Splits[] = {
+    {"blanks only", "   \t ", {}},
+    {"runs of blanks and tabs, backslashes", " a  D:\\Q3\\\t\tc ", {"a", "D:\\Q3\\", "c"}},
+    {"quotes inside a word", "a\"b c\"d e", {"ab cd", "e"}},
+    {"empty quotes", "a \"\" b", {"a", "", "b"}},
+    {"unclosed quote runs to the end", "a \"b  c", {"a", "b  c"}},
+};
+
+// A fault and the message it gives, "<exe>" standing for the whole command.
+const std::tuple<const char*, const char*> Failures[] = {
+    {"folder vanishes after the write", "Error changing directories\r\rError:  2"},
+    {"folder vanishes before the write", "\r\rError:  2"},
+    {"writer fails", "\r\rError:  5"},
+    {"executable not executable", "<exe>\r\rError:  13"},
+    {"executable missing", "<exe>\r\rError:  2"},
+    {"executable cannot run", "<exe>\r\rError:  5"}, // executable by its mode, but no program
+    // Refused before anything is written; the fixed bot script is written all the same.
+    {"validation refuses", "Server name is required"},
+};
+
 class LaunchTest : public QObject {
     Q_OBJECT
 private slots:
     void init();
     void cleanup();
 
-    void split_data();
+    void split_data() { addRows(Splits); }
     void split();
 
     void startsAndAsksBeforeASecondServer();
@@ -90,7 +111,7 @@ private slots:
     void afterTheStart();
 
     void realStartRunsTheWrittenLine();
-    void failures_data();
+    void failures_data() { addRows(Failures); }
     void failures();
     void stateThatCannotBeKept();
 
@@ -154,19 +175,6 @@ void LaunchTest::setLaunchReady() {
     ui->txtHunkMegs->setText("32");
     ui->txtNetPort->setText("27960");
     ui->txtCmdParameters->setEditText("");
-}
-
-// A line and the arguments it splits into.
-const std::tuple<const char*, const char*, QStringList> Splits[] = {
-    {"blanks only", "   \t ", {}},
-    {"runs of blanks and tabs, backslashes", " a  D:\\Q3\\\t\tc ", {"a", "D:\\Q3\\", "c"}},
-    {"quotes inside a word", "a\"b c\"d e", {"ab cd", "e"}},
-    {"empty quotes", "a \"\" b", {"a", "", "b"}},
-    {"unclosed quote runs to the end", "a \"b  c", {"a", "b  c"}},
-};
-
-void LaunchTest::split_data() {
-    addRows(Splits);
 }
 
 void LaunchTest::split() {
@@ -316,22 +324,6 @@ void LaunchTest::realStartRunsTheWrittenLine() {
     for (const QString& place : {platform->root(), platform->gameFolder()})
         QCOMPARE(QDir(place).entryList({"made*"}), QStringList{});
     QVERIFY(QDir::currentPath() != folder); // our own folder did not move
-}
-
-// A fault and the message it gives, "<exe>" standing for the whole command.
-const std::tuple<const char*, const char*> Failures[] = {
-    {"folder vanishes after the write", "Error changing directories\r\rError:  2"},
-    {"folder vanishes before the write", "\r\rError:  2"},
-    {"writer fails", "\r\rError:  5"},
-    {"executable not executable", "<exe>\r\rError:  13"},
-    {"executable missing", "<exe>\r\rError:  2"},
-    {"executable cannot run", "<exe>\r\rError:  5"}, // executable by its mode, but no program
-    // Refused before anything is written; the fixed bot script is written all the same.
-    {"validation refuses", "Server name is required"},
-};
-
-void LaunchTest::failures_data() {
-    addRows(Failures);
 }
 
 void LaunchTest::failures() {

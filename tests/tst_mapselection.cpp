@@ -57,22 +57,88 @@ QByteArray targa(int width, int height) {
 }
 } // namespace
 
+// Game files, "archive|member" or a file in the game folder; the maps marked
+// in MapList, then in SelMap.
+const std::tuple<const char*, QStringList, QString> MarkedRows[] = {
+    {"loose and archived maps, names in any letter case",
+     {"baseq3/maps/q3dm1.bsp", "baseoa/pak0.pk3|MAPS/Oa_Dm1.Bsp", "baseq3/z.pk3|maps/q3dm2.bsp"},
+     "gone gone"},
+    {"pictures, other folders and unreadable archives hold no maps",
+     {"baseq3/z.pk3|levelshots/q3dm1.jpg", "baseq3/z.pk3|maps/sub/q3dm1.bsp",
+      "baseq3/z.pk3|q3dm2.bsp", "missionpack/maps/oa_dm1.bsp", "baseq3/bad.pk3"},
+     "q3dm1 Q3DM2 oa_dm1 gone gone q3dm1"},
+};
+
+// The highlighted row (-1: none), the button, the order after and the row highlighted.
+const std::tuple<const char*, int, bool, QString, int> Moves[] = {
+    {"up on the first", 0, true, "m1 m2 m3 m4 m5", 0},
+    {"down on the last", 4, false, "m1 m2 m3 m4 m5", 4},
+    {"up in the middle", 2, true, "m1 m3 m2 m4 m5", 1},
+    {"down onto the last", 3, false, "m1 m2 m3 m5 m4", 4},
+    {"nothing highlighted", -1, true, "m1 m2 m3 m4 m5", -1},
+};
+
+// What else the operator did before "Close"; the record written for the edit
+// as number|display name|file name.
+const std::tuple<const char*, QString, QString> Edits[] = {
+    {"first available map", "", "1|Name of a|a"},
+    {"first selected map after a start", "selected", "3|Name of c|c"},
+    {"a renamed map", "rename", "2|Bee|bb"},
+    {"a blank name box", "blank", "1||a"},
+    // Choosing the vanished map writes the shown one back (its name cut to
+    // 30) and ends the run; the close then writes nothing over the file.
+    {"a damaged catalogue", "damage", "1|A new name that is much longer|a"},
+};
+
+// The file name typed, the message's title and text, the part of the name selected after.
+const std::tuple<const char*, QString, QString, QString, QString> EditorChecks[] = {
+    {"no file name", "", "Incomplete Information",
+     "You must specify at least a file name for the new map.", ""},
+    {"two dots", "my.map.bsp", "Warning", "The file name should not include a file extension!",
+     ".map.bsp"},
+    {"two words", "my map", "Warning", "Spaces are not allowed in map file names!", "my map"},
+    {"existing map", "A", "Get some rest!", "That map already exists!", ""},
+    // Names the game's console would split or cut short in a rotation line.
+    {"a semicolon", "q;quit", "Warning",
+     "File Name cannot hold a semicolon (;): the game would read the rest as another command.",
+     "q;quit"},
+    {"a quote", "q\"x", "Warning",
+     "File Name cannot hold a double quote (\"): the game would read the rest as another command.",
+     "q\"x"},
+    {"a tab", "q\tquit", "Warning",
+     "File Name cannot hold a control character (code 9): the game would read the rest as "
+     "another command.",
+     "q\tquit"},
+    {"a comment mark", "q//x", "Warning",
+     "File Name cannot hold a comment mark (//): the game would not read the rest.", "q//x"},
+};
+
+// Clicks ("a<row>" in MapList, "s<row>" in SelMap) and "edit" and "okay" in
+// the map editor; the map shown after, and the one "Delete Map" then asks
+// about and deletes (none when SelMap chose last: the menu is MapList's).
+const std::tuple<const char*, QString, QString, QString> Choices[] = {
+    {"the current available map after the selection showed another", "a0", "m1", "m1"},
+    {"the current selected map after the available list showed another", "a1 s0", "m3", ""},
+    {"the edited map", "a1 edit okay", "m2", "m2"},
+    {"another map chosen while the editor is open", "a1 edit a3 okay", "m4", "m4"},
+};
+
 class MapSelectionTest : public QObject {
     Q_OBJECT
 private slots:
     void selectionFileRoundTrip();
-    void missingMapsMarked_data();
+    void missingMapsMarked_data() { addRows(MarkedRows); }
     void missingMapsMarked();
     void addInsertsAfterTheHighlightedSelection();
-    void upAndDown_data();
+    void upAndDown_data() { addRows(Moves); }
     void upAndDown();
     void randomize();
-    void closeRightAfterAnEdit_data();
+    void closeRightAfterAnEdit_data() { addRows(Edits); }
     void closeRightAfterAnEdit();
     void useSettingsAsDefault();
-    void editorChecks_data();
+    void editorChecks_data() { addRows(EditorChecks); }
     void editorChecks();
-    void chooseEditAndDelete_data();
+    void chooseEditAndDelete_data() { addRows(Choices); }
     void chooseEditAndDelete();
     void gameTypeSuggestion();
     void pictureChoice_data();
@@ -90,22 +156,6 @@ void MapSelectionTest::selectionFileRoundTrip() {
     w.window->close();
     QCOMPARE(readAll(w.platform.programFolder() + "/mapsel.txt"),
              "  Q3DM2 \r\n" + wide.toLatin1() + "\r\nq3dm2\r\n");
-}
-
-// Game files, "archive|member" or a file in the game folder; the maps marked
-// in MapList, then in SelMap.
-const std::tuple<const char*, QStringList, QString> MarkedRows[] = {
-    {"loose and archived maps, names in any letter case",
-     {"baseq3/maps/q3dm1.bsp", "baseoa/pak0.pk3|MAPS/Oa_Dm1.Bsp", "baseq3/z.pk3|maps/q3dm2.bsp"},
-     "gone gone"},
-    {"pictures, other folders and unreadable archives hold no maps",
-     {"baseq3/z.pk3|levelshots/q3dm1.jpg", "baseq3/z.pk3|maps/sub/q3dm1.bsp",
-      "baseq3/z.pk3|q3dm2.bsp", "missionpack/maps/oa_dm1.bsp", "baseq3/bad.pk3"},
-     "q3dm1 Q3DM2 oa_dm1 gone gone q3dm1"},
-};
-
-void MapSelectionTest::missingMapsMarked_data() {
-    addRows(MarkedRows);
 }
 
 // The lists are made after "Search" too; the marks are what the lists
@@ -164,19 +214,6 @@ void MapSelectionTest::addInsertsAfterTheHighlightedSelection() {
     QCOMPARE(entries(w.ui().SelMap).mid(8), QStringList({"m2", "mc"}));
 }
 
-// The highlighted row (-1: none), the button, the order after and the row highlighted.
-const std::tuple<const char*, int, bool, QString, int> Moves[] = {
-    {"up on the first", 0, true, "m1 m2 m3 m4 m5", 0},
-    {"down on the last", 4, false, "m1 m2 m3 m4 m5", 4},
-    {"up in the middle", 2, true, "m1 m3 m2 m4 m5", 1},
-    {"down onto the last", 3, false, "m1 m2 m3 m5 m4", 4},
-    {"nothing highlighted", -1, true, "m1 m2 m3 m4 m5", -1},
-};
-
-void MapSelectionTest::upAndDown_data() {
-    addRows(Moves);
-}
-
 void MapSelectionTest::upAndDown() {
     const auto& [name, row, up, order, highlight] = fetchRow(Moves);
     Window w(Eight, FiveSelected);
@@ -206,22 +243,6 @@ void MapSelectionTest::randomize() {
                      "You need to have at least two maps selected for this feature to work "
                      "(think about it).",
                      MsgButtons::Ok, MsgIcon::Information));
-}
-
-// What else the operator did before "Close"; the record written for the edit
-// as number|display name|file name.
-const std::tuple<const char*, QString, QString> Edits[] = {
-    {"first available map", "", "1|Name of a|a"},
-    {"first selected map after a start", "selected", "3|Name of c|c"},
-    {"a renamed map", "rename", "2|Bee|bb"},
-    {"a blank name box", "blank", "1||a"},
-    // Choosing the vanished map writes the shown one back (its name cut to
-    // 30) and ends the run; the close then writes nothing over the file.
-    {"a damaged catalogue", "damage", "1|A new name that is much longer|a"},
-};
-
-void MapSelectionTest::closeRightAfterAnEdit_data() {
-    addRows(Edits);
 }
 
 void MapSelectionTest::closeRightAfterAnEdit() {
@@ -277,33 +298,6 @@ void MapSelectionTest::useSettingsAsDefault() {
     QCOMPARE(w.platform.store->read("Defaults", "KnockBack", "x"), QStringLiteral("900"));
 }
 
-// The file name typed, the message's title and text, the part of the name selected after.
-const std::tuple<const char*, QString, QString, QString, QString> EditorChecks[] = {
-    {"no file name", "", "Incomplete Information",
-     "You must specify at least a file name for the new map.", ""},
-    {"two dots", "my.map.bsp", "Warning", "The file name should not include a file extension!",
-     ".map.bsp"},
-    {"two words", "my map", "Warning", "Spaces are not allowed in map file names!", "my map"},
-    {"existing map", "A", "Get some rest!", "That map already exists!", ""},
-    // Names the game's console would split or cut short in a rotation line.
-    {"a semicolon", "q;quit", "Warning",
-     "File Name cannot hold a semicolon (;): the game would read the rest as another command.",
-     "q;quit"},
-    {"a quote", "q\"x", "Warning",
-     "File Name cannot hold a double quote (\"): the game would read the rest as another command.",
-     "q\"x"},
-    {"a tab", "q\tquit", "Warning",
-     "File Name cannot hold a control character (code 9): the game would read the rest as "
-     "another command.",
-     "q\tquit"},
-    {"a comment mark", "q//x", "Warning",
-     "File Name cannot hold a comment mark (//): the game would not read the rest.", "q//x"},
-};
-
-void MapSelectionTest::editorChecks_data() {
-    addRows(EditorChecks);
-}
-
 void MapSelectionTest::editorChecks() {
     const auto& [name, file, title, text, selected] = fetchRow(EditorChecks);
     Window w({"a"});
@@ -317,20 +311,6 @@ void MapSelectionTest::editorChecks() {
     QCOMPARE(editor.form().txtFileName->selectedText(), selected);
     QVERIFY(editor.isVisible());
     QCOMPARE(readAll(w.dataPath()), before);
-}
-
-// Clicks ("a<row>" in MapList, "s<row>" in SelMap) and "edit" and "okay" in
-// the map editor; the map shown after, and the one "Delete Map" then asks
-// about and deletes (none when SelMap chose last: the menu is MapList's).
-const std::tuple<const char*, QString, QString, QString> Choices[] = {
-    {"the current available map after the selection showed another", "a0", "m1", "m1"},
-    {"the current selected map after the available list showed another", "a1 s0", "m3", ""},
-    {"the edited map", "a1 edit okay", "m2", "m2"},
-    {"another map chosen while the editor is open", "a1 edit a3 okay", "m4", "m4"},
-};
-
-void MapSelectionTest::chooseEditAndDelete_data() {
-    addRows(Choices);
 }
 
 // Starts with m1 highlighted in MapList and m3, the selected map, shown.

@@ -12,13 +12,26 @@
 using namespace halvane;
 using namespace halvane::test;
 
+// A new user's ways to a game that the next start still finds: the free
+// game's button, or a server program not named quake3.exe (the engine's
+// own, or the free game's) with the offered game folder over it. The
+// folder stored, below the test folder; "engine" when the choice is stored
+// as made, and asked for again at the next start.
+const std::tuple<const char*, const char*, MsgAnswer, const char*> Choices[] = {
+    {"free game button", "button", MsgAnswer::No, "data/openarena"},
+    {"another server program, folder made", "usr/bin/q3ded", MsgAnswer::Yes, "data/q3ded"},
+    {"the free game's engine, folder made", "usr/lib/ioquake3/ioq3ded", MsgAnswer::Yes,
+     "data/openarena"},
+    {"another server program as chosen", "usr/bin/q3ded", MsgAnswer::No, "usr/bin"},
+};
+
 class PathDialogTest : public QObject {
     Q_OBJECT
 private slots:
     void startUp_data();
     void startUp();
     void browseThenOkayStoresLocationAndMenuReopens();
-    void choiceLastsToTheNextStart_data();
+    void choiceLastsToTheNextStart_data() { addRows(Choices); }
     void choiceLastsToTheNextStart();
 };
 
@@ -86,23 +99,6 @@ void PathDialogTest::browseThenOkayStoresLocationAndMenuReopens() {
     QCOMPARE(dialog.form().txtPath->text(), exe);
     dialog.form().cmdCancel->click();
     QVERIFY(!window.hasEnded() && window.isEnabled() && !dialog.isVisible());
-}
-
-// A new user's ways to a game that the next start still finds: the free
-// game's button, or a server program not named quake3.exe (the engine's
-// own, or the free game's) with the offered game folder over it. The
-// folder stored, below the test folder; "engine" when the choice is stored
-// as made, and asked for again at the next start.
-const std::tuple<const char*, const char*, MsgAnswer, const char*> Choices[] = {
-    {"free game button", "button", MsgAnswer::No, "data/openarena"},
-    {"another server program, folder made", "usr/bin/q3ded", MsgAnswer::Yes, "data/q3ded"},
-    {"the free game's engine, folder made", "usr/lib/ioquake3/ioq3ded", MsgAnswer::Yes,
-     "data/openarena"},
-    {"another server program as chosen", "usr/bin/q3ded", MsgAnswer::No, "usr/bin"},
-};
-
-void PathDialogTest::choiceLastsToTheNextStart_data() {
-    addRows(Choices);
 }
 
 void PathDialogTest::choiceLastsToTheNextStart() {

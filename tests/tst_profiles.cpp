@@ -174,6 +174,9 @@ void ProfilesTest::operatorKeepsProfiles() {
     QCOMPARE(ui.txtNetPort->text(), QStringLiteral("27970"));
     QVERIFY(!ui.chkWarmUp->isChecked() && !ui.txtWarmUpTime->isEnabled());
     QCOMPARE(entries(ui.SelMap), QStringList{"q3dm17"});
+    f.platform.dialogs.choices = {{true, f.platform.root() + "/export", "export"}};
+    trigger("mnuServerExport", {}); // named after the profile, not its host name
+    QVERIFY(QFileInfo::exists(f.platform.root() + "/export/halvane-alpha.service"));
 
     trigger("mnuProfileOpen", {"Delta"});
     QCOMPARE(

@@ -61,122 +61,157 @@ const std::tuple<const char*, QByteArray, const char*> Opened[] = {
     {"not yet confirmed", "Opening IP socket: 127.0.0.1:27960\n", ""},
     {"nothing printed yet", "", ""},
 };
+
+// A datagram and what is read from it: "key=value,..|name:score:ping|..." or "error: <reason>".
+const QByteArray Head = Oob + "statusResponse\n";
+const std::tuple<const char*, QByteArray, const char*> Statuses[] = {
+    {"players with colours and blanks",
+     Head + "\\sv_hostname\\^1Red ^7Arena\\mapname\\oa_dm1\n3 50 \"^4Blue Bot\"\n-2 0 \"x\"\n",
+     "mapname=oa_dm1,sv_hostname=^1Red ^7Arena|^4Blue Bot:3:50|x:-2:0"},
+    {"quotes inside a name run to the last one", Head + "\\g\\1\n0 9 \"say \"hi\"\"\n",
+     "g=1|say \"hi\":0:9"},
+    {"no players", Head + "\\g_gametype\\4\\sv_maxclients\\12\n", "g_gametype=4,sv_maxclients=12"},
+    {"cut short: half a pair, an open name", Head + "\\a\\1\\mapna\n7 20 \"Sar", "a=1|Sar:7:20"},
+    {"line that is no player", Head + "\\a\\1\nabc 5 \"x\"\n5\n1 2 3 \"y\"\n", "a=1"},
+    {"header only", Oob + "statusResponse", "error: sent a status answer that was cut short"},
+    {"garbage", QByteArray("\x01garbage", 8),
+     "error: answered with something that is not a status (8 bytes)"},
+    {"oversized", Head + "\\a\\" + QByteArray(MaxPacket, 'x'),
+     "error: answered with 16406 bytes, more than a status answer can hold"},
+};
+
+// The console's answer packets, its text and the problem.
+const QByteArray Print = Oob + "print\n";
+const std::tuple<const char*, QList<QByteArray>, const char*, const char*> Rcons[] = {
+    {"several packets, a stray one among them",
+     {Print + "map: oa_dm1\nnum sc", Oob + "statusResponse\n\\a\\b", Print + "ore ping\n",
+      Print + " 0 0 0 Sarge\n"},
+     "map: oa_dm1\nnum score ping\n 0 0 0 Sarge\n",
+     ""},
+    {"wrong password",
+     {Print + "Bad rconpassword.\n"},
+     "Bad rconpassword.\n",
+     "the server refused the Console (rcon) Password"},
+    {"no password on the server",
+     {Print + "No rconpassword set on the server.\n"},
+     "No rconpassword set on the server.\n",
+     "the server has no Console (rcon) Password"},
+    {"silence", {}, "", "no answer from the server's console"},
+};
+
+// A name as the game prints it, plain, and as the window shows it.
+const std::tuple<const char*, QString, const char*, const char*> Colours[] = {
+    {"colours, white is plain", "^1Red^7 <b>&", "Red <b>&",
+     "<span style=\"color:#cc0000\">Red</span> &lt;b&gt;&amp;"},
+    {"caret before a code, letter code, caret at the end", "^^2x^ay^", "^xy^",
+     "^<span style=\"color:#008800\">x</span><span style=\"color:#cc0000\">y^</span>"},
+    {"control characters go, line ends stay", "a\x01\nb", "a\nb", "ab"},
+};
+
+const std::tuple<const char*, QString, int> Clients[] = {
+    {"bot", "Sarge", 0},
+    {"a longer name it begins", "Sarge2", 3},
+    {"blanks and colours in the name", "^1Big ^7Bot", 11},
+    {"still connecting", "Grism", 4},
+    {"not there", "Major", -1},
+};
+
+// A server list file, and the id:state of each record, then the problem line.
+const QString KeptAs = " the file as it was is kept as <state>/servers.jsonl.damaged";
+const QByteArray RecordA = recordLine("a", 1000, 7000), RecordB = recordLine("b", 1001, 7007);
+const std::tuple<const char*, QByteArray, const char*> Records[] = {
+    {"running, and an id reused by another process", RecordA + recordLine("reused", 1001, 5),
+     "a:running reused:ended while Halvane was not running"},
+    {"garbage, cut and wrong lines between good ones",
+     RecordA + "\x01\xfe garbage\n" +
+         recordLine("noport", 1000, 7000).replace("\"port\":0", "\"port\":-1") +
+         "{\"id\":\"x\"}\n" + RecordB + RecordB.left(40),
+     "a:running b:running Damaged server list <state>/servers.jsonl: line 2: illegal value; "
+     "line 3: no port; line 4: no process id; line 6: unterminated string;<kept>"},
+    {"a line from before the runs and script copies were kept",
+     "{\"id\":\"old\",\"pid\":\"1001\",\"processStart\":\"5\",\"program\":\"q3\",\"port\":27961,"
+     "\"started\":\"2024-05-01T10:00:00.000\"}\n",
+     "old:ended while Halvane was not running"},
+    {"two hundred thousand bad lines: the first few and a count",
+     RecordA + QByteArray("x\n").repeated(200000),
+     "a:running Damaged server list <state>/servers.jsonl: line 2: illegal value; line 3: "
+     "illegal value; line 4: illegal value; line 5: illegal value; line 6: illegal value; "
+     "199995 more lines cannot be read;<kept>"},
+    {"added servers: no process of ours, but an address",
+     "{\"id\":\"x\",\"added\":true,\"address\":\"10.213.0.2\",\"port\":27960,\"pid\":\"1000\","
+     "\"processStart\":\"7000\",\"monitor\":true,\"started\":\"2024-05-01T10:00:00.000\"}\n"
+     "{\"id\":\"y\",\"added\":true,\"port\":1,\"started\":\"2024-05-01T10:00:00.000\"}",
+     "x:running Damaged server list <state>/servers.jsonl: line 2: no address;<kept>"},
+    {"not records at all", "[1,2]\n\"x\"\n",
+     "Damaged server list <state>/servers.jsonl: line 1: not a record; line 2: illegal "
+     "value;<kept>"},
+};
+
+// Steps on the log (+text appends, =text replaces, - deletes) and the lines read after each
+// ("!" a problem).
+const std::tuple<const char*, QStringList, QStringList> Tails[] = {
+    {"growing, a line in two parts", {"+a\r\nb", "+c\nd\n", "+"}, {"a", "bc|d", ""}},
+    {"deleted while shown, then back", {"+a\n", "-", "-", "=x\n"}, {"a", "!", "", "x"}},
+    {"cut shorter", {"+long line\n", "=s\n"}, {"long line", "s"}},
+};
+
+// The stand-in's way, the row's name and state or the console's last line, the problem line.
+const std::tuple<const char*, QString, QString, QString> Peers[] = {
+    {"five hundred status answers to one question", "flood", "flood 0|running", ""},
+    {"answers from a port not asked", "intruder", "real|running", ""},
+    {"a named pipe as the log file", "fifo", "real|running",
+     "The log file <log> cannot be read: it is not a regular file"},
+    {"12 KB host and player names", "huge", QString(64, 'h') + QChar(0x2026) + "|running", ""},
+    {"console prints without end", "prints", "(answer cut: longer than 64 KB)", ""},
+    {"console prints trickling in", "trickle", "(answer cut: still arriving after 5 seconds)", ""},
+    {"added by its address", "added", "real|running", ""},
+    {"added, answering garbage", "added garbage", "|asking",
+     "The server answered with something that is not a status (8 bytes)"},
+    {"added, never answering", "added silent", "|not answering", ""},
+};
 } // namespace
 
 class ServerTest : public QObject {
     Q_OBJECT
 private slots:
-    void status_data();
+    void status_data() { test::addRows(Statuses); }
     void status();
-    void rcon_data();
+    void rcon_data() { test::addRows(Rcons); }
     void rcon();
-    void colours_data();
+    void colours_data() { test::addRows(Colours); }
     void colours();
-    void clientNumbers_data();
+    void clientNumbers_data() { test::addRows(Clients); }
     void clientNumbers();
-    void records_data();
+    void records_data() { test::addRows(Records); }
     void records();
-    void logTail_data();
+    void logTail_data() { test::addRows(Tails); }
     void logTail();
     void addresses_data() { test::addRows(Opened); }
     void addresses();
-    void hostilePeer_data();
+    void hostilePeer_data() { test::addRows(Peers); }
     void hostilePeer();
 };
 
-void ServerTest::status_data() {
-    QTest::addColumn<QByteArray>("datagram");
-    QTest::addColumn<QString>("expected");
-    const auto row = [](const char* name, const QByteArray& datagram, const char* expected) {
-        QTest::newRow(name) << datagram << QString(expected);
-    };
-    const QByteArray head = Oob + "statusResponse\n";
-    row("players with colours and blanks",
-        head + "\\sv_hostname\\^1Red ^7Arena\\mapname\\oa_dm1\n3 50 \"^4Blue Bot\"\n-2 0 \"x\"\n",
-        "mapname=oa_dm1,sv_hostname=^1Red ^7Arena|^4Blue Bot:3:50|x:-2:0");
-    row("quotes inside a name run to the last one", head + "\\g\\1\n0 9 \"say \"hi\"\"\n",
-        "g=1|say \"hi\":0:9");
-    row("no players", head + "\\g_gametype\\4\\sv_maxclients\\12\n",
-        "g_gametype=4,sv_maxclients=12");
-    row("cut short: half a pair, an open name", head + "\\a\\1\\mapna\n7 20 \"Sar", "a=1|Sar:7:20");
-    row("line that is no player", head + "\\a\\1\nabc 5 \"x\"\n5\n1 2 3 \"y\"\n", "a=1");
-    row("header only", Oob + "statusResponse", "error: sent a status answer that was cut short");
-    row("garbage", QByteArray("\x01garbage", 8),
-        "error: answered with something that is not a status (8 bytes)");
-    row("oversized", head + "\\a\\" + QByteArray(MaxPacket, 'x'),
-        "error: answered with 16406 bytes, more than a status answer can hold");
-}
-
 void ServerTest::status() {
-    QFETCH(QByteArray, datagram);
-    QFETCH(QString, expected);
-    QCOMPARE(summary(datagram), expected);
-}
-
-void ServerTest::rcon_data() {
-    QTest::addColumn<QList<QByteArray>>("datagrams");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("error");
-    const auto row = [](const char* name, const QList<QByteArray>& datagrams, const char* text,
-                        const char* error) {
-        QTest::newRow(name) << datagrams << QString(text) << QString(error);
-    };
-    const QByteArray print = Oob + "print\n";
-    row("several packets, a stray one among them",
-        {print + "map: oa_dm1\nnum sc", Oob + "statusResponse\n\\a\\b", print + "ore ping\n",
-         print + " 0 0 0 Sarge\n"},
-        "map: oa_dm1\nnum score ping\n 0 0 0 Sarge\n", "");
-    row("wrong password", {print + "Bad rconpassword.\n"}, "Bad rconpassword.\n",
-        "the server refused the Console (rcon) Password");
-    row("no password on the server", {print + "No rconpassword set on the server.\n"},
-        "No rconpassword set on the server.\n", "the server has no Console (rcon) Password");
-    row("silence", {}, "", "no answer from the server's console");
+    const auto& [name, datagram, expected] = test::fetchRow(Statuses);
+    QCOMPARE(summary(datagram), QString(expected));
 }
 
 void ServerTest::rcon() {
-    QFETCH(QList<QByteArray>, datagrams);
-    QFETCH(QString, text);
-    QFETCH(QString, error);
+    const auto& [name, datagrams, text, error] = test::fetchRow(Rcons);
     const RconAnswer answer = rconAnswer(datagrams);
-    QCOMPARE(answer.text, text);
-    QCOMPARE(answer.error, error);
-}
-
-void ServerTest::colours_data() {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("plain");
-    QTest::addColumn<QString>("html");
-    const auto row = [](const char* name, const char* text, const char* plain, const char* html) {
-        QTest::newRow(name) << QString(text) << QString(plain) << QString(html);
-    };
-    row("colours, white is plain", "^1Red^7 <b>&", "Red <b>&",
-        "<span style=\"color:#cc0000\">Red</span> &lt;b&gt;&amp;");
-    row("caret before a code, letter code, caret at the end", "^^2x^ay^", "^xy^",
-        "^<span style=\"color:#008800\">x</span><span style=\"color:#cc0000\">y^</span>");
-    row("control characters go, line ends stay", "a\x01\nb", "a\nb", "ab");
+    QCOMPARE(answer.text, QString(text));
+    QCOMPARE(answer.error, QString(error));
 }
 
 void ServerTest::colours() {
-    QFETCH(QString, text);
-    QFETCH(QString, plain);
-    QFETCH(QString, html);
-    QCOMPARE(withoutColours(text), plain);
-    QCOMPARE(colouredHtml(text), html);
-}
-
-void ServerTest::clientNumbers_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("number");
-    QTest::newRow("bot") << "Sarge" << 0;
-    QTest::newRow("a longer name it begins") << "Sarge2" << 3;
-    QTest::newRow("blanks and colours in the name") << "^1Big ^7Bot" << 11;
-    QTest::newRow("still connecting") << "Grism" << 4;
-    QTest::newRow("not there") << "Major" << -1;
+    const auto& [name, text, plain, html] = test::fetchRow(Colours);
+    QCOMPARE(withoutColours(text), QString(plain));
+    QCOMPARE(colouredHtml(text), QString(html));
 }
 
 void ServerTest::clientNumbers() {
-    QFETCH(QString, name);
-    QFETCH(int, number);
+    const auto& [row, name, number] = test::fetchRow(Clients);
     // The engine's table, its address column narrowed.
     const QString table = "map: oa_dm1\n"
                           "cl score ping name            address         rate \n"
@@ -188,49 +223,9 @@ void ServerTest::clientNumbers() {
     QCOMPARE(clientNumber(table, name), number);
 }
 
-void ServerTest::records_data() {
-    QTest::addColumn<QByteArray>("file");
-    QTest::addColumn<QString>("expected"); // id:state of each record, then the problem line
-    const QByteArray a = recordLine("a", 1000, 7000);
-    const QByteArray b = recordLine("b", 1001, 7007);
-    const QString kept = " the file as it was is kept as <state>/servers.jsonl.damaged";
-    QTest::newRow("running, and an id reused by another process")
-        << a + recordLine("reused", 1001, 5)
-        << "a:running reused:ended while Halvane was not running";
-    QTest::newRow("garbage, cut and wrong lines between good ones")
-        << a + "\x01\xfe garbage\n" +
-               recordLine("noport", 1000, 7000).replace("\"port\":0", "\"port\":-1") +
-               "{\"id\":\"x\"}\n" + b + b.left(40)
-        << "a:running b:running Damaged server list <state>/servers.jsonl: line 2: illegal value; "
-           "line 3: no port; line 4: no process id; line 6: unterminated string;" +
-               kept;
-    QTest::newRow("a line from before the runs and script copies were kept")
-        << QByteArray("{\"id\":\"old\",\"pid\":\"1001\",\"processStart\":\"5\",\"program\":"
-                      "\"q3\",\"port\":27961,\"started\":\"2024-05-01T10:00:00.000\"}\n")
-        << "old:ended while Halvane was not running";
-    QTest::newRow("two hundred thousand bad lines: the first few and a count")
-        << a + QByteArray("x\n").repeated(200000)
-        << "a:running Damaged server list <state>/servers.jsonl: line 2: illegal value; line 3: "
-           "illegal value; line 4: illegal value; line 5: illegal value; line 6: illegal value; "
-           "199995 more lines cannot be read;" +
-               kept;
-    QTest::newRow("added servers: no process of ours, but an address")
-        << QByteArray(
-               "{\"id\":\"x\",\"added\":true,\"address\":\"10.213.0.2\",\"port\":27960,"
-               "\"pid\":\"1000\",\"processStart\":\"7000\",\"monitor\":true,"
-               "\"started\":\"2024-05-01T10:00:00.000\"}\n"
-               "{\"id\":\"y\",\"added\":true,\"port\":1,\"started\":\"2024-05-01T10:00:00.000\"}")
-        << "x:running Damaged server list <state>/servers.jsonl: line 2: no address;" + kept;
-    QTest::newRow("not records at all")
-        << QByteArray("[1,2]\n\"x\"\n")
-        << "Damaged server list <state>/servers.jsonl: line 1: not a record; line 2: illegal "
-           "value;" +
-               kept;
-}
-
 void ServerTest::records() {
-    QFETCH(QByteArray, file);
-    QFETCH(QString, expected);
+    const auto& [name, file, problems] = test::fetchRow(Records);
+    const QString expected = QString(problems).replace("<kept>", KeptAs);
     test::TestPlatform platform;
     const QString state = platform.root() + "/state";
     platform.writeFile(state + "/servers.jsonl", file);
@@ -255,20 +250,8 @@ void ServerTest::records() {
     QCOMPARE(QFile(state + "/servers.jsonl").permissions() & 0x0077, QFileDevice::Permissions());
 }
 
-void ServerTest::logTail_data() {
-    QTest::addColumn<QStringList>("steps"); // +text appends, =text replaces, - deletes
-    QTest::addColumn<QStringList>("reads"); // the lines read after each step, "!" a problem
-    QTest::newRow("growing, a line in two parts")
-        << QStringList{"+a\r\nb", "+c\nd\n", "+"} << QStringList{"a", "bc|d", ""};
-    QTest::newRow("deleted while shown, then back")
-        << QStringList{"+a\n", "-", "-", "=x\n"} << QStringList{"a", "!", "", "x"};
-    QTest::newRow("cut shorter") << QStringList{"+long line\n", "=s\n"}
-                                 << QStringList{"long line", "s"};
-}
-
 void ServerTest::logTail() {
-    QFETCH(QStringList, steps);
-    QFETCH(QStringList, reads);
+    const auto& [name, steps, reads] = test::fetchRow(Tails);
     QTemporaryDir dir;
     const QString path = dir.filePath("server.log");
     LogTail tail;
@@ -305,31 +288,9 @@ void ServerTest::addresses() {
 // a log that is a pipe: the window shows what it should and each pass over
 // the socket reads a bounded number of datagrams. Servers Halvane did not
 // start are added in the window by their address, and listed without it.
-void ServerTest::hostilePeer_data() {
-    QTest::addColumn<QString>("peer");
-    QTest::addColumn<QString>("shown");   // the row's name and state, or the console's last line
-    QTest::addColumn<QString>("problem"); // the window's problem line
-    const auto row = [](const char* name, const char* peer, const QString& shown,
-                        const QString& problem = {}) {
-        QTest::newRow(name) << peer << shown << problem;
-    };
-    row("five hundred status answers to one question", "flood", "flood 0|running");
-    row("answers from a port not asked", "intruder", "real|running");
-    row("a named pipe as the log file", "fifo", "real|running",
-        "The log file <log> cannot be read: it is not a regular file");
-    row("12 KB host and player names", "huge", QString(64, 'h') + QChar(0x2026) + "|running");
-    row("console prints without end", "prints", "(answer cut: longer than 64 KB)");
-    row("console prints trickling in", "trickle", "(answer cut: still arriving after 5 seconds)");
-    row("added by its address", "added", "real|running");
-    row("added, answering garbage", "added garbage", "|asking",
-        "The server answered with something that is not a status (8 bytes)");
-    row("added, never answering", "added silent", "|not answering");
-}
-
 void ServerTest::hostilePeer() {
-    QFETCH(QString, peer);
-    QFETCH(QString, shown);
-    QFETCH(QString, problem);
+    const auto& [row, way, shown, problem] = test::fetchRow(Peers);
+    const QString peer = way; // the lambdas below take it
     QUdpSocket game, intruder;
     QVERIFY(game.bind(QHostAddress::LocalHost) && intruder.bind(QHostAddress::LocalHost));
     test::TestPlatform platform;
@@ -415,6 +376,7 @@ void ServerTest::hostilePeer() {
     // it is listed with its answer, or why none came, without a window.
     QCOMPARE(ui.cmdStop->isEnabled() || ui.cmdRestart->isEnabled() || ui.chkMonitor->isEnabled(),
              !added);
+    QCOMPARE(ui.cmdRemove->isEnabled(), added); // one of ours that runs stays listed
     if (!added)
         return;
     const QList<ServerEntry> servers = listServers(*platform.app, 3000);
@@ -422,6 +384,19 @@ void ServerTest::hostilePeer() {
     const ServerLive& live = servers[0].live;
     QCOMPARE(live.status ? live.status->value("sv_hostname") : live.problem,
              peer == "added" ? "real" : problem);
+    {
+        // Another Halvane adds one, its last line still half written: the open window lists it.
+        ServerManager other(*platform.app);
+        QCOMPARE(other.add("127.0.0.1", "1", "pw"), QString());
+        QFile file(platform.root() + "/state/servers.jsonl");
+        QVERIFY(file.open(QIODevice::Append) && file.write("{\"id\":\"half") > 0);
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(ui.lstServers->topLevelItemCount(), 2, 10000);
+    ui.cmdRemove->click();
+    ui.cmdRemove->click();
+    QCOMPARE(ui.lstServers->topLevelItemCount(), 0);
+    QCOMPARE(ServerManager(*platform.app).servers().size(), 0); // gone for good
+    QVERIFY(!QFile::exists(platform.root() + "/state/servers.jsonl.damaged"));
 }
 
 QTEST_MAIN(ServerTest)

@@ -284,7 +284,8 @@ int onSettings(const QString& command, const Arguments& arguments) {
             print(stdout, QStringLiteral("Started ") + servers.first().record.id);
         return Done;
     }
-    if (!window.serverExport().exportTo(arguments.operands.first(), QStringLiteral("server")))
+    if (!window.serverExport().exportTo(arguments.operands.first(),
+                                        window.serverExport().serverName()))
         return Failed;
     print(stdout, QStringLiteral("Exported to ") + arguments.operands.first());
     return Done;

@@ -9,10 +9,12 @@
 #include "launch/CommandLine.h"
 #include "maps/MapsController.h"
 #include "platform/WholeFile.h"
+#include "server/ServerProtocol.h"
 #include "settings/Positions.h"
 #include "settings/Validation.h"
 #include "ui/MainForm.h"
 #include "ui/MainWindow.h"
+#include "ui/ProfileCommands.h"
 
 #include <QDir>
 #include <QDirIterator>
@@ -48,13 +50,21 @@ void ServerExport::mnuServerExport() {
                                         QStringLiteral("Folders|*"), QString(), QDir::homePath());
     if (!choice.chosen || choice.path.isEmpty())
         return;
-    if (exportTo(choice.path, QStringLiteral("server")))
+    if (exportTo(choice.path, serverName()))
         m_app.platform.messages.tell(
             Title,
             QStringLiteral("The server's files were written to ") +
                 QDir::toNativeSeparators(choice.path) +
                 QStringLiteral(".\r\rREADME.md in it says how to run them."),
             MsgIcon::Information);
+}
+
+QString ServerExport::serverName() const {
+    const ProfileCommands* profiles = m_window.profileCommands();
+    const QString profile = profiles ? profiles->currentName() : QString();
+    // The file names made of it keep letters and digits only (exporting::slug).
+    return profile.isEmpty() ? protocol::withoutColours(m_window.form().txtServerName->text())
+                             : profile;
 }
 
 bool ServerExport::exportTo(const QString& folder, const QString& name) {

@@ -21,6 +21,9 @@ public:
     // Every failure is told through the message boxes, and leaves nothing:
     // the folder appears whole or not at all.
     bool exportTo(const QString& folder, const QString& name);
+    // What an export of the window's settings is named after: the profile
+    // they were last opened from or saved as, otherwise the host name.
+    QString serverName() const;
     // The menu command: asks for the new folder's name first.
     void mnuServerExport();
 

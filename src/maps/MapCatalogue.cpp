@@ -34,6 +34,9 @@ unsigned char lowered(char c) {
 bool sameName(QByteArrayView a, QByteArrayView b) {
     if (a.size() != b.size())
         return false;
+    // Mostly spelt alike: one comparison of the bytes settles it.
+    if (std::memcmp(a.data(), b.data(), size_t(a.size())) == 0)
+        return true;
     for (qsizetype i = 0; i < a.size(); ++i) {
         if (lowered(a[i]) != lowered(b[i]))
             return false;
@@ -146,6 +149,20 @@ qint16 MapSnapshot::find(QByteArrayView name) const {
             return qint16(m_slots[slot]);
     }
     return -1;
+}
+
+bool MapSnapshot::knows(QByteArrayView name, int& next) const {
+    const QByteArrayView wanted = trimSpaces(name);
+    if (!wanted.isEmpty() && next >= 1 && next <= count() &&
+        sameName(fileNameOf(record(next)), wanted)) {
+        ++next;
+        return true;
+    }
+    const qint16 found = find(wanted);
+    if (found < 1)
+        return false;
+    next = found + 1;
+    return true;
 }
 
 void MapSnapshot::appended(const MapRecord& record) {

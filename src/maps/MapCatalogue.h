@@ -29,6 +29,11 @@ public:
     qint16 find(const QString& name) const;
     // The same for a name in single-byte text, as the program's files hold it.
     qint16 find(QByteArrayView name) const;
+    // Whether find(name) finds a record. Names are often asked in record
+    // order (a selection picked from the list top down): record next is
+    // tried before the index, and next becomes the one after the record
+    // that has the name.
+    bool knows(QByteArrayView name, int& next) const;
     const MapRecord& record(int number) const { return m_records[size_t(number - 1)]; }
     // Notes a record appended after the snapshot was taken.
     void appended(const MapRecord& record);

@@ -16,8 +16,26 @@ int MapNameList::rowCount(const QModelIndex& parent) const {
     return parent.isValid() ? 0 : count();
 }
 
+void MapNameList::decode() const {
+    if (!m_pending)
+        return;
+    m_names = m_pending->toList();
+    m_pending.reset();
+}
+
+const QStringList& MapNameList::names() const {
+    decode();
+    return m_names;
+}
+
+QString MapNameList::name(int row) const {
+    if (m_pending)
+        return row >= 0 && row < count() ? m_pending->at(row) : QString();
+    return m_names.value(row);
+}
+
 bool MapNameList::isMissing(int row) const {
-    return m_gameFiles.isMissing(m_names[row]);
+    return m_gameFiles.isMissing(name(row));
 }
 
 QVariant MapNameList::data(const QModelIndex& index, int role) const {
@@ -26,7 +44,7 @@ QVariant MapNameList::data(const QModelIndex& index, int role) const {
     switch (role) {
     case Qt::DisplayRole:
     case Qt::EditRole:
-        return m_names[index.row()];
+        return name(index.row());
     case Qt::ForegroundRole:
         if (isMissing(index.row()))
             return QGuiApplication::palette().brush(QPalette::Disabled, QPalette::Text);
@@ -35,7 +53,7 @@ QVariant MapNameList::data(const QModelIndex& index, int role) const {
         if (isMissing(index.row())) {
             return QStringLiteral("The game does not have this map: no maps/%1.bsp in its data "
                                   "folders or their .pk3 archives, so the server cannot load it.")
-                .arg(trimSpaces(m_names[index.row()]));
+                .arg(trimSpaces(name(index.row())));
         }
         return {};
     default:
@@ -45,13 +63,22 @@ QVariant MapNameList::data(const QModelIndex& index, int role) const {
 
 void MapNameList::setNames(const QStringList& names) {
     beginResetModel();
+    m_pending.reset();
     m_names = names;
+    endResetModel();
+}
+
+void MapNameList::setNames(Latin1Names names) {
+    beginResetModel();
+    m_names.clear();
+    m_pending = std::move(names);
     endResetModel();
 }
 
 void MapNameList::insert(int row, const QStringList& names) {
     if (names.isEmpty())
         return;
+    decode();
     row = qBound(0, row, count());
     beginInsertRows({}, row, row + int(names.size()) - 1);
     if (row == count())
@@ -64,6 +91,7 @@ void MapNameList::insert(int row, const QStringList& names) {
 void MapNameList::remove(int row) {
     if (row < 0 || row >= count())
         return;
+    decode();
     beginRemoveRows({}, row, row);
     m_names.removeAt(row);
     endRemoveRows();
@@ -72,6 +100,7 @@ void MapNameList::remove(int row) {
 void MapNameList::move(int from, int to) {
     if (from < 0 || from >= count() || to < 0 || to >= count() || from == to)
         return;
+    decode();
     // The model's destination is the row before which the entry lands,
     // counted before it leaves.
     beginMoveRows({}, from, from, {}, to > from ? to + 1 : to);
@@ -82,6 +111,7 @@ void MapNameList::move(int from, int to) {
 void MapNameList::rename(int row, const QString& name) {
     if (row < 0 || row >= count())
         return;
+    decode();
     m_names[row] = name;
     emit dataChanged(index(row), index(row));
 }

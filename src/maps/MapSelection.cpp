@@ -148,18 +148,16 @@ void MapSelection::marksChanged() {
 
 void MapSelection::LoadMaps(bool readSelectionFile) {
     const MapSnapshot catalogue = m_catalogue.snapshot();
-    // The names by record number: entries of mapsel.txt share their text.
-    std::vector<QString> names(size_t(catalogue.count()) + 1);
     {
         const QScopedValueRollback quiet(m_quiet, true);
-        QStringList listed;
-        listed.reserve(catalogue.count());
+        Latin1Names listed;
+        listed.reserve(catalogue.count(), qsizetype(catalogue.count()) * 12);
         for (int n = 1; n <= catalogue.count(); ++n) {
-            names[size_t(n)] = catalogue.record(n).get(MapField::FileName);
-            if (!names[size_t(n)].isEmpty())
-                listed.append(names[size_t(n)]);
+            const QByteArrayView name = trimSpaces(catalogue.record(n).bytes(MapField::FileName));
+            if (!name.isEmpty())
+                listed.add(name);
         }
-        m_available->setNames(listed);
+        m_available->setNames(std::move(listed));
     }
     if (m_available->count() > 0)
         highlightMapList(0); // which sets CurrentMapRecord
@@ -170,7 +168,7 @@ void MapSelection::LoadMaps(bool readSelectionFile) {
             const QScopedValueRollback quiet(m_quiet, true);
             m_selected->clear();
         }
-        const MapSelectionRead read = readMapSelection(path, catalogue, names);
+        MapSelectionRead read = readMapSelection(path, catalogue);
         if (!read.ok) {
             m_app.platform.messages.tell(QStringLiteral("Warning"),
                                          QStringLiteral("Error opening mapsel.txt"),
@@ -178,7 +176,7 @@ void MapSelection::LoadMaps(bool readSelectionFile) {
         }
         {
             const QScopedValueRollback quiet(m_quiet, true);
-            m_selected->setNames(read.entries);
+            m_selected->setNames(std::move(read.lines));
         }
         if (m_selected->count() > 0)
             highlightSelMap(0);

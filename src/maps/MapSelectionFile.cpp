@@ -4,7 +4,7 @@
 #include "platform/WholeFile.h"
 
 #include <QFile>
-#include <functional>
+#include <cstring>
 
 namespace halvane {
 
@@ -19,30 +19,30 @@ bool writeMapSelection(const QString& path, const QStringList& entries, QString*
 
 namespace {
 // Hands over each line of single-byte text, whether it ends in CR LF or LF
-// alone.
-void forEachTextLine(QByteArrayView bytes, const std::function<void(QByteArrayView line)>& take) {
-    qsizetype start = 0;
-    while (start < bytes.size()) {
-        qsizetype end = bytes.indexOf('\n', start);
-        if (end < 0)
-            end = bytes.size();
-        qsizetype stop = end;
-        if (stop > start && bytes[stop - 1] == '\r')
+// alone, with its offset in bytes.
+template <typename Take> void forEachTextLine(QByteArrayView bytes, Take take) {
+    const char* const begin = bytes.data();
+    const char* const end = begin + bytes.size();
+    for (const char* start = begin; start < end;) {
+        const void* found = std::memchr(start, '\n', size_t(end - start));
+        const char* stop = found ? static_cast<const char*>(found) : end;
+        const char* next = stop + 1;
+        if (stop > start && stop[-1] == '\r')
             --stop;
-        take(bytes.sliced(start, stop - start));
-        start = end + 1;
+        take(QByteArrayView(start, stop - start), start - begin);
+        start = next;
     }
 }
 } // namespace
 
 QStringList splitTextLines(const QByteArray& bytes) {
     QStringList lines;
-    forEachTextLine(bytes, [&](QByteArrayView line) { lines.append(QString::fromLatin1(line)); });
+    forEachTextLine(
+        bytes, [&](QByteArrayView line, qsizetype) { lines.append(QString::fromLatin1(line)); });
     return lines;
 }
 
-MapSelectionRead readMapSelection(const QString& path, const MapSnapshot& catalogue,
-                                  const std::vector<QString>& names) {
+MapSelectionRead readMapSelection(const QString& path, const MapSnapshot& catalogue) {
     MapSelectionRead result;
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -52,18 +52,16 @@ MapSelectionRead readMapSelection(const QString& path, const MapSnapshot& catalo
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError)
         result.ok = false;
-    // Looked up as bytes: only the lines taken become text.
-    forEachTextLine(bytes, [&](QByteArrayView line) {
+    // Looked up as bytes, and kept as spans of the file's bytes: a line
+    // becomes text only when the list needs it.
+    result.lines = Latin1Names(bytes);
+    int next = 1;
+    forEachTextLine(bytes, [&](QByteArrayView line, qsizetype offset) {
         const QByteArrayView name = trimSpaces(line);
-        if (name.isEmpty() || name.startsWith("//"))
+        if (name.isEmpty() || (name.size() >= 2 && name[0] == '/' && name[1] == '/'))
             return;
-        const qint16 number = catalogue.find(name);
-        if (number < 1)
-            return;
-        if (size_t(number) < names.size() && names[size_t(number)] == QLatin1StringView(line))
-            result.entries.append(names[size_t(number)]);
-        else
-            result.entries.append(QString::fromLatin1(line));
+        if (catalogue.knows(name, next))
+            result.lines.addSpan(offset, line.size());
     });
     return result;
 }

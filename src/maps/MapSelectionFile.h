@@ -1,7 +1,8 @@
 #pragma once
 
+#include "maps/Latin1Names.h"
+
 #include <QStringList>
-#include <vector>
 
 namespace halvane {
 
@@ -12,14 +13,12 @@ class MapSnapshot;
 bool writeMapSelection(const QString& path, const QStringList& entries, QString* reason = nullptr);
 
 struct MapSelectionRead {
-    bool ok = true;      // false when the file could not be read
-    QStringList entries; // the accepted lines as they were read, spaces kept
+    bool ok = true;    // false when the file could not be read
+    Latin1Names lines; // the accepted lines as they were read, spaces kept
+    QStringList entries() const { return lines.toList(); }
 };
 // Takes a line that is not blank, is no "//" comment and names a known map.
-// An entry that spells a map's name as names holds it (by record number)
-// shares that text.
-MapSelectionRead readMapSelection(const QString& path, const MapSnapshot& catalogue,
-                                  const std::vector<QString>& names = {});
+MapSelectionRead readMapSelection(const QString& path, const MapSnapshot& catalogue);
 
 // Splits single-byte text into lines, whether they end in CR LF or LF alone.
 QStringList splitTextLines(const QByteArray& bytes);

@@ -184,6 +184,16 @@ LoadedRecords LaunchRecordFile::load() const {
     return loaded;
 }
 
+QList<LaunchRecord> LaunchRecordFile::peek() const {
+    QFile file(m_path);
+    if (file.size() > MaxFileSize || !file.open(QIODevice::ReadOnly))
+        return {};
+    QByteArray bytes = file.readAll();
+    // A line still being written is read at the next look.
+    bytes.truncate(bytes.lastIndexOf('\n') + 1);
+    return parseLaunchRecords(bytes).records;
+}
+
 QString LaunchRecordFile::save(const QList<LaunchRecord>& records) const {
     const QString folder = QFileInfo(m_path).absolutePath();
     if (!QDir().mkpath(folder))

@@ -63,6 +63,9 @@ public:
     explicit LaunchRecordFile(QString path) : m_path(std::move(path)) {}
     const QString& path() const { return m_path; }
     LoadedRecords load() const;
+    // The records as another program may be writing them: whole lines only,
+    // and nothing reported or set aside.
+    QList<LaunchRecord> peek() const;
     // Empty on success, otherwise why the file was not written.
     QString save(const QList<LaunchRecord>& records) const;
 

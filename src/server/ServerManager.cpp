@@ -58,7 +58,45 @@ void ServerManager::load() {
     }
     if (changed)
         save();
+    else
+        noteFile();
     m_tick.start();
+    emit listChanged();
+}
+
+void ServerManager::noteFile() {
+    const QFileInfo info(m_file.path());
+    m_fileSize = info.exists() ? info.size() : -1;
+    m_fileTime = info.lastModified();
+}
+
+void ServerManager::takeOthersRecords() {
+    const QFileInfo info(m_file.path());
+    if (m_role == Role::Look || !info.exists() ||
+        (info.size() == m_fileSize && info.lastModified() == m_fileTime))
+        return;
+    noteFile();
+    const QDateTime now = QDateTime::currentDateTime();
+    QList<ServerEntry> others;
+    for (const LaunchRecord& record : m_file.peek()) {
+        if (m_removed.contains(record.id))
+            continue;
+        ServerEntry* known = entry(record.id);
+        if (!known) {
+            others.append({record, {}});
+            others.last().live.expectedSince = now;
+            others.last().live.portRead = record.port != 0;
+        } else if (!record.running() && known->record.running() && !known->record.added &&
+                   known->live.stopping == ServerLive::Stopping::No && !alive(known->record)) {
+            known->record.ended = record.ended;
+            known->record.endReason = record.endReason;
+            known->live.status.reset();
+            emit serverChanged(record.id);
+        }
+    }
+    if (others.isEmpty())
+        return;
+    m_servers = others + m_servers; // newer than what this one read before
     emit listChanged();
 }
 
@@ -335,6 +373,7 @@ void ServerManager::setWatched(bool watched) {
 
 void ServerManager::refresh() {
     load();
+    takeOthersRecords();
     const QDateTime now = QDateTime::currentDateTime();
     bool changed = false;
     for (ServerEntry& server : m_servers) {
@@ -709,6 +748,22 @@ void ServerManager::setMonitor(const QString& id, bool on) {
     emit serverChanged(id);
 }
 
+bool ServerManager::removable(const ServerEntry& server) {
+    return (server.record.added || !server.record.running()) &&
+           server.live.stopping == ServerLive::Stopping::No;
+}
+
+bool ServerManager::remove(const QString& id) {
+    const ServerEntry* server = entry(id);
+    if (!server || !removable(*server))
+        return false;
+    m_removed.insert(id);
+    m_servers.removeIf([&id](const ServerEntry& entry) { return entry.record.id == id; });
+    save();
+    emit listChanged();
+    return true;
+}
+
 void ServerManager::save() {
     if (m_role == Role::Look)
         return;
@@ -719,7 +774,19 @@ void ServerManager::save() {
         if (server.record.running() || ended++ < KeptEnded)
             kept.append(server.record);
     }
-    const QString error = m_file.save(kept);
+    // What another Halvane recorded since the last look is written on as it
+    // is; the next refresh takes it into the list.
+    QList<LaunchRecord> others;
+    const QFileInfo info(m_file.path());
+    if (info.exists() && (info.size() != m_fileSize || info.lastModified() != m_fileTime)) {
+        for (const LaunchRecord& record : m_file.peek()) {
+            if (!m_removed.contains(record.id) && !entry(record.id))
+                others.append(record);
+        }
+    }
+    const QString error = m_file.save(others + kept);
+    if (others.isEmpty())
+        noteFile();
     if (!error.isEmpty())
         m_fileProblem = QStringLiteral("Could not write the server list %1: %2")
                             .arg(QDir::toNativeSeparators(m_file.path()), error);

@@ -7,6 +7,7 @@
 
 #include <QElapsedTimer>
 #include <QObject>
+#include <QSet>
 #include <QTimer>
 #include <deque>
 #include <functional>
@@ -126,6 +127,10 @@ public:
     void stop(const QString& id);
     void restart(const QString& id);
     void setMonitor(const QString& id, bool on);
+    // Takes an added server, or one of ours that has ended, off the list
+    // for good; its log stays. False when it runs or is not listed.
+    bool remove(const QString& id);
+    static bool removable(const ServerEntry& server);
     // While watched, every running server is queried; otherwise only the
     // monitored ones.
     void setWatched(bool watched);
@@ -165,6 +170,11 @@ private:
     // why, when none can be made.
     QString newLogFile(quint16 port, QString& problem) const;
     void save();
+    // Another Halvane (the command line, another window) writes the same
+    // file: records it added since the last look join the list, and one of
+    // ours that it stopped ends with its reason.
+    void takeOthersRecords();
+    void noteFile();
     void sendNextExchange(const QString& id);
     void finishExchange(const QString& id, const QString& cut = QString());
     void takePrint(const QString& id, const QByteArray& datagram);
@@ -179,6 +189,9 @@ private:
     bool m_watched = false;
     QString m_fileProblem;
     QString m_launchProblem;
+    qint64 m_fileSize = -1; // the file as this manager last read or wrote it
+    QDateTime m_fileTime;
+    QSet<QString> m_removed; // never taken back from the file
     UdpSocket m_socket;
     Traffic m_traffic;
     QTimer m_tick;

@@ -104,6 +104,7 @@ ServerWindow::ServerWindow(ServerManager& manager, Shell& shell, QWidget* owner)
                                self->reportAnswer(QStringLiteral("Next map"), answer);
                        });
     });
+    connect(ui->cmdRemove, &QPushButton::clicked, this, [this] { m_manager.remove(currentId()); });
     connect(ui->cmdKick, &QPushButton::clicked, this, &ServerWindow::kick);
     connect(ui->cmdSend, &QPushButton::clicked, this, &ServerWindow::sendCommand);
     connect(ui->cmbCommand->lineEdit(), &QLineEdit::returnPressed, this,
@@ -281,6 +282,11 @@ void ServerWindow::showDetails() {
                                      : QStringLiteral("Starts the server again when it ends "
                                                       "without a Stop, or does not answer for a "
                                                       "minute"));
+    ui->cmdRemove->setEnabled(server && ServerManager::removable(*server));
+    ui->cmdRemove->setToolTip(
+        running && !added ? QStringLiteral("Stop the server before it can be removed from the list")
+                          : QStringLiteral("Takes the chosen server off the list for good; its "
+                                           "log stays"));
     const std::pair<QWidget*, const char*> rconControls[] = {
         {ui->cmdNextMap, "Goes on to the next map of the rotation"},
         {ui->cmdKick, "Removes the chosen player from the server"},

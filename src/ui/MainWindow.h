@@ -77,6 +77,8 @@ public:
     LaunchController& launch() { return *m_launch; }
     ServerControl& servers() { return *m_servers; }
     ProfileCommands& profiles() { return *m_profiles; }
+    // None in a window that holds one profile's settings.
+    const ProfileCommands* profileCommands() const { return m_profiles.get(); }
     WindowRole role() const { return m_role; }
     ServerExport& serverExport() { return *m_export; }
     bool isLoaded() const { return m_loaded; }

@@ -24,6 +24,8 @@ public:
 
     ProfileStore& store() { return m_store; }
     void setStore(const ProfileStore& store) { m_store = store; }
+    // The profile the window's settings were last opened from or saved as.
+    const QString& currentName() const { return m_lastName; }
     // Tests put a recording stand-in here.
     void setPrompts(Prompts& prompts) { m_prompts = &prompts; }
 

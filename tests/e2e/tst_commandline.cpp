@@ -2,6 +2,7 @@
 // executable, with no display variables, on a settings file and game folder
 // of its own. What it writes is compared with the window's own writes; what
 // it starts and exports is checked against the real dedicated server.
+#include "ConfigBranches.h"
 #include "RealServer.h"
 #include "TestSupport.h"
 
@@ -9,6 +10,7 @@
 #include "export/ExportFiles.h"
 #include "maps/MapSelectionFile.h"
 #include "profiles/ProfileStore.h"
+#include "server/ServerManager.h"
 #include "ui_frmMain.h"
 
 #include <QAction>
@@ -33,18 +35,18 @@ struct Result {
 
 // The executable copied into the test's program folder (its own files lie
 // beside it) and run with a home of the test's, on the stored settings of
-// the test's INI file.
+// the test's INI file (or on the settings given).
 struct CommandLine {
     test::TestPlatform& platform;
     explicit CommandLine(test::TestPlatform& p) : platform(p) {
         QFile::copy(HALVANE_BIN_DIR "/halvane", platform.programFolder() + "/halvane");
     }
-    Result run(const QStringList& arguments) {
+    Result run(const QStringList& arguments, const QByteArray& settings = {}) {
         platform.ini->flush();
         const QString config = platform.root() + "/config/Halvane/Halvane.ini";
         QFile::remove(config);
-        QDir().mkpath(platform.root() + "/config/Halvane");
-        QFile::copy(platform.iniPath(), config);
+        platform.writeFile(config,
+                           settings.isEmpty() ? test::readAll(platform.iniPath()) : settings);
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
             env.remove(name);
@@ -79,11 +81,11 @@ QMap<QString, QByteArray> filesBelow(const QString& folder) {
     return files;
 }
 
-void store(test::TestPlatform& p, const QString& entries) {
-    for (const QString& entry : entries.split(';', Qt::SkipEmptyParts))
-        p.ini->write(entry.section('/', 0, 0), entry.section('/', 1).section('=', 0, 0),
-                     entry.section('=', 1));
-    p.ini->flush();
+void store(SettingsStore& settings, const QString& entries, QChar separator = ';') {
+    for (const QString& entry : entries.split(separator, Qt::SkipEmptyParts))
+        settings.write(entry.section('/', 0, 0), entry.section('/', 1).section('=', 0, 0),
+                       entry.section('=', 1));
+    settings.flush();
 }
 
 } // namespace
@@ -102,48 +104,43 @@ private slots:
 };
 
 void TestCommandLine::writeConfigIsTheWindows_data() {
-    QTest::addColumn<QString>("stored");
-    QTest::addColumn<QStringList>("maps"); // in the catalogue and selected
-    QTest::newRow("team game with master servers, last on Options")
-        << "Settings/LastTab=3;General/Name=Halvane Arena;General/Motd=Have fun;General/GameType=2"
-           ";Limits/MaxPlayers=12;Options/AllowVoting=1;Options/FriendlyFire=1"
-           ";Options/Master0= m.example.net ;Options/Master3=q3.example.org;Network/MaxRate="
-        << QStringList();
-    QTest::newRow("capture the flag, passwords, two maps")
-        << "General/GameType=3;General/Password=letmein;General/RconPassword=rc0n;"
-           "Advanced/RequirePW=1;Network/HunkMegs=48;Advanced/SpecifyLog=1;Advanced/LogName=ctf"
-        << QStringList{"q3ctf1", "q3ctf2"};
-    QTest::newRow("chosen bots on a free-for-all rotation")
-        << "Bots/Enabled=1;Bots/Selected0=True;Bots/Selected2=True;Bots/Skill=4"
-        << QStringList{"q3dm1", "q3dm7", "q3dm17"};
+    test::addRows(test::Branches);
 }
 
 // "Create halvane.cfg" in a window just started against write-config on the
-// same stored settings: the same files, byte for byte.
+// same stored settings, each case of the configuration writer's with the
+// rotation of two maps: the same files, byte for byte.
 void TestCommandLine::writeConfigIsTheWindows() {
-    QFETCH(QString, stored);
-    QFETCH(QStringList, maps);
+    const QStringList maps{"q3dm1", "q3dm7"};
     test::WindowFixture w([&](test::TestPlatform& p) {
-        store(p, stored);
+        store(*p.ini, std::get<4>(test::fetchRow(test::Branches)), '\n');
         p.writeFile(p.programFolder() + "/maps.dat", test::catalogueOf(maps));
         QVERIFY(writeMapSelection(p.programFolder() + "/mapsel.txt", maps));
     });
-    CommandLine cli(w.platform);
-    const Result result = cli.run({"write-config"});
-    QVERIFY2(result.code == 0, qPrintable(result.err));
-    QCOMPARE(result.err,
-             QStringLiteral("Success!: halvane.cfg has been created in your baseq3 "
-                            "folder, would you like to view it now?\n(answered Yes)\n"));
     const QString baseq3 = w.platform.gameFolder() + "/baseq3";
-    const QMap<QString, QByteArray> written = filesBelow(baseq3);
-    // Options, where the last run closed, is left at the start: its master boxes do not count.
-    QCOMPARE(written["halvane.cfg"].contains("seta sv_master1"), !stored.contains("LastTab=3"));
-    QVERIFY(QDir(baseq3).removeRecursively() && QDir().mkdir(baseq3));
-
+    // The window's write stores its settings: the second command runs on them as they were.
+    w.platform.ini->flush();
+    const QByteArray stored = test::readAll(w.platform.iniPath());
+    CommandLine cli(w.platform);
+    const auto cliWrites = [&] {
+        const Result result = cli.run({"write-config"}, stored);
+        QMap<QString, QByteArray> files = filesBelow(baseq3);
+        QDir(baseq3).removeRecursively();
+        QDir().mkdir(baseq3);
+        return result.err == "Success!: halvane.cfg has been created in your baseq3 folder, would "
+                             "you like to view it now?\n(answered Yes)\n"
+                   ? files
+                   : QMap<QString, QByteArray>{{"error", result.err.toUtf8()}};
+    };
+    QMap<QString, QByteArray> written = cliWrites();
     QVERIFY(w.window->configCommands().mnuFileMakeCfg());
     const QMap<QString, QByteArray> window = filesBelow(baseq3);
-    QVERIFY(window.contains("halvane.cfg"));
-    QCOMPARE(window.contains("srvmaps/mapset0.cfg"), !maps.isEmpty()); // the rotation was read
+    QVERIFY(window.contains("srvmaps/mapset1.cfg")); // the rotation was read
+    QVERIFY(QDir(baseq3).removeRecursively() && QDir().mkdir(baseq3));
+    if (written != window) // a date-coded log's minute may have turned in between
+        written = cliWrites();
+    // Options, where the last run closed, is left at the start: its master boxes do not count.
+    QCOMPARE(written["halvane.cfg"].contains("seta sv_master1"), !stored.contains("LastTab=3"));
     QCOMPARE(written.keys(), window.keys());
     for (auto it = window.cbegin(); it != window.cend(); ++it)
         QVERIFY2(written[it.key()] == it.value(),
@@ -183,7 +180,7 @@ void TestCommandLine::refusals() {
     test::TestPlatform p;
     if (location)
         p.makeGameFolder();
-    store(p, "Network/HunkMegs=128"); // "change this first?" on a dedicated server
+    store(*p.ini, "Network/HunkMegs=128"); // "change this first?" on a dedicated server
     CommandLine cli(p);
     const QStringList before = QDir(p.root()).entryList(QDir::AllEntries | QDir::Hidden);
     const QMap<QString, QByteArray> program = filesBelow(p.programFolder());
@@ -208,12 +205,17 @@ void TestCommandLine::launchStatusStopAndExport() {
     const QString game = p.root() + "/oa";
     QCOMPARE(buildGameFolder(game), QString());
     const quint16 port = freeUdpPort();
-    store(p, "Settings/Path=" + game +
-                 ";Settings/Exe=quake3.exe;General/Name=Halvane CLI e2e"
-                 ";General/RconPassword=cli-e2e;General/Password=cli-join;Advanced/RequirePW=1"
-                 ";Network/NetIP=127.0.0.1;Network/HunkMegs=64;Options/Master0=;Options/Master1="
-                 ";Network/NetPort=" +
-                 QString::number(port));
+    const QString settings = "Settings/Path=" + game +
+                             ";Settings/Exe=quake3.exe;General/RconPassword=cli-rcon"
+                             ";General/Password=cli-join;Advanced/RequirePW=1;Network/NetIP="
+                             "127.0.0.1;Network/HunkMegs=64;Options/Master0=;Options/Master1="
+                             ";Network/NetPort=" +
+                             QString::number(port);
+    store(*p.ini, settings + ";General/Name=Halvane CLI e2e");
+    Profile profile; // the same with a host name and a map of its own
+    store(profile.settings, settings + ";General/Name=Halvane CLI profile");
+    profile.maps = {"oa_dm2"};
+    QCOMPARE(ProfileStore(p.root() + "/config/Halvane/profiles").save("e2e", profile), QString());
     p.writeFile(p.programFolder() + "/maplist.txt", "oa_dm2\r\noa_dm3\r\n");
     QVERIFY(writeMapSelection(p.programFolder() + "/mapsel.txt", {"oa_dm3", "oa_dm2"}));
     CommandLine cli(p);
@@ -222,42 +224,59 @@ void TestCommandLine::launchStatusStopAndExport() {
         for (qint64 pid : started)
             ::kill(pid_t(pid), SIGKILL);
     });
-    const auto answers = [&](const QString& map, const std::function<bool()>& lives) {
+    const auto answers = [&](const QString& map, const QString& host,
+                             const std::function<bool()>& lives) {
         return waitForStatus(
             port,
             [&](const ServerStatus& s) {
-                return s.info.value("mapname") == map &&
-                       s.info.value("sv_hostname") == "Halvane CLI e2e";
+                return s.info.value("mapname") == map && s.info.value("sv_hostname") == host;
             },
             60s, lives);
     };
+    // The server window's list, open all the while, takes in what the command line starts
+    // and stops.
+    QtProcesses processes;
+    ProgramFolder cliFolder(p.programFolder(), p.root() + "/xdgstate/Halvane");
+    AppContext app{{p.messages, p.dialogs, processes, p.shell, p.desktop, *p.store, cliFolder}, {}};
+    ServerManager listed(app);
+    listed.load();
 
-    Result result = cli.run({"launch"});
-    QVERIFY2(result.code == 0 && result.out.startsWith("Started "), qPrintable(result.err));
-    const QString id = result.out.mid(8).trimmed();
-    const qint64 pid = id.section('-', 1).toLongLong();
-    started << pid;
-    // Ended is ended, also while nobody has reaped it yet.
-    const auto lives = [pid] {
-        const QByteArray stat = test::readAll("/proc/" + QString::number(pid) + "/stat");
-        return !stat.isEmpty() && stat.mid(stat.lastIndexOf(')') + 2, 1) != "Z";
-    };
-    QVERIFY2(answers("oa_dm3", lives), "the launched server does not answer");
-    const auto statusOf = [&]() {
-        const Result status = cli.run({"status", "--json"});
-        for (const QJsonValue& server : QJsonDocument::fromJson(status.out.toUtf8()).array())
-            if (server["id"].toString() == id)
-                return server.toObject();
-        return QJsonObject();
-    };
-    QJsonObject server = statusOf();
-    QCOMPARE(server["state"].toString(), QStringLiteral("running"));
-    QCOMPARE(server["hostname"].toString(), QStringLiteral("Halvane CLI e2e"));
-    QCOMPARE(server["port"].toInt(), int(port));
-    result = cli.run({"stop", id});
-    QVERIFY2(result.code == 0, qPrintable(result.err));
-    QVERIFY(!lives());
-    QCOMPARE(statusOf()["state"].toString(), QStringLiteral("ended"));
+    Result result;
+    for (const auto& [profileName, host, map] :
+         {std::tuple{"", "Halvane CLI e2e", "oa_dm3"},
+          std::tuple{"e2e", "Halvane CLI profile", "oa_dm2"}}) {
+        result = cli.run(*profileName ? QStringList{"launch", "--profile", profileName}
+                                      : QStringList{"launch"});
+        QVERIFY2(result.code == 0 && result.out.startsWith("Started "), qPrintable(result.err));
+        const QString id = result.out.mid(8).trimmed();
+        const qint64 pid = id.section('-', 1).toLongLong();
+        started << pid;
+        // Ended is ended, also while nobody has reaped it yet.
+        const auto lives = [pid] {
+            const QByteArray stat = test::readAll("/proc/" + QString::number(pid) + "/stat");
+            return !stat.isEmpty() && stat.mid(stat.lastIndexOf(')') + 2, 1) != "Z";
+        };
+        QVERIFY2(answers(map, host, lives), "the launched server does not answer");
+        QTRY_VERIFY_WITH_TIMEOUT(listed.find(id), 10000);
+        QCOMPARE(listed.find(id)->record.profile, QString(profileName));
+        const auto statusOf = [&]() {
+            const Result status = cli.run({"status", "--json"});
+            for (const QJsonValue& server : QJsonDocument::fromJson(status.out.toUtf8()).array())
+                if (server["id"].toString() == id)
+                    return server.toObject();
+            return QJsonObject();
+        };
+        QJsonObject server = statusOf();
+        QCOMPARE(server["state"].toString(), QStringLiteral("running"));
+        QCOMPARE(server["hostname"].toString(), QString(host));
+        QCOMPARE(server["port"].toInt(), int(port));
+        result = cli.run({"stop", id});
+        QVERIFY2(result.code == 0, qPrintable(result.err));
+        QVERIFY(!lives());
+        QCOMPARE(statusOf()["state"].toString(), QStringLiteral("ended"));
+        QTRY_COMPARE_WITH_TIMEOUT(listed.find(id)->record.endReason, QStringLiteral("stopped"),
+                                  10000);
+    }
 
     // The export, copied to a fresh place and started with its run-server.sh.
     result = cli.run({"export", p.root() + "/export"});
@@ -281,7 +300,7 @@ void TestCommandLine::launchStatusStopAndExport() {
     const QString folder = p.root() + "/elsewhere";
     const QMap<QString, QByteArray> files = filesBelow(folder);
     for (auto it = files.cbegin(); it != files.cend(); ++it)
-        QVERIFY2((!it->contains("cli-e2e") && !it->contains("cli-join")) ||
+        QVERIFY2((!it->contains("cli-rcon") && !it->contains("cli-join")) ||
                      it.key() == "baseq3/passwords.cfg",
                  qPrintable(it.key() + " holds a password"));
     const QFileDevice::Permissions ownerOnly = QFileDevice::ReadOwner | QFileDevice::WriteOwner;
@@ -292,13 +311,14 @@ void TestCommandLine::launchStatusStopAndExport() {
     exported.start(folder + "/run-server.sh");
     QVERIFY(exported.waitForStarted());
     started << exported.processId();
-    QVERIFY2(answers("oa_dm3", [&] { return exported.state() == QProcess::Running; }),
-             "the exported server does not answer");
+    QVERIFY2(
+        answers("oa_dm3", "Halvane CLI e2e", [&] { return exported.state() == QProcess::Running; }),
+        "the exported server does not answer");
     const auto status = getStatus(port);
     QCOMPARE(status->info.value("g_needpass"), QStringLiteral("1"));
-    const auto console = rcon(port, "cli-e2e", "serverinfo");
+    const auto console = rcon(port, "cli-rcon", "serverinfo");
     QVERIFY2(console && console->contains("Halvane CLI e2e"), "the console password is not set");
-    const auto join = rcon(port, "cli-e2e", "g_password");
+    const auto join = rcon(port, "cli-rcon", "g_password");
     QVERIFY2(join && join->contains("cli-join"), "the server password is not set");
     exported.terminate();
     exported.waitForFinished();
@@ -306,7 +326,7 @@ void TestCommandLine::launchStatusStopAndExport() {
     if (QStandardPaths::findExecutable("systemd-analyze").isEmpty())
         QSKIP("systemd-analyze is not installed: the unit is not verified");
     QProcess verify;
-    verify.start("systemd-analyze", {"verify", folder + "/halvane-server.service"});
+    verify.start("systemd-analyze", {"verify", folder + "/halvane-halvane-cli-e2e.service"});
     QVERIFY(verify.waitForFinished(60000));
     QVERIFY2(verify.exitCode() == 0, verify.readAllStandardError().constData());
 

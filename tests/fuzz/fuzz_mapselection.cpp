@@ -22,15 +22,15 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     FUZZ_CHECK(read.ok);
     const QStringList lines = splitTextLines(bytes);
     qsizetype line = 0;
-    for (const QString& entry : read.entries) {
+    for (const QString& entry : read.entries()) {
         while (line < lines.size() && lines[line] != entry)
             ++line;
         FUZZ_CHECK(line++ < lines.size()); // a line of the file, in file order
         FUZZ_CHECK(snapshot.find(entry) > 0 && !trimSpaces(entry).startsWith("//"));
     }
-    FUZZ_CHECK(writeMapSelection(path, read.entries));
-    const QByteArray written = read.entries.join("\r\n").toLatin1();
+    FUZZ_CHECK(writeMapSelection(path, read.entries()));
+    const QByteArray written = read.entries().join("\r\n").toLatin1();
     FUZZ_CHECK(test::readAll(path) == (written.isEmpty() ? written : written + "\r\n"));
-    FUZZ_CHECK(readMapSelection(path, snapshot).entries == read.entries);
+    FUZZ_CHECK(readMapSelection(path, snapshot).entries() == read.entries());
     return 0;
 }
