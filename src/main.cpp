@@ -1,6 +1,7 @@
 #include "app/AppContext.h"
 #include "cli/CommandLineTool.h"
 #include "platform/QtPlatform.h"
+#include "platform/Supervisor.h"
 #include "ui/FirstRun.h"
 #include "ui/MainWindow.h"
 
@@ -49,6 +50,9 @@ int runCommand(int argc, char* argv[]) {
 } // namespace
 
 int main(int argc, char* argv[]) {
+    // Before any Qt object: it waits for a server as long as the server runs.
+    if (isSupervisorCall(argc, argv))
+        return runSupervisor(argc, argv);
     if (argc == 2 && std::strcmp(argv[1], "--prepare-first-run") == 0)
         return prepareFirstRunOnly(argc, argv);
     QStringList arguments;
@@ -70,7 +74,7 @@ int main(int argc, char* argv[]) {
 
     QtMessageBoxes messages;
     QtFileDialogs dialogs;
-    QtProcesses processes;
+    QtProcesses processes(QCoreApplication::applicationFilePath());
     QtShell shell;
     QtDesktop desktop;
     QtSettingsStore store;

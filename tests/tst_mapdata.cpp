@@ -60,20 +60,93 @@ QString leftOutNotice(const QString& count, const QString& names) {
                        "and signs such as - and _.",
                    MsgButtons::Ok, MsgIcon::Information);
 }
+
+// maps.dat ("<none>": no file at all), its records, a name and the number it is found at.
+const QByteArray Three = catalogueOf({"q3dm1", "q3ctf1", "q3tourney2"});
+const QByteArray Garbage = [] {
+    QByteArray bytes;
+    for (int i = 0; i < 1000; ++i)
+        bytes.append(char((i * 37 + 11) % 256));
+    return bytes;
+}();
+const std::tuple<const char*, QByteArray, int, QString, int> Counts[] = {
+    {"missing file", "<none>", 0, "q3dm1", -1},
+    {"empty", QByteArray(), 0, "q3dm1", -1},
+    {"70 bytes", Three.left(70), 0, "q3dm1", -1},
+    {"141 bytes", Three.left(141), 1, "q3dm1", 1},
+    {"two records", Three.left(142), 2, "q3dm1", 1},
+    {"garbage", Garbage, 1000 / 71, "q3dm1", -1},
+    {"capitals", Three, 3, "Q3CTF1", 2},
+    {"spaces around", Three, 3, "  q3tourney2  ", 3},
+    {"part of a name", Three, 3, "q3dm", -1},
+    {"accented capitals", catalogueOf({"q3dm1", QStringLiteral(u"\u00c9TAPE")}), 2,
+     QStringLiteral(u"\u00e9tape"), 2},
+    {"no single byte", Three, 3, QStringLiteral(u"q3dm1\u0100"), -1},
+    {"duplicate gives the lower", catalogueOf({"a", "dup", "b", "DUP"}), 4, "dup", 2},
+    {"deleted slot never matches", catalogueOf({"", "q3dm1"}), 2, "q3dm1", 2},
+    {"blank finds the first deleted", catalogueOf({"q3dm1", "", ""}), 3, "   ", 2},
+    {"blank without deleted slots", Three, 3, "", -1},
+};
+
+// maps.dat (or "<none>", "<folder>"), instmaps.dat (empty: none), the only message ("" for
+// none) and maps.dat after the check.
+const QByteArray Installed = catalogueOf({"q3dm1", "q3dm2"}) + "tail";
+const std::tuple<const char*, QByteArray, QByteArray, QString, QByteArray> StartUps[] = {
+    {"missing, nothing installed", "<none>", "",
+     message("Warning!",
+             "Unable to find maps.dat!\r\rThis file contains all of the pre-installed maps, their "
+             "names,\r\rand default environment settings.  Contact " +
+                 AppInfo::supportContact() + " for assistance.",
+             MsgButtons::Ok, MsgIcon::Critical),
+     ""},
+    {"missing, installed copied", "<none>", Installed, "", Installed},
+    {"first record wiped", QByteArray(71, ' ') + catalogueOf({"custom"}), Installed,
+     message("Notice",
+             "A bug was found in previous versions of Halvane that has caused \rsome of the maps "
+             "in your maps in your maps.dat (map data file) to be erased.  \r\rThis has been "
+             "corrected.\r\rHowever, any custom maps that you had specified will need to be "
+             "re-entered.",
+             MsgButtons::Ok, MsgIcon::Information),
+     Installed},
+    // Never replaced, never written: it may hold the operator's own maps.
+    {"a folder of that name", "<folder>", Installed,
+     message("Warning!",
+             "maps.dat is there but cannot be read:\r\r<path>\rIt is a folder, not a file.\r\r"
+             "Halvane leaves it as it is and runs without maps. Make it readable and start "
+             "Halvane again to use its maps.",
+             MsgButtons::Ok, MsgIcon::Critical),
+     "<folder>"},
+};
+
+// The line on which Cancel is pressed, the maps found and the entry lines shown.
+const std::tuple<const char*, QString, QStringList, int> Searches[] = {
+    {"whole search", "", {"q3dm1", "", "newmap", "capmap", "nodo", "c"}, 10},
+    // Stops after the entry under way, keeps what it added, ends as usual.
+    {"Cancel", "Skipping: q3dm1", {"q3dm1", "", "newmap"}, 2},
+};
+
+// How the archive was made or damaged; whether it is listed and its member read.
+const std::tuple<const char*, QString, bool, bool> Zips[] = {
+    {"as libzip writes it", "", true, true},
+    {"archive comment", "comment", true, true},
+    {"64-bit records, stored", "zip -fz -0", true, true},
+    {"64-bit records, deflated", "zip -fz", true, true},
+    {"member damaged", "flip", true, false},
+    {"directory cut", "cut", false, false},
+};
 } // namespace
 
 class MapDataTest : public QObject {
     Q_OBJECT
 private slots:
     void recordLayoutByteForByte();
-    void countFollowsWholeRecords_data();
+    void countFollowsWholeRecords_data() { addRows(Counts); }
     void countFollowsWholeRecords();
-    void writeDeleteAndAppend();
-    void startUpCheck_data();
+    void startUpCheck_data() { addRows(StartUps); }
     void startUpCheck();
-    void archiveSearch_data();
+    void archiveSearch_data() { addRows(Searches); }
     void archiveSearch();
-    void zipReader_data();
+    void zipReader_data() { addRows(Zips); }
     void zipReader();
     void looseMapsAndImportList();
     void damagedInputs();
@@ -93,41 +166,8 @@ void MapDataTest::recordLayoutByteForByte() {
              QByteArray("A display name of thirty-five abcdefghijklmnopqrst12315 8  800 320 1000"));
 }
 
-void MapDataTest::countFollowsWholeRecords_data() {
-    QTest::addColumn<QByteArray>("content"); // maps.dat; "<none>": no file at all
-    QTest::addColumn<int>("records");
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("found"); // the number the name is found at
-    const QByteArray three = catalogueOf({"q3dm1", "q3ctf1", "q3tourney2"});
-    QByteArray garbage;
-    for (int i = 0; i < 1000; ++i)
-        garbage.append(char((i * 37 + 11) % 256));
-    const auto row = [](const char* name, const QByteArray& content, int records,
-                        const QString& map,
-                        int found) { QTest::newRow(name) << content << records << map << found; };
-    row("missing file", "<none>", 0, "q3dm1", -1);
-    row("empty", QByteArray(), 0, "q3dm1", -1);
-    row("70 bytes", three.left(70), 0, "q3dm1", -1);
-    row("141 bytes", three.left(141), 1, "q3dm1", 1);
-    row("two records", three.left(142), 2, "q3dm1", 1);
-    row("garbage", garbage, 1000 / 71, "q3dm1", -1);
-    row("capitals", three, 3, "Q3CTF1", 2);
-    row("spaces around", three, 3, "  q3tourney2  ", 3);
-    row("part of a name", three, 3, "q3dm", -1);
-    row("accented capitals", catalogueOf({"q3dm1", QStringLiteral(u"\u00c9TAPE")}), 2,
-        QStringLiteral(u"\u00e9tape"), 2);
-    row("no single byte", three, 3, QStringLiteral(u"q3dm1\u0100"), -1);
-    row("duplicate gives the lower", catalogueOf({"a", "dup", "b", "DUP"}), 4, "dup", 2);
-    row("deleted slot never matches", catalogueOf({"", "q3dm1"}), 2, "q3dm1", 2);
-    row("blank finds the first deleted", catalogueOf({"q3dm1", "", ""}), 3, "   ", 2);
-    row("blank without deleted slots", three, 3, "", -1);
-}
-
 void MapDataTest::countFollowsWholeRecords() {
-    QFETCH(QByteArray, content);
-    QFETCH(int, records);
-    QFETCH(QString, name);
-    QFETCH(int, found);
+    const auto& [row, content, records, name, found] = fetchRow(Counts);
     TestPlatform platform;
     const QString path = platform.programFolder() + "/maps.dat";
     QFile::remove(path);
@@ -144,63 +184,9 @@ void MapDataTest::countFollowsWholeRecords() {
     QCOMPARE(readAll(path), content == "<none>" ? QByteArray() : content);
 }
 
-void MapDataTest::writeDeleteAndAppend() {
-    TestPlatform platform;
-    MapCatalogue catalogue(platform.programFolder());
-    catalogue.RecordBuffer = makeMapRecord("One", "one", MapRules::builtIn());
-    QVERIFY(catalogue.writeRecord(1));
-    QVERIFY(!catalogue.writeRecord(3)); // would leave record 2 undefined
-    QVERIFY(!catalogue.readRecord(0));
-    QVERIFY(catalogue.append({makeMapRecord("b", "b", MapRules::builtIn())}));
-    QVERIFY(catalogue.deleteRecord(1));
-    QCOMPARE(catalogue.FindMap("one"), qint16(-1));
-    QVERIFY(catalogue.append({makeMapRecord("d", "d", MapRules::builtIn())}));
-    QCOMPARE(catalogue.FindMap("d"), qint16(3)); // appended, the slot stays free
-    QCOMPARE(readAll(platform.programFolder() + "/maps.dat").size(), 3 * 71);
-}
-
-void MapDataTest::startUpCheck_data() {
-    QTest::addColumn<QByteArray>("data");      // maps.dat, or "<none>", "<folder>"
-    QTest::addColumn<QByteArray>("installed"); // instmaps.dat; empty: none
-    QTest::addColumn<QString>("shown");        // the only message; "" for none
-    QTest::addColumn<QByteArray>("after");     // maps.dat after the check
-    const QByteArray installed = catalogueOf({"q3dm1", "q3dm2"}) + "tail";
-    const QByteArray wiped = QByteArray(71, ' ') + catalogueOf({"custom"});
-    QTest::newRow("missing, nothing installed")
-        << QByteArray("<none>") << QByteArray()
-        << message("Warning!",
-                   "Unable to find maps.dat!\r\rThis file contains all of the pre-installed "
-                   "maps, their names,\r\rand default environment settings.  Contact " +
-                       AppInfo::supportContact() + " for assistance.",
-                   MsgButtons::Ok, MsgIcon::Critical)
-        << QByteArray();
-    QTest::newRow("missing, installed copied")
-        << QByteArray("<none>") << installed << "" << installed;
-    QTest::newRow("first record wiped")
-        << wiped << installed
-        << message("Notice",
-                   "A bug was found in previous versions of Halvane that has caused \rsome of "
-                   "the maps in your maps in your maps.dat (map data file) to be erased.  "
-                   "\r\rThis has been corrected.\r\rHowever, any custom maps that you had "
-                   "specified will need to be re-entered.",
-                   MsgButtons::Ok, MsgIcon::Information)
-        << installed;
-    // Never replaced, never written: it may hold the operator's own maps.
-    QTest::newRow("a folder of that name")
-        << QByteArray("<folder>") << installed
-        << message("Warning!",
-                   "maps.dat is there but cannot be read:\r\r<path>\rIt is a folder, not a "
-                   "file.\r\rHalvane leaves it as it is and runs without maps. Make it readable "
-                   "and start Halvane again to use its maps.",
-                   MsgButtons::Ok, MsgIcon::Critical)
-        << QByteArray("<folder>");
-}
-
 void MapDataTest::startUpCheck() {
-    QFETCH(QByteArray, data);
-    QFETCH(QByteArray, installed);
-    QFETCH(QString, shown);
-    QFETCH(QByteArray, after);
+    const auto& [row, data, installed, told, after] = fetchRow(StartUps);
+    QString shown = told;
     TestPlatform platform;
     const QString path = platform.programFolder() + "/maps.dat";
     QFile::remove(path);
@@ -226,21 +212,9 @@ void MapDataTest::startUpCheck() {
              data.startsWith(' ') ? data : QByteArray());
 }
 
-void MapDataTest::archiveSearch_data() {
-    QTest::addColumn<QString>("cancelAt"); // the line on which Cancel is pressed
-    QTest::addColumn<QStringList>("maps");
-    QTest::addColumn<int>("lines"); // entry lines shown
-    QTest::newRow("whole search") << ""
-                                  << QStringList({"q3dm1", "", "newmap", "capmap", "nodo", "c"})
-                                  << 10;
-    // Stops after the entry under way, keeps what it added, ends as usual.
-    QTest::newRow("Cancel") << "Skipping: q3dm1" << QStringList({"q3dm1", "", "newmap"}) << 2;
-}
-
 void MapDataTest::archiveSearch() {
-    QFETCH(QString, cancelAt);
-    QFETCH(QStringList, maps);
-    QFETCH(int, lines);
+    const auto& [row, cancel, maps, lines] = fetchRow(Searches);
+    const QString cancelAt = cancel; // the lambda below takes it
     Fixture f;
     f.known({"q3dm1", ""});
     QVERIFY(makeArchive(f.baseq3() + "/b.pk3", {"maps/newmap.bsp", "maps/q3dm1.bsp"}));
@@ -287,23 +261,9 @@ void MapDataTest::archiveSearch() {
     QCOMPARE(f.platform.desktop.busyDepth, 0);
 }
 
-void MapDataTest::zipReader_data() {
-    QTest::addColumn<QString>("shape");
-    QTest::addColumn<bool>("listed");
-    QTest::addColumn<bool>("read");
-    QTest::newRow("as libzip writes it") << "" << true << true;
-    QTest::newRow("archive comment") << "comment" << true << true;
-    QTest::newRow("64-bit records, stored") << "zip -fz -0" << true << true;
-    QTest::newRow("64-bit records, deflated") << "zip -fz" << true << true;
-    QTest::newRow("member damaged") << "flip" << true << false;
-    QTest::newRow("directory cut") << "cut" << false << false;
-}
-
 // The program's own zip reader against archives written by other tools.
 void MapDataTest::zipReader() {
-    QFETCH(QString, shape);
-    QFETCH(bool, listed);
-    QFETCH(bool, read);
+    const auto& [row, shape, listed, read] = fetchRow(Zips);
     TestPlatform platform;
     const QString folder = platform.programFolder(), path = folder + "/a.pk3";
     QByteArray shot(5000, 'x');

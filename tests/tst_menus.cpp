@@ -14,18 +14,57 @@
 using namespace halvane;
 using namespace halvane::test;
 
+const Qt::KeyboardModifiers Ctrl = Qt::ControlModifier, None = Qt::NoModifier;
+const std::tuple<const char*, const char*, Qt::Key, Qt::KeyboardModifiers> Shortcuts[] = {
+    {"Create halvane.cfg", "mnuFileMakeCfg", Qt::Key_S, Ctrl},
+    {"Save config file As", "mnuFileSaveAs", Qt::Key_A, Ctrl},
+    {"Close Halvane", "mnuFileClose", Qt::Key_X, Ctrl},
+    {"Set Quake 3 path", "mnuSettingsQ3Path", Qt::Key_P, Ctrl},
+    {"General", "mnuSettingsGeneral", Qt::Key_F2, None},
+    {"Bots", "mnuSettingsBots", Qt::Key_F3, None},
+    {"Maps", "mnuSettingsMaps", Qt::Key_F4, None},
+    {"Options", "mnuSettingsOptions", Qt::Key_F5, None},
+    {"Advanced", "mnuSettingsAdvanced", Qt::Key_F6, None},
+    {"Status Bar", "mnuViewStatusBar", Qt::Key_F1, Ctrl},
+    {"Index", "mnuHelpHalvane", Qt::Key_F1, Qt::ShiftModifier},
+    {"Help with the Current Tab", "mnuHelpContext", Qt::Key_F1, None},
+    {"Halvane Online", "mnuHelpOnline", Qt::Key_O, Ctrl},
+    {"Frequently Asked Questions", "mnuHelpFAQ", Qt::Key_Q, Ctrl},
+    {"About Halvane", "mnuHelpAbout", Qt::Key_F8, None},
+    {"Server Status", "mnuServerStatus", Qt::Key_F7, None},
+};
+
+// A menu item, or a label of the About tab to click, with its text; where it leads.
+const QString Site = AppInfo::productSiteAddress(), Mail = AppInfo::authorMailAddress();
+const std::tuple<const char*, const char*, QString, QString> Links[] = {
+    {"news", "mnuViewNews", "", Site + "/news.shtml"},
+    {"online", "mnuHelpOnline", "", Site},
+    {"FAQ", "mnuHelpFAQ", "", Site + "/FAQ.shtml"},
+    {"index", "mnuHelpHalvane", "", "<program>/help/help.htm"},
+    {"web site", "Label20", Site, Site},
+    {"feedback mail", "Label23", Mail, "mailto:" + Mail + "?subject=Halvane Version 2.07 Feedback"},
+    {"bug report form", "Label27", "Bug report form", Site + "/bugreport.shtml"},
+    {"N-0-P", "Label6", "N-0-P", AppInfo::nopSiteAddress()},
+};
+
+const std::tuple<const char*, Qt::KeyboardModifiers, bool> Clicks[] = {
+    {"Shift", Qt::ShiftModifier, true},
+    {"no key", None, false},
+    {"Shift+Ctrl", Qt::ShiftModifier | Qt::ControlModifier, false},
+};
+
 class MenusTest : public QObject {
     Q_OBJECT
 private slots:
-    void shortcutReachesItsAction_data();
+    void shortcutReachesItsAction_data() { addRows(Shortcuts); }
     void shortcutReachesItsAction();
     void editingKeysStayWithTextBoxes();
     void f1OpensTheHelpOfTheTabShown_data();
     void f1OpensTheHelpOfTheTabShown();
-    void links_data();
+    void links_data() { addRows(Links); }
     void links();
     void f8ShowsAboutAndDisablesTheTabLeft();
-    void shiftClickOnTabStripShowsHiddenWindow_data();
+    void shiftClickOnTabStripShowsHiddenWindow_data() { addRows(Clicks); }
     void shiftClickOnTabStripShowsHiddenWindow();
 };
 
@@ -39,40 +78,15 @@ struct Fixture : WindowFixture {
 };
 } // namespace
 
-void MenusTest::shortcutReachesItsAction_data() {
-    QTest::addColumn<QString>("action");
-    QTest::addColumn<int>("key");
-    QTest::addColumn<int>("modifiers");
-    const int ctrl = Qt::ControlModifier;
-    QTest::newRow("Create halvane.cfg") << "mnuFileMakeCfg" << int(Qt::Key_S) << ctrl;
-    QTest::newRow("Save config file As") << "mnuFileSaveAs" << int(Qt::Key_A) << ctrl;
-    QTest::newRow("Close Halvane") << "mnuFileClose" << int(Qt::Key_X) << ctrl;
-    QTest::newRow("Set Quake 3 path") << "mnuSettingsQ3Path" << int(Qt::Key_P) << ctrl;
-    QTest::newRow("General") << "mnuSettingsGeneral" << int(Qt::Key_F2) << 0;
-    QTest::newRow("Bots") << "mnuSettingsBots" << int(Qt::Key_F3) << 0;
-    QTest::newRow("Maps") << "mnuSettingsMaps" << int(Qt::Key_F4) << 0;
-    QTest::newRow("Options") << "mnuSettingsOptions" << int(Qt::Key_F5) << 0;
-    QTest::newRow("Advanced") << "mnuSettingsAdvanced" << int(Qt::Key_F6) << 0;
-    QTest::newRow("Status Bar") << "mnuViewStatusBar" << int(Qt::Key_F1) << ctrl;
-    QTest::newRow("Index") << "mnuHelpHalvane" << int(Qt::Key_F1) << int(Qt::ShiftModifier);
-    QTest::newRow("Help with the Current Tab") << "mnuHelpContext" << int(Qt::Key_F1) << 0;
-    QTest::newRow("Halvane Online") << "mnuHelpOnline" << int(Qt::Key_O) << ctrl;
-    QTest::newRow("Frequently Asked Questions") << "mnuHelpFAQ" << int(Qt::Key_Q) << ctrl;
-    QTest::newRow("About Halvane") << "mnuHelpAbout" << int(Qt::Key_F8) << 0;
-    QTest::newRow("Server Status") << "mnuServerStatus" << int(Qt::Key_F7) << 0;
-}
-
 void MenusTest::shortcutReachesItsAction() {
-    QFETCH(QString, action);
-    QFETCH(int, key);
-    QFETCH(int, modifiers);
+    const auto& [name, action, key, modifiers] = fetchRow(Shortcuts);
     Fixture f;
     auto* item = f.window->findChild<QAction*>(action);
     QVERIFY(item);
     QSignalSpy triggered(item, &QAction::triggered);
     // From a control that has no use for the key itself.
     f.ui().SSTab1->tabBar()->setFocus();
-    QTest::keyClick(f.window.get(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+    QTest::keyClick(f.window.get(), key, modifiers);
     QCOMPARE(triggered.size(), 1);
 }
 
@@ -111,39 +125,18 @@ void MenusTest::f1OpensTheHelpOfTheTabShown() {
              qPrintable(page));
 }
 
-void MenusTest::links_data() {
-    QTest::addColumn<QString>("control"); // a menu item, or a label of the About tab to click
-    QTest::addColumn<QString>("caption"); // the label's text
-    QTest::addColumn<QString>("target");
-    const auto row = [](const char* name, const char* control, const QString& caption,
-                        const QString& target) {
-        QTest::newRow(name) << QString(control) << caption << target;
-    };
-    const QString site = AppInfo::productSiteAddress(), mail = AppInfo::authorMailAddress();
-    row("news", "mnuViewNews", "", site + "/news.shtml");
-    row("online", "mnuHelpOnline", "", site);
-    row("FAQ", "mnuHelpFAQ", "", site + "/FAQ.shtml");
-    row("index", "mnuHelpHalvane", "", "<program>/help/help.htm");
-    row("web site", "Label20", site, site);
-    row("feedback mail", "Label23", mail,
-        "mailto:" + mail + "?subject=Halvane Version 2.07 Feedback");
-    row("bug report form", "Label27", "Bug report form", site + "/bugreport.shtml");
-    row("N-0-P", "Label6", "N-0-P", AppInfo::nopSiteAddress());
-}
-
 void MenusTest::links() {
-    QFETCH(QString, control);
-    QFETCH(QString, caption);
-    QFETCH(QString, target);
+    const auto& [name, control, caption, link] = fetchRow(Links);
+    QString target = link;
     Fixture f;
     if (auto* item = f.window->findChild<QAction*>(control)) {
         item->trigger();
     } else {
-        auto* link = f.window->findChild<QLabel*>(control);
-        QVERIFY(link);
-        QCOMPARE(link->text(), caption);
-        f.ui().SSTab1->setCurrentIndex(control == "Label6" ? 4 : 5);
-        QTest::mouseClick(link, Qt::LeftButton, Qt::NoModifier, QPoint(2, 2));
+        auto* label = f.window->findChild<QLabel*>(control);
+        QVERIFY(label);
+        QCOMPARE(label->text(), caption);
+        f.ui().SSTab1->setCurrentIndex(QString(control) == "Label6" ? 4 : 5);
+        QTest::mouseClick(label, Qt::LeftButton, Qt::NoModifier, QPoint(2, 2));
     }
     QCOMPARE(f.platform.shell.opened,
              QStringList{target.replace("<program>", f.platform.programFolder())});
@@ -166,21 +159,11 @@ void MenusTest::f8ShowsAboutAndDisablesTheTabLeft() {
         QVERIFY2(frame->isEnabled(), qPrintable(frame->objectName()));
 }
 
-void MenusTest::shiftClickOnTabStripShowsHiddenWindow_data() {
-    QTest::addColumn<int>("modifiers");
-    QTest::addColumn<bool>("shown");
-    QTest::newRow("Shift") << int(Qt::ShiftModifier) << true;
-    QTest::newRow("no key") << int(Qt::NoModifier) << false;
-    QTest::newRow("Shift+Ctrl") << int(Qt::ShiftModifier | Qt::ControlModifier) << false;
-}
-
 void MenusTest::shiftClickOnTabStripShowsHiddenWindow() {
-    QFETCH(int, modifiers);
-    QFETCH(bool, shown);
+    const auto& [name, modifiers, shown] = fetchRow(Clicks);
     Fixture f;
     QTabBar* strip = f.ui().SSTab1->tabBar();
-    QTest::mouseClick(strip, Qt::LeftButton, Qt::KeyboardModifiers(modifiers),
-                      strip->tabRect(1).center());
+    QTest::mouseClick(strip, Qt::LeftButton, modifiers, strip->tabRect(1).center());
     QWidget* secret = f.window->helpMenu().secretWindow();
     QCOMPARE(secret && secret->isVisible(), shown);
     if (shown) {

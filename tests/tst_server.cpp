@@ -12,6 +12,7 @@
 #include "ui_frmServer.h"
 
 #include <QNetworkDatagram>
+#include <QProcess>
 #include <QUdpSocket>
 #include <QtTest>
 #include <sys/stat.h>
@@ -45,6 +46,7 @@ QByteArray recordLine(const QString& id, qint64 pid, qint64 start) {
     r.program = "/game/quake3.exe";
     r.rconPassword = "secret word";
     r.started = QDateTime(QDate(2024, 5, 1), QTime(10, 0));
+    r.scripts = "<state>/servers/" + id;
     return launchRecordBytes({r});
 }
 
@@ -142,6 +144,18 @@ const std::tuple<const char*, QByteArray, const char*> Records[] = {
      "\"processStart\":\"7000\",\"monitor\":true,\"started\":\"2024-05-01T10:00:00.000\"}\n"
      "{\"id\":\"y\",\"added\":true,\"port\":1,\"started\":\"2024-05-01T10:00:00.000\"}",
      "x:running Damaged server list <state>/servers.jsonl: line 2: no address;<kept>"},
+    {"more ended servers than are kept: the oldest two go, and their scripts",
+     [] {
+         QByteArray many;
+         for (const char* id : {"a", "b", "c", "d", "e", "f", "g", "h", "i", "j", "k", "l"})
+             many += recordLine(id, 2000, 5);
+         return many;
+     }(),
+     "a:ended while Halvane was not running b:ended while Halvane was not running c:ended while "
+     "Halvane was not running d:ended while Halvane was not running e:ended while Halvane was not "
+     "running f:ended while Halvane was not running g:ended while Halvane was not running h:ended "
+     "while Halvane was not running i:ended while Halvane was not running j:ended while Halvane "
+     "was not running k:ended while Halvane was not running l:ended while Halvane was not running"},
     {"not records at all", "[1,2]\n\"x\"\n",
      "Damaged server list <state>/servers.jsonl: line 1: not a record; line 2: illegal "
      "value;<kept>"},
@@ -224,10 +238,24 @@ void ServerTest::clientNumbers() {
 }
 
 void ServerTest::records() {
-    const auto& [name, file, problems] = test::fetchRow(Records);
+    const auto& [name, bytes, problems] = test::fetchRow(Records);
     const QString expected = QString(problems).replace("<kept>", KeptAs);
     test::TestPlatform platform;
     const QString state = platform.root() + "/state";
+    const QByteArray file = QByteArray(bytes).replace("<state>", state.toUtf8());
+    // Each record's scripts, a stray folder as old, one just made, and
+    // a link out of the state folder.
+    QStringList folders{state + "/servers/stray", state + "/servers/new", state + "/outside"};
+    const QList<LaunchRecord> records = parseLaunchRecords(file).records;
+    for (const LaunchRecord& r : records)
+        folders << r.scripts;
+    folders.removeAll(QString());
+    for (const QString& folder : folders) {
+        platform.writeFile(folder + "/baseq3/x.cfg", "x");
+        if (!folder.endsWith("new"))
+            QCOMPARE(QProcess::execute("touch", {"-d", "2 days ago", folder}), 0);
+    }
+    QVERIFY(QFile::link(state + "/outside", state + "/servers/link"));
     platform.writeFile(state + "/servers.jsonl", file);
     platform.processes.alive = {1000, 1001}; // start times 7000 and 7007
     ServerManager manager(*platform.app);
@@ -246,7 +274,15 @@ void ServerTest::records() {
         QCOMPARE(test::readAll(state + "/servers.jsonl.damaged"), file);
     const LoadedRecords again = LaunchRecordFile(state + "/servers.jsonl").load();
     QCOMPARE(again.problems, QStringList{});
-    QCOMPARE(launchRecordBytes(again.records), launchRecordBytes(kept));
+    QCOMPARE(launchRecordBytes(again.records),
+             launchRecordBytes(kept.mid(0, again.records.size())));
+    // A record's scripts go with it; others only when the list was read whole.
+    for (const LaunchRecord& r : records)
+        QCOMPARE(QFileInfo::exists(r.scripts) || r.scripts.isEmpty(),
+                 launchRecordBytes(again.records).contains(r.scripts.toUtf8()));
+    QCOMPARE(QFileInfo::exists(state + "/servers/stray"), !manager.fileProblem().isEmpty());
+    QVERIFY(QFileInfo::exists(state + "/servers/new") &&
+            QFileInfo::exists(state + "/outside/baseq3/x.cfg"));
     QCOMPARE(QFile(state + "/servers.jsonl").permissions() & 0x0077, QFileDevice::Permissions());
 }
 

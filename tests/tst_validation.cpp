@@ -161,8 +161,6 @@ void ValidationTest::validateAll_data() {
         "", false);
     row("motd with a line break", "txtMOTD=Hi\nquit", "",
         {split("Message of the Day", "a line break")}, "", false, "txtMOTD");
-    row("motd with a tab", "txtMOTD=a\tb", "",
-        {split("Message of the Day", "a control character (code 9)")}, "", false, "txtMOTD");
     row("own log name with a quote", "chkLogFile=1|txtLogFile=a\"b", "",
         {split("Log Filename", quote)}, "", false, "txtLogFile");
     row("date-coded log: the name is not written", "chkLogFile=1|chkDateLog=1|txtLogFile=a\"b", "",

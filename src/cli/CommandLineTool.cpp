@@ -92,7 +92,7 @@ std::optional<Arguments> parse(const QString& command, const QStringList& words,
 struct ConsoleContext {
     ConsoleMessageBoxes messages;
     ConsoleFileDialogs dialogs;
-    QtProcesses processes;
+    QtProcesses processes{QCoreApplication::applicationFilePath()};
     ConsoleShell shell;
     ConsoleDesktop desktop;
     QtSettingsStore store;
@@ -125,6 +125,8 @@ QJsonObject serverJson(const ServerEntry& server) {
     if (!r.running()) {
         o.insert(QStringLiteral("ended"), r.ended.toString(Qt::ISODate));
         o.insert(QStringLiteral("endReason"), r.endReason);
+        if (!r.exitStatus.isEmpty())
+            o.insert(QStringLiteral("exitStatus"), r.exitStatus);
     }
     if (!server.live.problem.isEmpty())
         o.insert(QStringLiteral("problem"), server.live.problem);
@@ -164,7 +166,10 @@ int status(bool json) {
                         .arg(o.value(QStringLiteral("players")).toInt())
                         .arg(o.value(QStringLiteral("maxPlayers")).toInt());
         if (!server.record.running())
-            line += QStringLiteral("  ") + server.record.endReason;
+            line += QStringLiteral("  ") + server.record.endReason +
+                    (server.record.exitStatus.isEmpty()
+                         ? QString()
+                         : QStringLiteral(", ") + server.record.exitStatus);
         else if (!server.live.problem.isEmpty())
             line += QStringLiteral("  ") + server.live.problem;
         print(stdout, line);

@@ -1,5 +1,6 @@
 #include "platform/QtPlatform.h"
 #include "platform/PrivateFiles.h"
+#include "platform/Supervisor.h"
 
 #include <QApplication>
 #include <QCoreApplication>
@@ -97,6 +98,26 @@ FileChoice QtFileDialogs::saveFile(const QString& title, const QString& filter,
 
 StartResult QtProcesses::start(const QString& program, const QStringList& arguments,
                                const QString& workingFolder, const QString& logFile) {
+    return startAs(program, arguments, workingFolder, logFile, QString());
+}
+
+StartResult QtProcesses::startSupervised(const QString& program, const QStringList& arguments,
+                                         const QString& workingFolder, const QString& logFile,
+                                         const QString& statusFile) {
+#ifdef Q_OS_UNIX
+    // A program moved or replaced since it started cannot supervise: the
+    // server still starts, only its ending goes unrecorded.
+    const bool supervised = !m_supervisor.isEmpty() && QFileInfo(m_supervisor).isExecutable();
+    return startAs(program, arguments, workingFolder, logFile, supervised ? statusFile : QString());
+#else
+    Q_UNUSED(statusFile);
+    return start(program, arguments, workingFolder, logFile);
+#endif
+}
+
+StartResult QtProcesses::startAs(const QString& program, const QStringList& arguments,
+                                 const QString& workingFolder, const QString& logFile,
+                                 const QString& statusFile) {
     StartResult result;
     QString resolved = program;
     // A bare name is looked up in the working folder first, as a command
@@ -123,8 +144,15 @@ StartResult QtProcesses::start(const QString& program, const QStringList& argume
         }
     }
     QProcess process;
-    process.setProgram(resolved);
-    process.setArguments(arguments);
+    if (statusFile.isEmpty()) {
+        process.setProgram(resolved);
+        process.setArguments(arguments);
+    } else {
+        // The supervisor starts it as is, looked up on the path when bare.
+        QFile::remove(statusFile); // a status left from before is not this run's
+        process.setProgram(m_supervisor);
+        process.setArguments(supervisedArguments(statusFile, resolved, arguments));
+    }
     process.setWorkingDirectory(workingFolder);
     // Nothing to read: a server left on our input would wait on it.
     process.setStandardInputFile(QProcess::nullDevice());
@@ -191,15 +219,26 @@ QList<quint16> QtProcesses::udpPortsOf(qint64 taskId) {
     if (taskId <= 0)
         return ports;
     const QString proc = QStringLiteral("/proc/%1").arg(taskId);
+    // A supervisor's sockets are its child's: the task and its children.
+    QStringList tasks{proc};
+    QFile children(proc + QStringLiteral("/task/%1/children").arg(taskId));
+    if (children.open(QIODevice::ReadOnly)) {
+        for (const QByteArray& child : children.read(4096).simplified().split(' ')) {
+            if (!child.isEmpty())
+                tasks << QStringLiteral("/proc/") + QString::fromLatin1(child);
+        }
+    }
     QSet<QByteArray> inodes;
-    const QStringList fds = QDir(proc + QStringLiteral("/fd")).entryList(QDir::System);
-    for (const QString& fd : fds) {
-        char target[64] = {};
-        const QByteArray link = QFile::encodeName(proc + QStringLiteral("/fd/") + fd);
-        const ssize_t size = ::readlink(link.constData(), target, sizeof target - 1);
-        const QByteArray text(target, size > 0 ? size : 0);
-        if (text.startsWith("socket:[") && text.endsWith(']'))
-            inodes.insert(text.mid(8, text.size() - 9));
+    for (const QString& task : std::as_const(tasks)) {
+        const QStringList fds = QDir(task + QStringLiteral("/fd")).entryList(QDir::System);
+        for (const QString& fd : fds) {
+            char target[64] = {};
+            const QByteArray link = QFile::encodeName(task + QStringLiteral("/fd/") + fd);
+            const ssize_t size = ::readlink(link.constData(), target, sizeof target - 1);
+            const QByteArray text(target, size > 0 ? size : 0);
+            if (text.startsWith("socket:[") && text.endsWith(']'))
+                inodes.insert(text.mid(8, text.size() - 9));
+        }
     }
     QFile table(proc + QStringLiteral("/net/udp"));
     if (inodes.isEmpty() || !table.open(QIODevice::ReadOnly))
@@ -223,6 +262,28 @@ QList<quint16> QtProcesses::udpPortsOf(qint64 taskId) {
 bool QtProcesses::end(qint64 taskId, bool force) {
     if (taskId <= 0)
         return false;
+#ifdef Q_OS_LINUX
+    // A supervisor passes SIGTERM on by itself. Killed outright it could not
+    // write how its program ended, so the program is killed in its place and
+    // the supervisor follows by itself.
+    if (force) {
+        QFile command(QStringLiteral("/proc/%1/cmdline").arg(taskId));
+        const bool supervisor =
+            command.open(QIODevice::ReadOnly) &&
+            command.read(4096).split('\0').value(1) == QByteArray(SuperviseOption);
+        QFile children(QStringLiteral("/proc/%1/task/%1/children").arg(taskId));
+        if (supervisor && children.open(QIODevice::ReadOnly)) {
+            bool killed = false;
+            for (const QByteArray& child : children.read(4096).simplified().split(' ')) {
+                const qint64 id = child.toLongLong();
+                if (id > 0)
+                    killed |= ::kill(pid_t(id), SIGKILL) == 0;
+            }
+            if (killed)
+                return true;
+        }
+    }
+#endif
     return ::kill(pid_t(taskId), force ? SIGKILL : SIGTERM) == 0;
 }
 

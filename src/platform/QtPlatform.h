@@ -26,12 +26,24 @@ public:
 
 class QtProcesses : public Processes {
 public:
+    // supervisor: the executable that runs "--supervise" (this program's
+    // own); none: programs start unsupervised.
+    explicit QtProcesses(QString supervisor = QString()) : m_supervisor(std::move(supervisor)) {}
     StartResult start(const QString& program, const QStringList& arguments,
                       const QString& workingFolder, const QString& logFile) override;
+    StartResult startSupervised(const QString& program, const QStringList& arguments,
+                                const QString& workingFolder, const QString& logFile,
+                                const QString& statusFile) override;
     bool activate(qint64 taskId) override;
     qint64 startTimeOf(qint64 taskId) override;
     bool end(qint64 taskId, bool force) override;
     QList<quint16> udpPortsOf(qint64 taskId) override;
+
+private:
+    StartResult startAs(const QString& program, const QStringList& arguments,
+                        const QString& workingFolder, const QString& logFile,
+                        const QString& statusFile);
+    QString m_supervisor;
 };
 
 class QtShell : public Shell {

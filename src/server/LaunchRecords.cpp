@@ -41,6 +41,7 @@ QJsonObject toJson(const LaunchRecord& r) {
     o.insert(QStringLiteral("lastMonitorRestart"), timeText(r.lastMonitorRestart));
     o.insert(QStringLiteral("ended"), timeText(r.ended));
     o.insert(QStringLiteral("endReason"), r.endReason);
+    o.insert(QStringLiteral("exitStatus"), r.exitStatus);
     o.insert(QStringLiteral("portAsked"), int(r.portAsked));
     o.insert(QStringLiteral("scripts"), r.scripts);
     o.insert(QStringLiteral("profile"), r.profile);
@@ -50,7 +51,8 @@ QJsonObject toJson(const LaunchRecord& r) {
         runs.append(QJsonObject{{QStringLiteral("logFile"), run.logFile},
                                 {QStringLiteral("started"), timeText(run.started)},
                                 {QStringLiteral("ended"), timeText(run.ended)},
-                                {QStringLiteral("endReason"), run.endReason}});
+                                {QStringLiteral("endReason"), run.endReason},
+                                {QStringLiteral("exitStatus"), run.exitStatus}});
     o.insert(QStringLiteral("runs"), runs);
     if (r.added)
         o.insert(QStringLiteral("added"), true);
@@ -85,6 +87,7 @@ QString fromJson(const QByteArray& line, LaunchRecord& r) {
     r.lastMonitorRestart = timeOf(o.value(QStringLiteral("lastMonitorRestart")));
     r.ended = timeOf(o.value(QStringLiteral("ended")));
     r.endReason = o.value(QStringLiteral("endReason")).toString();
+    r.exitStatus = o.value(QStringLiteral("exitStatus")).toString();
     // Lines written before these were kept read as servers without them.
     r.portAsked = quint16(qBound(0, o.value(QStringLiteral("portAsked")).toInt(), 65535));
     r.scripts = o.value(QStringLiteral("scripts")).toString();
@@ -95,7 +98,8 @@ QString fromJson(const QByteArray& line, LaunchRecord& r) {
         r.runs.append({run.value(QStringLiteral("logFile")).toString(),
                        timeOf(run.value(QStringLiteral("started"))),
                        timeOf(run.value(QStringLiteral("ended"))),
-                       run.value(QStringLiteral("endReason")).toString()});
+                       run.value(QStringLiteral("endReason")).toString(),
+                       run.value(QStringLiteral("exitStatus")).toString()});
     }
     r.added = o.value(QStringLiteral("added")).toBool();
     if (r.id.isEmpty())

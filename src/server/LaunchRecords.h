@@ -14,6 +14,7 @@ struct ServerRun {
     QDateTime started;
     QDateTime ended;
     QString endReason;
+    QString exitStatus;
 };
 
 // What one launch started, kept in the user's state folder so that a later
@@ -41,6 +42,7 @@ struct LaunchRecord {
     QDateTime lastMonitorRestart;
     QDateTime ended; // invalid while it runs
     QString endReason;
+    QString exitStatus;    // "exit 1", "signal SIGSEGV"; empty when nobody saw it end
     QList<ServerRun> runs; // the earlier ones, oldest first
     bool added = false;    // by the operator, by its address
 

@@ -63,7 +63,14 @@ ServerWindow& ServerControl::serverWindow() {
     if (!m_serverWindow)
         m_serverWindow =
             std::make_unique<ServerWindow>(*m_manager, m_app.platform.shell, &m_window);
+    m_serverWindow->setProfileLauncher(m_profiles);
     return *m_serverWindow;
+}
+
+void ServerControl::setProfileLauncher(ProfileLauncher* profiles) {
+    m_profiles = profiles;
+    if (m_serverWindow)
+        m_serverWindow->setProfileLauncher(profiles);
 }
 
 void ServerControl::showServerWindow() {

@@ -18,6 +18,7 @@ namespace halvane {
 
 struct AppContext;
 class LaunchController;
+class ProfileLauncher;
 class ServerManager;
 class ServerWindow;
 
@@ -36,6 +37,8 @@ public:
     // Made at its first showing.
     ServerWindow& serverWindow();
     void showServerWindow();
+    // The profiles the server window offers to launch.
+    void setProfileLauncher(ProfileLauncher* profiles);
 
     StartResult startServer(const QString& program, const QStringList& arguments,
                             const QString& folder, const QString& commandLine) override;
@@ -49,6 +52,7 @@ private:
     AppContext& m_app;
     std::unique_ptr<ServerManager> m_manager;
     std::unique_ptr<ServerWindow> m_serverWindow;
+    ProfileLauncher* m_profiles = nullptr;
 };
 
 } // namespace halvane

@@ -1,6 +1,7 @@
 #include "server/ServerManager.h"
 
 #include "app/AppContext.h"
+#include "platform/Supervisor.h"
 #include "server/ScriptCopy.h"
 
 #include <QDir>
@@ -16,6 +17,16 @@ constexpr int FirstPacketMs = 3000; // the console's first answer
 constexpr int QuietMs = 300;        // after the last packet of an answer
 constexpr int StopTickMs = 250;
 constexpr quint16 GamePort = 27960; // what the game takes without a port
+
+// How a run ended is written beside its log.
+QString statusFileOf(const QString& logFile) {
+    if (logFile.isEmpty())
+        return QString();
+    QString stem = logFile;
+    if (stem.endsWith(QLatin1String(".log")))
+        stem.chop(4);
+    return stem + QStringLiteral(".exit");
+}
 
 QString serverId(const QDateTime& started, qint64 pid) {
     return started.toString(QStringLiteral("yyyyMMddHHmmsszzz")) + QLatin1Char('-') +
@@ -60,6 +71,10 @@ void ServerManager::load() {
         save();
     else
         noteFile();
+    // Only from a list read whole: a line lost to damage would leave its
+    // server's folders looking unused.
+    if (loaded.problems.isEmpty() && QFileInfo::exists(m_file.path()))
+        removeStrayScriptFolders();
     m_tick.start();
     emit listChanged();
 }
@@ -90,6 +105,7 @@ void ServerManager::takeOthersRecords() {
                    known->live.stopping == ServerLive::Stopping::No && !alive(known->record)) {
             known->record.ended = record.ended;
             known->record.endReason = record.endReason;
+            known->record.exitStatus = record.exitStatus;
             known->live.status.reset();
             emit serverChanged(record.id);
         }
@@ -175,8 +191,9 @@ StartResult ServerManager::launch(const ServerStart& start) {
     m_launchProblem.clear();
     QString logProblem;
     record.logFile = newLogFile(record.portAsked, logProblem);
-    const StartResult started = m_app.platform.processes.start(record.program, record.arguments,
-                                                               record.gameFolder, record.logFile);
+    const StartResult started = m_app.platform.processes.startSupervised(
+        record.program, record.arguments, record.gameFolder, record.logFile,
+        statusFileOf(record.logFile));
     if (!started.started) {
         if (!record.logFile.isEmpty())
             QFile::remove(record.logFile); // the empty file made for it
@@ -203,8 +220,12 @@ StartResult ServerManager::launch(const ServerStart& start) {
     server.live.fresh = true;
     // The last ones that ended stay listed, the older ones go.
     int ended = 0;
-    m_servers.removeIf(
-        [&](const ServerEntry& entry) { return !entry.record.running() && ++ended > KeptEnded; });
+    m_servers.removeIf([&](const ServerEntry& entry) {
+        if (entry.record.running() || ++ended <= KeptEnded)
+            return false;
+        m_droppedFolders.unite(scriptFoldersOf(entry.record));
+        return true;
+    });
     QStringList problems;
     if (record.logFile.isEmpty())
         problems << QStringLiteral("No log: ") + logProblem;
@@ -286,6 +307,11 @@ bool ServerManager::startProcess(ServerEntry& server) {
              !QFileInfo(r.scripts + QLatin1Char('/') + ScriptGameFolder).isDir())
         problem = QStringLiteral("the copy of the scripts it was launched with, %1, is missing")
                       .arg(QDir::toNativeSeparators(r.scripts));
+    else if (const QString copy = r.scripts.isEmpty() ? QString() : scriptCopyProblem(r.scripts);
+             !copy.isEmpty())
+        problem =
+            QStringLiteral("the copy of the scripts it was launched with, %1, is incomplete: %2")
+                .arg(QDir::toNativeSeparators(r.scripts), copy);
     if (!problem.isEmpty()) {
         server.live.problem = QStringLiteral("Could not start the server again: ") + problem;
         return false;
@@ -295,8 +321,8 @@ bool ServerManager::startProcess(ServerEntry& server) {
     // Servers recorded before their scripts were copied start as they were.
     const QStringList arguments =
         r.scripts.isEmpty() ? r.arguments : argumentsWithScripts(r.arguments, r.scripts);
-    const StartResult started =
-        m_app.platform.processes.start(r.program, arguments, r.gameFolder, log);
+    const StartResult started = m_app.platform.processes.startSupervised(
+        r.program, arguments, r.gameFolder, log, statusFileOf(log));
     if (!started.started) {
         if (!log.isEmpty())
             QFile::remove(log); // the empty file made for it
@@ -307,7 +333,7 @@ bool ServerManager::startProcess(ServerEntry& server) {
     }
     const qint64 oldPid = r.pid;
     if (r.started.isValid())
-        r.runs.append({r.logFile, r.started, r.ended, r.endReason});
+        r.runs.append({r.logFile, r.started, r.ended, r.endReason, r.exitStatus});
     while (r.runs.size() > KeptRuns)
         r.runs.removeFirst();
     r.pid = started.taskId;
@@ -317,6 +343,7 @@ bool ServerManager::startProcess(ServerEntry& server) {
     r.port = 0; // it may open another one this time
     r.ended = QDateTime();
     r.endReason.clear();
+    r.exitStatus.clear();
     server.live = ServerLive();
     server.live.expectedSince = r.started;
     server.live.fresh = true;
@@ -333,6 +360,8 @@ void ServerManager::processEnded(ServerEntry& server, const QString& reason, boo
     server.quickEnds = mayRestart && quick ? server.quickEnds + 1 : 0;
     server.record.ended = now;
     server.record.endReason = reason;
+    if (!server.record.added)
+        server.record.exitStatus = supervisedEnd(statusFileOf(server.record.logFile));
     server.live.status.reset();
     server.live.silentSince = QDateTime();
     server.live.unanswered = 0;
@@ -758,6 +787,7 @@ bool ServerManager::remove(const QString& id) {
     if (!server || !removable(*server))
         return false;
     m_removed.insert(id);
+    m_droppedFolders.unite(scriptFoldersOf(server->record));
     m_servers.removeIf([&id](const ServerEntry& entry) { return entry.record.id == id; });
     save();
     emit listChanged();
@@ -773,6 +803,8 @@ void ServerManager::save() {
     for (const ServerEntry& server : std::as_const(m_servers)) {
         if (server.record.running() || ended++ < KeptEnded)
             kept.append(server.record);
+        else
+            m_droppedFolders.unite(scriptFoldersOf(server.record));
     }
     // What another Halvane recorded since the last look is written on as it
     // is; the next refresh takes it into the list.
@@ -787,11 +819,61 @@ void ServerManager::save() {
     const QString error = m_file.save(others + kept);
     if (others.isEmpty())
         noteFile();
-    if (!error.isEmpty())
+    if (!error.isEmpty()) {
         m_fileProblem = QStringLiteral("Could not write the server list %1: %2")
                             .arg(QDir::toNativeSeparators(m_file.path()), error);
-    else if (m_fileProblem.startsWith(QLatin1String("Could not write")))
+        return;
+    }
+    if (m_fileProblem.startsWith(QLatin1String("Could not write")))
         m_fileProblem.clear();
+    for (const LaunchRecord& record : others + kept)
+        m_droppedFolders.subtract(scriptFoldersOf(record));
+    removeScriptFolders(m_droppedFolders);
+    m_droppedFolders.clear();
+}
+
+QSet<QString> ServerManager::scriptFoldersOf(const LaunchRecord& record) const {
+    const QString root =
+        QDir::cleanPath(m_app.platform.folder.stateFolder() + QStringLiteral("/servers")) +
+        QLatin1Char('/');
+    QSet<QString> folders;
+    for (const QString& named : record.arguments + QStringList{record.scripts}) {
+        const QString path = QDir::cleanPath(QDir::fromNativeSeparators(named));
+        const QString first = path.mid(root.size()).section(QLatin1Char('/'), 0, 0);
+        if (path.startsWith(root) && !first.isEmpty() && first != QLatin1String(".."))
+            folders.insert(root + first);
+    }
+    return folders;
+}
+
+void ServerManager::removeScriptFolders(const QSet<QString>& folders) {
+    const QString state = QFileInfo(m_app.platform.folder.stateFolder()).canonicalFilePath();
+    for (const QString& folder : folders) {
+        // Never through a link, never outside the state folder.
+        const QFileInfo info(folder);
+        if (state.isEmpty() || info.isSymLink() || !info.isDir() ||
+            !info.canonicalFilePath().startsWith(state + QStringLiteral("/servers/")))
+            continue;
+        QDir(folder).removeRecursively();
+    }
+}
+
+void ServerManager::removeStrayScriptFolders() {
+    if (m_role == Role::Look)
+        return;
+    const QDir root(m_app.platform.folder.stateFolder() + QStringLiteral("/servers"));
+    QSet<QString> named;
+    for (const ServerEntry& server : std::as_const(m_servers))
+        named.unite(scriptFoldersOf(server.record));
+    const QDateTime before = QDateTime::currentDateTime().addSecs(-StrayFolderSecs);
+    QSet<QString> stray;
+    for (const QFileInfo& folder :
+         root.entryInfoList(QDir::Dirs | QDir::NoDotAndDotDot | QDir::NoSymLinks | QDir::Hidden)) {
+        const QString path = QDir::cleanPath(folder.absoluteFilePath());
+        if (!named.contains(path) && folder.lastModified() < before)
+            stray.insert(path);
+    }
+    removeScriptFolders(stray);
 }
 
 QList<ServerEntry> listServers(AppContext& app, int waitMs) {

@@ -80,6 +80,8 @@ public:
     static constexpr int RefreshMs = 2000;
     static constexpr int KeptEnded = 10; // ended servers still listed
     static constexpr int KeptRuns = 100; // earlier runs of one server whose logs stay listed
+    // A script folder no record names is removed once it is this old.
+    static constexpr qint64 StrayFolderSecs = 24 * 3600;
     // Datagrams read in one pass over the socket: a flood waits in the
     // socket's queue (and overflows it) instead of holding up the window.
     static constexpr int MaxPacketsPerPass = 32;
@@ -170,6 +172,15 @@ private:
     // why, when none can be made.
     QString newLogFile(quint16 port, QString& problem) const;
     void save();
+    // The folders under servers/ that a record names: the copy of its
+    // scripts, and a profile's folder it was launched with.
+    QSet<QString> scriptFoldersOf(const LaunchRecord& record) const;
+    // Removes the folders of records that are gone, once the list without
+    // them is safely written; those of servers this program never knew
+    // (a launch cut short) once they are old enough not to be a launch
+    // under way in another run of it.
+    void removeScriptFolders(const QSet<QString>& folders);
+    void removeStrayScriptFolders();
     // Another Halvane (the command line, another window) writes the same
     // file: records it added since the last look join the list, and one of
     // ours that it stopped ends with its reason.
@@ -185,6 +196,7 @@ private:
     LaunchRecordFile m_file;
     MonitorLimits m_limits;
     QList<ServerEntry> m_servers;
+    QSet<QString> m_droppedFolders; // of records left out, removed once the list is written
     bool m_loaded = false;
     bool m_watched = false;
     QString m_fileProblem;

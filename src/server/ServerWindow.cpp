@@ -2,6 +2,7 @@
 
 #include "platform/Shell.h"
 #include "server/AddServerDialog.h"
+#include "server/ProfileLauncher.h"
 #include "server/ServerManager.h"
 #include "server/ServerProtocol.h"
 #include "ui/Accessibility.h"
@@ -24,7 +25,7 @@ constexpr int HistorySize = 50;
 // Texts from the network are cut to these many characters for display.
 constexpr qsizetype ShownName = 64;
 constexpr qsizetype ShownPlayer = 36;
-enum Column { Name, Address, Map, GameType, Players, Uptime, State };
+enum Column { Name, Address, Map, GameType, Players, Uptime, State, Profile };
 
 QString duration(qint64 secs) {
     if (secs < 3600)
@@ -39,10 +40,16 @@ QString clock(const QDateTime& time) {
                                                : time.toString(QStringLiteral("yyyy-MM-dd HH:mm"));
 }
 
+// Why it ended, and how as far as its supervisor saw: "stopped, exit 0".
+QString endText(const QString& reason, const QString& exitStatus) {
+    return exitStatus.isEmpty() ? reason : reason + QStringLiteral(", ") + exitStatus;
+}
+
 QString stateText(const ServerEntry& server) {
     const LaunchRecord& r = server.record;
     if (!r.running())
-        return QStringLiteral("ended %1 (%2)").arg(clock(r.ended), r.endReason);
+        return QStringLiteral("ended %1 (%2)")
+            .arg(clock(r.ended), endText(r.endReason, r.exitStatus));
     if (server.live.stopping != ServerLive::Stopping::No)
         return QStringLiteral("stopping");
     if (server.live.unanswered >= 2)
@@ -112,9 +119,34 @@ ServerWindow::ServerWindow(ServerManager& manager, Shell& shell, QWidget* owner)
     connect(ui->chkMonitor, &QCheckBox::toggled, this,
             [this](bool on) { m_manager.setMonitor(currentId(), on); });
     connect(ui->cmdOpenLog, &QPushButton::clicked, this, &ServerWindow::openLog);
+    ui->cmdLaunchProfile->setToolTip(QStringLiteral("Launches the chosen profile as a server "
+                                                    "that reads its own scripts"));
+    connect(ui->cmdLaunchProfile, &QPushButton::clicked, this, [this] {
+        if (m_profiles && ui->cmbProfile->currentIndex() >= 0)
+            m_profiles->launchProfile(ui->cmbProfile->currentText());
+    });
+    setProfileLauncher(nullptr);
     m_timer.setInterval(1000);
     connect(&m_timer, &QTimer::timeout, this, &ServerWindow::everySecond);
     rebuildList();
+}
+
+void ServerWindow::setProfileLauncher(ProfileLauncher* profiles) {
+    m_profiles = profiles;
+    const QList<QWidget*> row{ui->lblProfile, ui->cmbProfile, ui->cmdLaunchProfile};
+    for (QWidget* control : row)
+        control->setVisible(profiles != nullptr);
+    fillProfiles();
+}
+
+// Read again at each showing: profiles are saved and deleted meanwhile.
+void ServerWindow::fillProfiles() {
+    const QString chosen = ui->cmbProfile->currentText();
+    ui->cmbProfile->clear();
+    if (m_profiles)
+        ui->cmbProfile->addItems(m_profiles->profileNames());
+    ui->cmbProfile->setCurrentIndex(qMax(0, ui->cmbProfile->findText(chosen)));
+    ui->cmdLaunchProfile->setEnabled(ui->cmbProfile->count() > 0);
 }
 
 ServerWindow::~ServerWindow() = default;
@@ -126,6 +158,7 @@ QString ServerWindow::currentId() const {
 
 void ServerWindow::showEvent(QShowEvent* event) {
     QWidget::showEvent(event);
+    fillProfiles();
     m_manager.setWatched(true);
     m_timer.start();
 }
@@ -171,7 +204,7 @@ void ServerWindow::updateRow(const QString& id) {
         fillRow(*item, *server);
         // The columns were sized before the first answer: they grow to fit.
         const QFontMetrics metrics(ui->lstServers->font());
-        for (int column = 0; column <= State; ++column) {
+        for (int column = 0; column <= Profile; ++column) {
             if (metrics.horizontalAdvance(item->text(column)) + 2 * metrics.averageCharWidth() >
                 ui->lstServers->columnWidth(column))
                 ui->lstServers->resizeColumnToContents(column);
@@ -206,9 +239,10 @@ void ServerWindow::fillRow(QTreeWidgetItem& item, const ServerEntry& server) con
                          : r.running() ? duration(r.started.secsTo(QDateTime::currentDateTime()))
                                        : QString());
     item.setText(State, stateText(server));
+    item.setText(Profile, r.profile);
     const QBrush ink =
         palette().brush(r.running() ? QPalette::Active : QPalette::Disabled, QPalette::Text);
-    for (int column = 0; column <= State; ++column)
+    for (int column = 0; column <= Profile; ++column)
         item.setForeground(column, ink);
 }
 
@@ -220,15 +254,17 @@ void ServerWindow::fillRuns(const ServerEntry* server) {
     ui->cmbRun->clear();
     if (server && !server->record.added) {
         const LaunchRecord& r = server->record;
-        ui->cmbRun->addItem(r.running()
-                                ? QStringLiteral("this one, started %1").arg(clock(r.started))
-                                : QStringLiteral("the last, started %1, ended %2")
-                                      .arg(clock(r.started), clock(r.ended)),
-                            r.logFile);
+        ui->cmbRun->addItem(
+            r.running()
+                ? QStringLiteral("this one, started %1").arg(clock(r.started))
+                : QStringLiteral("the last, started %1, ended %2 (%3)")
+                      .arg(clock(r.started), clock(r.ended), endText(r.endReason, r.exitStatus)),
+            r.logFile);
         for (qsizetype i = r.runs.size() - 1; i >= 0; --i) {
             const ServerRun& run = r.runs[i];
             ui->cmbRun->addItem(QStringLiteral("started %1, ended %2 (%3)")
-                                    .arg(clock(run.started), clock(run.ended), run.endReason),
+                                    .arg(clock(run.started), clock(run.ended),
+                                         endText(run.endReason, run.exitStatus)),
                                 run.logFile);
         }
     }

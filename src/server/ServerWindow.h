@@ -15,6 +15,7 @@ class QTreeWidgetItem;
 
 namespace halvane {
 
+class ProfileLauncher;
 class ServerManager;
 struct ServerEntry;
 class Shell;
@@ -29,6 +30,8 @@ public:
 
     Ui::frmServer& form() { return *ui; }
     QString currentId() const;
+    // Offers its profiles to launch; none: the profile row is hidden.
+    void setProfileLauncher(ProfileLauncher* profiles);
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -49,9 +52,11 @@ private:
     void fillRuns(const ServerEntry* server);
     void followLog(const QString& path);
     void openLog();
+    void fillProfiles();
 
     ServerManager& m_manager;
     Shell& m_shell;
+    ProfileLauncher* m_profiles = nullptr;
     std::unique_ptr<Ui::frmServer> ui;
     QTimer m_timer;
     LogTail m_tail;

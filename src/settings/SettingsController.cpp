@@ -9,6 +9,7 @@
 #include "settings/TextForms.h"
 
 #include <QListWidget>
+#include <QSet>
 #include <QTabWidget>
 
 namespace halvane {
@@ -42,6 +43,22 @@ QObject* SettingsController::holder(const OptionKey& option) const {
     const QString name = QString::fromLatin1(option.holder);
     if (m_window.objectName() == name)
         return &m_window;
+    if (m_holders.isEmpty()) {
+        QSet<QString> shared;
+        for (QObject* object : m_window.findChildren<QObject*>()) {
+            const QString objectName = object->objectName();
+            if (objectName.isEmpty() || shared.contains(objectName))
+                continue;
+            if (m_holders.contains(objectName)) {
+                m_holders.remove(objectName);
+                shared.insert(objectName);
+            } else {
+                m_holders.insert(objectName, object);
+            }
+        }
+    }
+    if (QObject* object = m_holders.value(name))
+        return object;
     return m_window.findChild<QObject*>(name);
 }
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <QHash>
 #include <QObject>
+#include <QPointer>
 
 class QListWidget;
 class QTabWidget;
@@ -61,6 +63,10 @@ private:
     SettingsWindow& m_parts;
     qint16 m_gameType = 0;
     const SettingsStore* m_loading = nullptr; // the store LoadSettings reads now
+    // The window's objects by name, made at the first look-up: one pass
+    // over the window instead of one search per option. A name two objects
+    // share is left out and searched for as before.
+    mutable QHash<QString, QPointer<QObject>> m_holders;
 };
 
 } // namespace halvane

@@ -31,15 +31,31 @@ QString spoken(QString caption) {
 // The drop-down list and the edit box of a selector are met by themselves
 // (the edit box has the focus, the list when it is open): each is spoken
 // with the selector's name, which Qt would leave empty ("text").
-void nameSelectorParts(QComboBox* combo) {
+// The list is made by the selector when it is first needed: naming it
+// early would build sixteen drop-down lists at start-up; without
+// makeList, a list not yet made is left to SelectorListNamer.
+void nameSelectorParts(QComboBox* combo, bool makeList = true) {
     const QString name = combo->accessibleName();
     if (name.isEmpty())
         return;
-    if (combo->view()->accessibleName().isEmpty())
-        combo->view()->setAccessibleName(name);
+    QAbstractItemView* list = makeList ? combo->view() : combo->findChild<QAbstractItemView*>();
+    if (list && list->accessibleName().isEmpty())
+        list->setAccessibleName(name);
     if (combo->lineEdit() && combo->lineEdit()->accessibleName().isEmpty())
         combo->lineEdit()->setAccessibleName(name);
 }
+
+// Names a selector's list once the selector has made it: the list's frame,
+// a child of the selector, is polished before it first shows.
+class SelectorListNamer : public QObject {
+public:
+    using QObject::QObject;
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        if (event->type() == QEvent::ChildPolished)
+            nameSelectorParts(static_cast<QComboBox*>(watched), false);
+        return QObject::eventFilter(watched, event);
+    }
+};
 
 // Qt names a selector by its current entry on Linux and macOS and leaves its
 // label to a relation, so a screen reader's list of controls shows "Hard
@@ -141,8 +157,11 @@ void nameControls(QWidget& root) {
         if (!name.isEmpty())
             widget->setAccessibleName(name);
     }
-    for (QComboBox* combo : root.findChildren<QComboBox*>())
-        nameSelectorParts(combo);
+    auto* listNamer = new SelectorListNamer(&root);
+    for (QComboBox* combo : root.findChildren<QComboBox*>()) {
+        nameSelectorParts(combo, false);
+        combo->installEventFilter(listNamer);
+    }
     // A tab control takes the focus itself; its pages are its tabs' captions.
     for (QTabWidget* tabs : root.findChildren<QTabWidget*>()) {
         if (tabs->accessibleName().isEmpty())

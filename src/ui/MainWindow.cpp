@@ -109,8 +109,10 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
     else
         SkipSaveOnClose = true;
     m_export = std::make_unique<ServerExport>(*this, m_app);
-    if (m_role == WindowRole::Main)
+    if (m_role == WindowRole::Main) {
         m_profiles = std::make_unique<ProfileCommands>(*this, m_app, *m_servers);
+        m_servers->setProfileLauncher(m_profiles.get());
+    }
 
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
     connect(ui->cmdSetPath, &QAbstractButton::clicked, this, &MainWindow::cmdSetPath);

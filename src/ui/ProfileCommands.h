@@ -2,6 +2,7 @@
 
 #include "platform/Prompts.h"
 #include "profiles/ProfileStore.h"
+#include "server/ProfileLauncher.h"
 
 #include <QObject>
 #include <functional>
@@ -17,7 +18,7 @@ class ServerControl;
 // The profile items of the "Server" menu: save the window's settings as a
 // profile, open one into the window, launch one as a server of its own,
 // rename and delete them.
-class ProfileCommands : public QObject {
+class ProfileCommands : public QObject, public ProfileLauncher {
     Q_OBJECT
 public:
     ProfileCommands(MainWindow& window, AppContext& app, ServerControl& servers);
@@ -38,7 +39,8 @@ public:
     // Launches the profile as a server that reads its scripts from a folder
     // of its own; true when it started. Asks first when a running server of
     // ours has its port. The window's settings are not touched.
-    bool launchProfile(const QString& name);
+    bool launchProfile(const QString& name) override;
+    QStringList profileNames() const override { return m_store.names(); }
 
     QAction *saveAction = nullptr, *openAction = nullptr, *launchAction = nullptr,
             *renameAction = nullptr, *deleteAction = nullptr;

@@ -360,7 +360,8 @@ void TestCommandLine::runScriptKeepsEveryWord() {
              exporting::serverArguments(input, QFileInfo(p.root()).canonicalFilePath(), true));
 }
 
-// An export that runs out of room half way leaves nothing behind.
+// An export that runs out of room half way, or finds its folder read-only, leaves nothing
+// behind.
 void TestCommandLine::exportOnAFullDisk() {
     test::TestPlatform p;
     p.makeGameFolder();
@@ -375,6 +376,11 @@ void TestCommandLine::exportOnAFullDisk() {
     QVERIFY2(result.err.startsWith("Export Server: Cannot write " + disk + "/server/") &&
                  result.err.contains("No space left on device"),
              qPrintable(result.err));
+    // The same disk read-only: no folder can be made there.
+    QCOMPARE(QProcess::execute("mount", {"-o", "remount,ro", disk}), 0);
+    const Result readOnly = cli.run({"export", disk + "/server"});
+    QVERIFY2(readOnly.code == 1 && readOnly.err.contains(disk + "/server cannot be made: "),
+             qPrintable(readOnly.err));
     QCOMPARE(QDir(disk).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList());
 }

@@ -55,6 +55,13 @@ struct StartedServers {
     }
 };
 
+// The game a server's supervisor waits for; 0 before it has started it.
+pid_t gameOf(qint64 supervisor) {
+    QFile children(QString("/proc/%1/task/%1/children").arg(supervisor));
+    return children.open(QIODevice::ReadOnly) ? pid_t(children.read(64).split(' ')[0].toLongLong())
+                                              : 0;
+}
+
 QSet<QString> asSet(const QStringList& names) {
     return QSet<QString>(names.begin(), names.end());
 }
@@ -84,7 +91,7 @@ struct Operator {
     StartedServers started;
     test::TestPlatform platform; // no game location stored yet
     QString game = platform.root() + QStringLiteral("/oa");
-    QtProcesses processes; // the game really starts
+    QtProcesses processes{HALVANE_EXECUTABLE}; // the game really starts
     AppContext app{{platform.messages, platform.dialogs, processes, platform.shell,
                     platform.desktop, *platform.store, *platform.folder},
                    {}};
@@ -104,23 +111,25 @@ struct Operator {
         window->pathDialog().freeGameFolder = game; // the free game itself is Debian's
         window->start();
     }
-    // Sets everything up, presses "Launch the Server" and reads the bot sets.
-    // The game is the free game: a game folder made over it and chosen with
-    // Browse, or set up by the path dialog's button, as a new user would.
+    // Opens Halvane on the free game: a game folder made over it (its maps named
+    // for import) and chosen with Browse, or set up by the path dialog's button,
+    // as a new user would; then a dedicated server with random bots per map on
+    // the loopback interface, announced to no master server.
+    void open(bool freeGameButton, const QByteArray& maps = "oa_dm1\r\noa_dm2\r\n");
+    // Sets the rest up, presses "Launch the Server" and reads the bot sets.
     void launch(bool freeGameButton = false);
     QSet<QString> firstBots, secondBots;        // of the two maps
     std::function<void(MainForm&)> beforeStart; // the operator's last changes
 };
 
-void Operator::launch(bool freeGameButton) {
+void Operator::open(bool freeGameButton, const QByteArray& maps) {
     // A bot list of the free game's bots, as the operator would edit it.
     platform.writeFile(platform.programFolder() + "/botlist.txt",
                        "Sarge\r\nMajor\r\nGrism\r\nKyonshi\r\nGargoyle\r\n");
     if (!freeGameButton) {
         const QString built = buildGameFolder(game);
         QVERIFY2(built.isEmpty(), qPrintable(built));
-        // The free game's maps, named for import at start-up.
-        platform.writeFile(platform.programFolder() + "/maplist.txt", "oa_dm1\r\noa_dm2\r\n");
+        platform.writeFile(platform.programFolder() + "/maplist.txt", maps);
         platform.dialogs.choices = {{true, game + "/quake3.exe", "quake3.exe"}};
     }
     openHalvane();
@@ -131,20 +140,27 @@ void Operator::launch(bool freeGameButton) {
     window->pathDialog().form().cmdOkay->click();
     QVERIFY(window->isVisible());
     QVERIFY2(platform.messages.shown.isEmpty(), qPrintable(test::onlyMessage(platform.messages)));
+    MainForm& ui = window->form();
+    ui.cmbServerType->setCurrentIndex(2);
+    ui.txtHunkMegs->setText("32");
+    ui.chkStartState->setChecked(false); // stay open after the launch
+    for (QLineEdit* master :
+         {ui.txtMaster_0, ui.txtMaster_1, ui.txtMaster_2, ui.txtMaster_3, ui.txtMaster_4})
+        master->clear();
+    ui.cmbBotType->setCurrentIndex(1);
+    ui.chkAutoSelectBots->setChecked(true); // a random set of bots per map
+    ui.txtNetIP->setText("127.0.0.1");
+}
 
+void Operator::launch(bool freeGameButton) {
+    open(freeGameButton);
+    if (QTest::currentTestFailed())
+        return;
     MainForm& ui = window->form();
     ui.txtServerName->setText("Halvane window e2e");
     ui.cmbGameType->setCurrentIndex(2); // Team Play
-    ui.cmbServerType->setCurrentIndex(2);
     ui.txtMaxPlayers->setText("12");
-    ui.txtHunkMegs->setText("32");
-    ui.chkStartState->setChecked(false); // stay open after the launch
     ui.txtConsolePW->setText("e2e-window");
-    for (QLineEdit* master :
-         {ui.txtMaster_0, ui.txtMaster_1, ui.txtMaster_2, ui.txtMaster_3, ui.txtMaster_4})
-        master->clear(); // announce to nobody
-    ui.cmbBotType->setCurrentIndex(1);
-    ui.chkAutoSelectBots->setChecked(true); // a random set of bots per map
     ui.txtRandomBots->setText("3");
 
     ui.MapList->clearSelection();
@@ -157,7 +173,6 @@ void Operator::launch(bool freeGameButton) {
         ui.cmdAddSelMap->click();
     chooseMap(ui, "oa_dm2", "30", "70");
     chooseMap(ui, "oa_dm1", "25", "60");
-    ui.txtNetIP->setText("127.0.0.1");
     ui.txtNetPort->setText(QString::number(port));
     if (beforeStart)
         beforeStart(ui);
@@ -174,7 +189,7 @@ class TestLaunchWindow : public QObject {
     Q_OBJECT
 private slots:
     void init();
-    void operatorLaunchesTwoServers();
+    void operatorLaunchesTheServer();
     void serverWindowSteersTheServer();
     void profilesRunSideBySide();
     void serverOnAnotherHost();
@@ -188,13 +203,12 @@ void TestLaunchWindow::init() {
         QSKIP(qPrintable(QStringLiteral("dedicated server not installed: ") + missing));
 }
 
-void TestLaunchWindow::operatorLaunchesTwoServers() {
+void TestLaunchWindow::operatorLaunchesTheServer() {
     Operator op;
     op.launch();
     if (QTest::currentTestFailed())
         return;
     MainWindow& window = *op.window;
-    test::TestPlatform& platform = op.platform;
     const quint16 port = op.port;
     StartedServers& started = op.started;
     const QSet<QString>&firstBots = op.firstBots, &secondBots = op.secondBots;
@@ -229,28 +243,6 @@ void TestLaunchWindow::operatorLaunchesTwoServers() {
     QCOMPARE(asSet(status->playerNames()), secondBots);
     const auto refused = rcon(port, "wrong", "vstr nextmap");
     QVERIFY(refused && refused->contains("Bad rconpassword"));
-
-    // A second server while the first runs: the question, then another port.
-    const quint16 second = freeUdpPort();
-    QVERIFY(second != port);
-    op.ui().txtNetPort->setText(QString::number(second));
-    platform.messages.answers = {MsgAnswer::Yes};
-    op.ui().cmdStart->click();
-    QCOMPARE(test::onlyMessage(platform.messages),
-             test::message("Duplicate Server Confirmation",
-                           "A server has already been launched, do you want to start another "
-                           "server?\r\rThis will require that you enter another Port Number on "
-                           "the advanced tab.\rIf no port is specified, the next available port "
-                           "will be used by default.",
-                           MsgButtons::YesNo, MsgIcon::Information));
-    QVERIFY(window.launch().ServerTaskID != started.tasks.first());
-    started.tasks << window.launch().ServerTaskID;
-    status = waitForStatus(
-        second, [](const ServerStatus& st) { return st.info.value("mapname") == "oa_dm1"; }, 60s,
-        lives);
-    QVERIFY2(status, "the second server does not answer");
-    QCOMPARE(status->info.value("sv_hostname"), QStringLiteral("Halvane window e2e"));
-    QVERIFY(getStatus(port)); // and the first still does
 
     started.stop();
     for (qint64 task : started.tasks)
@@ -306,7 +298,7 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
 
     const qint64 first = pid();
     ui.cmdStop->click();
-    QTRY_VERIFY_WITH_TIMEOUT(row(State).endsWith("(stopped)"), 30000);
+    QTRY_VERIFY_WITH_TIMEOUT(row(State).endsWith("(stopped, exit 0)"), 30000);
     QCOMPARE(op.processes.startTimeOf(first), 0);
     QVERIFY(!ui.cmdNextMap->isEnabled() && row(Map).isEmpty());
     ui.cmdRestart->click();
@@ -315,8 +307,12 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
 
     ui.chkMonitor->click();
     const qint64 killed = pid();
-    QCOMPARE(::kill(pid_t(killed), SIGKILL), 0);
+    const pid_t game = gameOf(killed); // the engine turns a SIGSEGV into an exit
+    QVERIFY(game > 0);
+    QCOMPARE(::kill(game, SIGKILL), 0);
     QTRY_VERIFY_WITH_TIMEOUT(pid() != killed && row(State) == "running", 60000);
+    QVERIFY2(ui.cmbRun->itemText(1).endsWith("(ended without a Stop, signal SIGKILL)"),
+             qPrintable(ui.cmbRun->itemText(1)));
     QVERIFY2(ui.lblMonitor->text().startsWith("Restarted 1 time, last at "),
              qPrintable(ui.lblMonitor->text()));
 
@@ -336,31 +332,15 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
 // next map and bots come from its own rotation, not from the later launch.
 void TestLaunchWindow::profilesRunSideBySide() {
     Operator op;
-    QVERIFY(buildGameFolder(op.game).isEmpty());
+    op.open(false, "oa_dm1\r\noa_dm2\r\noa_dm3\r\noa_dm4\r\n");
+    if (QTest::currentTestFailed())
+        return;
     test::TestPlatform& platform = op.platform;
-    platform.writeFile(platform.programFolder() + "/maplist.txt",
-                       "oa_dm1\r\noa_dm2\r\noa_dm3\r\noa_dm4\r\n");
-    platform.writeFile(platform.programFolder() + "/botlist.txt",
-                       "Sarge\r\nMajor\r\nGrism\r\nKyonshi\r\nGargoyle\r\n");
-    platform.dialogs.choices = {{true, op.game + "/quake3.exe", "quake3.exe"}};
-    op.openHalvane();
-    op.window->pathDialog().form().cmdBrowse->click();
-    op.window->pathDialog().form().cmdOkay->click();
     ProfileCommands& profiles = op.window->profiles();
     profiles.setStore(ProfileStore(platform.root() + "/profiles"));
     FakePrompts prompts;
     profiles.setPrompts(prompts);
-
     MainForm& ui = op.ui();
-    for (QLineEdit* master :
-         {ui.txtMaster_0, ui.txtMaster_1, ui.txtMaster_2, ui.txtMaster_3, ui.txtMaster_4})
-        master->clear();
-    ui.cmbServerType->setCurrentIndex(2);
-    ui.txtHunkMegs->setText("32");
-    ui.chkStartState->setChecked(false);
-    ui.txtNetIP->setText("127.0.0.1");
-    ui.cmbBotType->setCurrentIndex(1);
-    ui.chkAutoSelectBots->setChecked(true);
     quint16 second = freeUdpPort();
     while (second == op.port)
         second = freeUdpPort();
@@ -387,13 +367,21 @@ void TestLaunchWindow::profilesRunSideBySide() {
         prompts.answers = {side.name};
         op.window->findChild<QAction*>("mnuProfileSave")->trigger();
     }
+    // The first from the menu, the second from the server window's list.
+    op.window->findChild<QAction*>("mnuServerStatus")->trigger();
+    Ui::frmServer& list = op.window->servers().serverWindow().form();
     for (Side& side : sides) {
         prompts.answers = {side.name};
-        op.window->findChild<QAction*>("mnuProfileLaunch")->trigger();
+        list.cmbProfile->setCurrentText(side.name);
+        if (side.name == "A")
+            op.window->findChild<QAction*>("mnuProfileLaunch")->trigger();
+        else
+            list.cmdLaunchProfile->click();
         QVERIFY2(platform.messages.shown.isEmpty(),
                  qPrintable(test::onlyMessage(platform.messages)));
         const LaunchRecord& record = op.window->servers().manager().servers().value(0).record;
         QCOMPARE(record.profile, side.name);
+        QCOMPARE(list.lstServers->currentItem()->text(7), side.name); // its Profile column
         const QDir servers(platform.root() + "/state/servers");
         const QStringList own = servers.entryList({side.name + "-*"}, QDir::Dirs);
         QCOMPARE(own.size(), 1);
@@ -402,6 +390,10 @@ void TestLaunchWindow::profilesRunSideBySide() {
         op.started.tasks << side.pid;
     }
     QVERIFY(!QFileInfo::exists(op.game + "/baseq3/halvane.cfg"));
+    list.cmbProfile->setCurrentText("A"); // its port taken: asked first, a No launches nothing
+    list.cmdLaunchProfile->click();
+    QVERIFY(test::onlyMessage(platform.messages).contains("already uses port"));
+    QCOMPARE(op.window->servers().manager().servers().size(), 2);
 
     for (const Side& side : sides) {
         const auto lives = [&] { return StartedServers::alive(side.pid); };
@@ -604,7 +596,8 @@ void TestLaunchWindow::restartsKeepTheirServer() {
     QSet<qint64> hung;
     const auto hangEach = [&] {
         const LaunchRecord now = record(first);
-        if (now.running() && !hung.contains(now.pid) && ::kill(pid_t(now.pid), SIGSTOP) == 0)
+        const pid_t game = now.running() ? gameOf(now.pid) : 0;
+        if (game > 0 && !hung.contains(now.pid) && ::kill(game, SIGSTOP) == 0)
             hung.insert(now.pid);
         return !now.running();
     };
@@ -624,6 +617,17 @@ void TestLaunchWindow::restartsKeepTheirServer() {
         "Could not start the server again: the game folder " + op.game + " does not exist any more";
     QVERIFY2(ui.lblProblem->text().split('\n').contains(gone), qPrintable(ui.lblProblem->text()));
     QVERIFY(!record(first).running());
+    QVERIFY(QDir().rename(op.game + "-gone", op.game)); // back, but a script of the copy gone
+    const QString scripts = record(first).scripts;
+    QVERIFY(QFile::remove(scripts + "/baseq3/halvane.cfg"));
+    ui.cmdRestart->click();
+    QVERIFY2(ui.lblProblem->text().contains("the copy of the scripts it was launched with, " +
+                                            scripts + ", is incomplete: " + scripts +
+                                            "/baseq3/halvane.cfg is missing"),
+             qPrintable(ui.lblProblem->text()));
+    QVERIFY(!record(first).running() && getStatus(opened));
+    ui.cmdRemove->click(); // its scripts go with it, the other's stay
+    QVERIFY(!QFileInfo::exists(scripts) && QFileInfo::exists(record(second).scripts));
     ui.cmdClose->click();
     QVERIFY(!window.isVisible());
     op.window->findChild<QAction*>("mnuServerStatus")->trigger();
