@@ -8,7 +8,9 @@
 #include "ui/MainForm.h"
 
 #include <QFocusEvent>
+#include <QHash>
 #include <QKeyEvent>
+#include <QSet>
 #include <cmath>
 
 namespace halvane {
@@ -78,8 +80,20 @@ const QStringList& Validation::numericBoxes() {
 
 void Validation::installGuards() {
     QWidget* window = ui.SSTab1->window();
+    // The window's boxes by name in one pass, not one search of the whole
+    // window per name; a name two boxes share is searched for as before.
+    QHash<QString, QLineEdit*> boxes;
+    QSet<QString> shared;
+    for (QLineEdit* box : window->findChildren<QLineEdit*>()) {
+        if (boxes.contains(box->objectName()))
+            shared.insert(box->objectName());
+        else
+            boxes.insert(box->objectName(), box);
+    }
     for (const QString& name : numericBoxes()) {
-        if (auto* box = window->findChild<QLineEdit*>(name)) {
+        QLineEdit* box =
+            shared.contains(name) ? window->findChild<QLineEdit*>(name) : boxes.value(name);
+        if (box) {
             box->installEventFilter(this);
             m_numeric.append(box);
             // Typing is filtered key by key; a paste, a drop or the context
