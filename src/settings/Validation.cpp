@@ -80,15 +80,21 @@ const QStringList& Validation::numericBoxes() {
 
 void Validation::installGuards() {
     QWidget* window = ui.SSTab1->window();
-    // The window's boxes by name in one pass, not one search of the whole
-    // window per name; a name two boxes share is searched for as before.
+    // The boxes found in one pass over the window, not one search of the
+    // whole window per name; a name two boxes share is searched for as
+    // before.
     QHash<QString, QLineEdit*> boxes;
+    for (const QString& name : numericBoxes())
+        boxes.insert(name, nullptr);
     QSet<QString> shared;
     for (QLineEdit* box : window->findChildren<QLineEdit*>()) {
-        if (boxes.contains(box->objectName()))
-            shared.insert(box->objectName());
+        const auto found = boxes.find(box->objectName());
+        if (found == boxes.end())
+            continue;
+        if (*found)
+            shared.insert(found.key());
         else
-            boxes.insert(box->objectName(), box);
+            *found = box;
     }
     for (const QString& name : numericBoxes()) {
         QLineEdit* box =
