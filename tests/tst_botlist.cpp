@@ -36,13 +36,21 @@ const QString ReadError =
     message("Halvane", "Error reading botlist.txt", MsgButtons::Ok, MsgIcon::None);
 } // namespace
 
+// The random bots and the most players when leaving the box; whether that is warned about.
+const std::tuple<const char*, QString, QString, bool> Leavings[] = {
+    {"as many as players", "8", "8", false},
+    {"numbers, not texts, compared", "10", "9", true},
+    {"no number", "", "8", false},
+    {"players not a number", "1", "", true},
+};
+
 class TestBotList : public QObject {
     Q_OBJECT
 private slots:
     void fileRules_data();
     void fileRules();
     void countCaptionTipTeamSkillAndRefresh();
-    void leavingRandomBots_data();
+    void leavingRandomBots_data() { addRows(Leavings); }
     void leavingRandomBots();
 };
 
@@ -125,23 +133,8 @@ void TestBotList::countCaptionTipTeamSkillAndRefresh() {
                                                        MsgButtons::Ok, MsgIcon::Information));
 }
 
-void TestBotList::leavingRandomBots_data() {
-    QTest::addColumn<QString>("randomBots");
-    QTest::addColumn<QString>("maxPlayers");
-    QTest::addColumn<bool>("warned");
-    const auto row = [](const char* name, const char* bots, const char* players, bool warned) {
-        QTest::newRow(name) << QString(bots) << QString(players) << warned;
-    };
-    row("as many as players", "8", "8", false);
-    row("numbers, not texts, compared", "10", "9", true);
-    row("no number", "", "8", false);
-    row("players not a number", "1", "", true);
-}
-
 void TestBotList::leavingRandomBots() {
-    QFETCH(QString, randomBots);
-    QFETCH(QString, maxPlayers);
-    QFETCH(bool, warned);
+    const auto& [row, randomBots, maxPlayers, warned] = fetchRow(Leavings);
     Window w(nullptr);
     w.platform.messages.clear();
     w.ui().txtMaxPlayers->setText(maxPlayers);

@@ -50,11 +50,19 @@ const std::tuple<const char*, QString, QString, QString, bool, bool> Installs[] 
     {"system prefix", "/usr/bin", "/usr/share/halvane", "/usr/share", false, true},
 };
 
+// What is missing below the test folder; "" for a location already stored.
+const std::tuple<const char*, const char*> Missing[] = {
+    {"location already stored", ""},
+    {"no engine", "/usr/lib/ioquake3/ioq3ded"},
+    {"no archives", "/usr/share/baseoa"},
+    {"no game code", "/usr/lib/openarena-server/qagamex86_64.so"},
+};
+
 class DesktopTest : public QObject {
     Q_OBJECT
 private slots:
     void firstRunPreparesTheFreeGame();
-    void firstRunStoresNothing_data();
+    void firstRunStoresNothing_data() { addRows(Missing); }
     void firstRunStoresNothing();
     void firstRunKeepsTheOperatorsRotation();
     void programFolderOfEveryInstall_data() { addRows(Installs); }
@@ -93,16 +101,8 @@ void DesktopTest::firstRunPreparesTheFreeGame() {
              QByteArray("oa_dm1\r\noa_dm2\r\noa_dm10\r\n"));
 }
 
-void DesktopTest::firstRunStoresNothing_data() {
-    QTest::addColumn<QString>("missing"); // below the test folder; "" for a stored location
-    QTest::newRow("location already stored") << "";
-    QTest::newRow("no engine") << "/usr/lib/ioquake3/ioq3ded";
-    QTest::newRow("no archives") << "/usr/share/baseoa";
-    QTest::newRow("no game code") << "/usr/lib/openarena-server/qagamex86_64.so";
-}
-
 void DesktopTest::firstRunStoresNothing() {
-    QFETCH(QString, missing);
+    const QString missing = std::get<1>(fetchRow(Missing));
     TestPlatform platform;
     const FreeGameSources sources = fakeFreeGame(platform);
     if (missing.isEmpty())

@@ -381,14 +381,10 @@ void MapSelectionTest::pictureChoice_data() {
     QTest::newRow("default picture in maps beside Maps")
         << QStringList{"p:maps/DEFAULT.jpg", "p:Maps/other.jpg"} << int(PreviewSource::Jpeg)
         << "p:maps/DEFAULT.jpg";
-    QTest::newRow("nothing") << QStringList{"p:Maps/other.jpg"} << int(PreviewSource::None) << "";
     // The game finds archive members whatever the letter case.
     QTest::newRow("archived jpeg before the default picture")
         << QStringList{"g:baseq3/pak0.pk3|LevelShots/Q3DM1.JPG", "p:Maps/DEFAULT.jpg"}
         << int(PreviewSource::Jpeg) << "g:baseq3/pak0.pk3|LevelShots/Q3DM1.JPG";
-    QTest::newRow("archived targa")
-        << QStringList{"g:baseoa/pak0.pk3|levelshots/q3dm1.tga"} << int(PreviewSource::Targa)
-        << "g:baseoa/pak0.pk3|levelshots/q3dm1.tga";
     QTest::newRow("loose level shot before the archives")
         << QStringList{"g:baseq3/levelshots/q3dm1.tga", "g:baseq3/pak0.pk3|levelshots/q3dm1.jpg"}
         << int(PreviewSource::Targa) << "g:baseq3/levelshots/q3dm1.tga";

@@ -71,13 +71,21 @@ struct Fixture {
 
 } // namespace
 
+// Whether the CD box is checked, and whether the stored letter cannot be read.
+const std::tuple<const char*, bool, bool> CdDrives[] = {
+    {"checked", true, false},
+    {"unchecked keeps the letter", false, false},
+    {"unreadable, checked", true, true},
+    {"unreadable, unchecked", false, true},
+};
+
 class ParameterMemoryTest : public QObject {
     Q_OBJECT
 private slots:
     void loadingSkipsEmptyLinesAndNeverReadsTheEleventh();
     void saving_data();
     void saving();
-    void cdDriveLoading_data();
+    void cdDriveLoading_data() { addRows(CdDrives); }
     void cdDriveLoading();
 };
 
@@ -133,18 +141,8 @@ void ParameterMemoryTest::saving() {
     QCOMPARE(f.combo.currentText(), text);
 }
 
-void ParameterMemoryTest::cdDriveLoading_data() {
-    QTest::addColumn<bool>("checked");
-    QTest::addColumn<bool>("broken"); // the stored letter cannot be read
-    QTest::newRow("checked") << true << false;
-    QTest::newRow("unchecked keeps the letter") << false << false;
-    QTest::newRow("unreadable, checked") << true << true;
-    QTest::newRow("unreadable, unchecked") << false << true;
-}
-
 void ParameterMemoryTest::cdDriveLoading() {
-    QFETCH(bool, checked);
-    QFETCH(bool, broken);
+    const auto& [name, checked, broken] = fetchRow(CdDrives);
     Fixture f;
     f.platform.ini->write("Advanced", "CDLetter", "E:");
     BrokenStore brokenStore(*f.platform.ini);

@@ -25,27 +25,27 @@ const std::tuple<const char*, const char*, MsgAnswer, const char*> Choices[] = {
     {"another server program as chosen", "usr/bin/q3ded", MsgAnswer::No, "usr/bin"},
 };
 
+// The location stored: folder/executable below the test folder.
+const std::tuple<const char*, const char*> Stored[] = {
+    {"first run", ""},
+    {"stored valid", "game/quake3.exe"},
+    {"executable name missing", "game/"},
+    {"folder without quake3.exe", "empty/quake3.exe"},
+    {"folder gone", "gone/quake3.exe"},
+};
+
 class PathDialogTest : public QObject {
     Q_OBJECT
 private slots:
-    void startUp_data();
+    void startUp_data() { addRows(Stored); }
     void startUp();
     void browseThenOkayStoresLocationAndMenuReopens();
     void choiceLastsToTheNextStart_data() { addRows(Choices); }
     void choiceLastsToTheNextStart();
 };
 
-void PathDialogTest::startUp_data() {
-    QTest::addColumn<QString>("stored"); // folder/executable below the test folder
-    QTest::newRow("first run") << "";
-    QTest::newRow("stored valid") << "game/quake3.exe";
-    QTest::newRow("executable name missing") << "game/";
-    QTest::newRow("folder without quake3.exe") << "empty/quake3.exe";
-    QTest::newRow("folder gone") << "gone/quake3.exe";
-}
-
 void PathDialogTest::startUp() {
-    QFETCH(QString, stored);
+    const QString stored = std::get<1>(fetchRow(Stored));
     const bool asks = stored != "game/quake3.exe";
     TestPlatform platform;
     platform.makeGameFolder();

@@ -37,12 +37,31 @@ struct Loaded : WindowFixture {
 
 } // namespace
 
+// A stored Section/Key=value, what the next save writes for it (or ""), and the step's
+// message ("" for none).
+const std::tuple<const char*, QString, QString, QString> Stored[] = {
+    {"game type 4 is CTF", "General/GameType=4", "General/GameType=3", ""},
+    {"minimize true", "Options/StartMin=true", "Options/StartMin=True", ""},
+    {"minimize 0", "Options/StartMin=0", "Options/StartMin=False", ""},
+    {"empty master", "Options/Master0=", "Options/Master0=", ""},
+    // A refused selector takes its default entry, so the next save heals the store.
+    {"game type 7", "General/GameType=7", "General/GameType=0", "Error setting Game Type to  7"},
+    {"game type text", "General/GameType=ffa", "", "Error setting console password"},
+    {"tab 9", "Settings/LastTab=9", "", "Error setting last tab"},
+    {"bot selection", "Bots/Selected3=yes", "", "Error setting Bot Properties"},
+    {"check box 2", "Options/AllowVoting=2", "", "Error setting Vote checkbox"},
+    {"server type 5", "Options/ServerType=5", "Options/ServerType=2",
+     "Error setting server type value"},
+    {"status bar", "Settings/StatusBar=maybe", "", "Error setting status bar visibility"},
+    {"minimize text", "Options/StartMin=often", "", "Error setting Shutdown options"},
+};
+
 class SettingsTest : public QObject {
     Q_OBJECT
 private slots:
     void emptyStoreSavesEveryDefaultUntilARefusal();
     void saveThenLoadReproducesEveryValue();
-    void storedValueLoads_data();
+    void storedValueLoads_data() { addRows(Stored); }
     void storedValueLoads();
     void enablingRules_data();
     void enablingRules();
@@ -113,34 +132,8 @@ void SettingsTest::saveThenLoadReproducesEveryValue() {
     QCOMPARE(run.save(), saved);
 }
 
-void SettingsTest::storedValueLoads_data() {
-    QTest::addColumn<QString>("stored"); // Section/Key=value
-    QTest::addColumn<QString>("saved");  // what the next save writes for it, or ""
-    QTest::addColumn<QString>("error");  // the step's message, or "" for none
-    const auto row = [](const char* name, const char* stored, const char* saved,
-                        const char* error) {
-        QTest::newRow(name) << QString(stored) << QString(saved) << QString(error);
-    };
-    row("game type 4 is CTF", "General/GameType=4", "General/GameType=3", "");
-    row("minimize true", "Options/StartMin=true", "Options/StartMin=True", "");
-    row("minimize 0", "Options/StartMin=0", "Options/StartMin=False", "");
-    row("empty master", "Options/Master0=", "Options/Master0=", "");
-    // A refused selector takes its default entry, so the next save heals the store.
-    row("game type 7", "General/GameType=7", "General/GameType=0", "Error setting Game Type to  7");
-    row("game type text", "General/GameType=ffa", "", "Error setting console password");
-    row("tab 9", "Settings/LastTab=9", "", "Error setting last tab");
-    row("bot selection", "Bots/Selected3=yes", "", "Error setting Bot Properties");
-    row("check box 2", "Options/AllowVoting=2", "", "Error setting Vote checkbox");
-    row("server type 5", "Options/ServerType=5", "Options/ServerType=2",
-        "Error setting server type value");
-    row("status bar", "Settings/StatusBar=maybe", "", "Error setting status bar visibility");
-    row("minimize text", "Options/StartMin=often", "", "Error setting Shutdown options");
-}
-
 void SettingsTest::storedValueLoads() {
-    QFETCH(QString, stored);
-    QFETCH(QString, saved);
-    QFETCH(QString, error);
+    const auto& [row, stored, saved, error] = fetchRow(Stored);
     Loaded run(5, {stored, "Bots/Team 3=1", "Advanced/LogName=srv.log"});
     const QString notice = "\r\rYou may continue, but please notify Brask of this error.";
     QCOMPARE(onlyMessage(run.platform.messages),

@@ -15,14 +15,47 @@
 using namespace halvane;
 using namespace halvane::test;
 
+const QString SiteLine =
+    QStringLiteral("Visit the Halvane website at ") + AppInfo::productSiteAddress();
+// A control and its tip ("" for its own tip, not the window's).
+const std::tuple<const char*, QString, QString> ExactTips[] = {
+    {"two blanks", "btnEditBotList",
+     "Opens the bot list in Notepad.  Be sure to [ Refresh ] the list if you make any changes."},
+    {"backslash", "chkCheating",
+     "This starts each map with the devmap command, allowing clients to cheat by using "
+     "commands such as \\give all to instantly obtain all weapons, etc."},
+    {"shared row, box", "txtNetIP",
+     "Optional - If you are on a multi-homed server and the default IP is not what you want to "
+     "use for your Quake 3 server, this IP address will need to be used instead"},
+    {"spelling kept", "txtServerPW",
+     "This password will be required (by the specified number of clients) to connect to your "
+     "server.  See the FAQ on the Halvane webiste for more details."},
+    {"button", "cmdStart", "Starts the game server with all the selected options"},
+    {"label sharing its box's tip", "Label1", "Enter the name of your server"},
+    {"list", "MapList", "Select the maps you want to use on your server"},
+    {"master box", "txtMaster_3", ""},
+    {"check box", "chkVote",
+     "Allows players to call for and vote on changes including: map, map restart, kick, and "
+     "g_gametype"},
+    {"window's empty area", "centralwidget", SiteLine},
+    {"tab control", "SSTab1", SiteLine},
+    {"picture", "Image1", AppInfo::trademarkNotice()},
+    {"master frame", "Frame1",
+     "Enter additional master servers that you wish to report to - only available if you "
+     "select \"dedicated server\" for the server type on the general tab"},
+};
+
+const std::tuple<const char*> Boxes[] = {
+    {"txtServerName"}, {"txtMaster_4"}, {"txtMapFragLimit"}, {"txtHunkMegs"}};
+
 class TipsTest : public QObject {
     Q_OBJECT
 private slots:
     void initTestCase();
-    void exactTexts_data();
+    void exactTexts_data() { addRows(ExactTips); }
     void exactTexts();
     void builtTips();
-    void focusSelectsWholeText_data();
+    void focusSelectsWholeText_data() { addRows(Boxes); }
     void focusSelectsWholeText();
 
 private:
@@ -31,8 +64,6 @@ private:
 };
 
 namespace {
-const QString SiteLine =
-    QStringLiteral("Visit the Halvane website at ") + AppInfo::productSiteAddress();
 
 // Makes a control reachable: its tab and bot panel shown, it and its frames
 // usable whatever the interlocks said.
@@ -75,41 +106,8 @@ QString TipsTest::tipAfterMove(QWidget* widget) {
     return m_fixture->window->form().txtTip->text();
 }
 
-void TipsTest::exactTexts_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<QString>("expected");
-    const auto row = [](const char* name, const char* control, const QString& tip) {
-        QTest::newRow(name) << QString(control) << tip;
-    };
-    row("two blanks", "btnEditBotList",
-        "Opens the bot list in Notepad.  Be sure to [ Refresh ] the list if you make any changes.");
-    row("backslash", "chkCheating",
-        "This starts each map with the devmap command, allowing clients to cheat by using "
-        "commands such as \\give all to instantly obtain all weapons, etc.");
-    row("shared row, box", "txtNetIP",
-        "Optional - If you are on a multi-homed server and the default IP is not what you want to "
-        "use for your Quake 3 server, this IP address will need to be used instead");
-    row("spelling kept", "txtServerPW",
-        "This password will be required (by the specified number of clients) to connect to your "
-        "server.  See the FAQ on the Halvane webiste for more details.");
-    row("button", "cmdStart", "Starts the game server with all the selected options");
-    row("label sharing its box's tip", "Label1", "Enter the name of your server");
-    row("list", "MapList", "Select the maps you want to use on your server");
-    row("master box", "txtMaster_3", "");
-    row("check box", "chkVote",
-        "Allows players to call for and vote on changes including: map, map restart, kick, and "
-        "g_gametype");
-    row("window's empty area", "centralwidget", SiteLine);
-    row("tab control", "SSTab1", SiteLine);
-    row("picture", "Image1", AppInfo::trademarkNotice());
-    row("master frame", "Frame1",
-        "Enter additional master servers that you wish to report to - only available if you "
-        "select \"dedicated server\" for the server type on the general tab");
-}
-
 void TipsTest::exactTexts() {
-    QFETCH(QString, name);
-    QFETCH(QString, expected);
+    const auto& [row, name, expected] = fetchRow(ExactTips);
     QWidget* widget = m_fixture->window->findChild<QWidget*>(name);
     QVERIFY(widget);
     reach(widget); // a disabled control gets no mouse movement
@@ -156,14 +154,8 @@ void TipsTest::builtTips() {
     ui.lblVersion->setText(AppInfo::versionCaption());
 }
 
-void TipsTest::focusSelectsWholeText_data() {
-    QTest::addColumn<QString>("name");
-    for (const char* name : {"txtServerName", "txtMaster_4", "txtMapFragLimit", "txtHunkMegs"})
-        QTest::newRow(name) << QString(name);
-}
-
 void TipsTest::focusSelectsWholeText() {
-    QFETCH(QString, name);
+    const char* name = std::get<0>(fetchRow(Boxes));
     auto* box = m_fixture->window->findChild<QLineEdit*>(name);
     QVERIFY(box);
     QApplication::setActiveWindow(m_fixture->window.get());

@@ -93,7 +93,7 @@ void store(SettingsStore& settings, const QString& entries, QChar separator = ';
 class TestCommandLine : public QObject {
     Q_OBJECT
 private slots:
-    void writeConfigIsTheWindows_data();
+    void writeConfigIsTheWindows_data() { test::addRows(test::Branches); }
     void writeConfigIsTheWindows();
     void refusals_data();
     void refusals();
@@ -102,10 +102,6 @@ private slots:
     void exportOnAFullDisk();
     void commandsOnAProfile();
 };
-
-void TestCommandLine::writeConfigIsTheWindows_data() {
-    test::addRows(test::Branches);
-}
 
 // "Create halvane.cfg" in a window just started against write-config on the
 // same stored settings, each case of the configuration writer's with the
