@@ -76,6 +76,12 @@ QSet<QString> addedBots(const QString& path) {
     return asSet(names);
 }
 
+// The server window's columns, and a column of the row chosen in it.
+enum Column { Name, Address, Map, Type, Players, Uptime, State };
+QString chosen(const Ui::frmServer& ui, int column) {
+    return ui.lstServers->currentItem() ? ui.lstServers->currentItem()->text(column) : "";
+}
+
 void chooseMap(MainForm& ui, const QString& name, const QString& time, const QString& frag) {
     const qsizetype row = test::entries(ui.SelMap).indexOf(name);
     QVERIFY2(row >= 0, qPrintable(name));
@@ -265,17 +271,9 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
     ServerWindow& window = op.window->servers().serverWindow();
     QVERIFY(window.isVisible() && !window.isModal());
     Ui::frmServer& ui = window.form();
-    const auto row = [&](int column) {
-        return ui.lstServers->currentItem() ? ui.lstServers->currentItem()->text(column) : "";
-    };
-    const auto players = [&] {
-        QStringList names;
-        for (int i = 0; i < ui.lstPlayers->topLevelItemCount(); ++i)
-            names << ui.lstPlayers->topLevelItem(i)->text(0);
-        return asSet(names);
-    };
+    const auto row = [&](int column) { return chosen(ui, column); };
+    const auto players = [&] { return asSet(test::entries(ui.lstPlayers)); };
     const auto pid = [&] { return op.window->servers().manager().servers().value(0).record.pid; };
-    enum { Name, Address, Map, Type, Players, Uptime, State };
 
     QTRY_VERIFY_WITH_TIMEOUT(row(Map) == "oa_dm1" && players() == firstBots, 60000);
     QCOMPARE(row(Name), QStringLiteral("Halvane window e2e"));
@@ -501,12 +499,10 @@ void TestLaunchWindow::serverOnAnotherHost() {
     dialog->form().txtAddPort->setText("27960");
     dialog->form().txtAddPassword->setText("e2e-far");
     dialog->form().btnAddServer->button(QDialogButtonBox::Ok)->click();
-    const auto row = [&](int column) {
-        return ui.lstServers->currentItem() ? ui.lstServers->currentItem()->text(column) : "";
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(row(2) == "oa_dm1", 60000);
-    QCOMPARE(row(0), QStringLiteral("Far e2e"));
-    QCOMPARE(row(1), host.farAddress + ":27960");
+    const auto row = [&](int column) { return chosen(ui, column); };
+    QTRY_VERIFY_WITH_TIMEOUT(row(Map) == "oa_dm1", 60000);
+    QCOMPARE(row(Name), QStringLiteral("Far e2e"));
+    QCOMPARE(row(Address), host.farAddress + ":27960");
     QVERIFY(!ui.cmdStop->isEnabled() && !ui.cmdRestart->isEnabled());
 
     ui.cmbCommand->setEditText("status");
@@ -516,7 +512,7 @@ void TestLaunchWindow::serverOnAnotherHost() {
     ui.cmbCommand->setEditText("set nextmap \"map oa_dm2\"");
     ui.cmdSend->click();
     ui.cmdNextMap->click();
-    QTRY_VERIFY2_WITH_TIMEOUT(row(2) == "oa_dm2",
+    QTRY_VERIFY2_WITH_TIMEOUT(row(Map) == "oa_dm2",
                               qPrintable(ui.txtConsole->toPlainText().right(600)), 60000);
     // Listed, with its status, without the window.
     const QList<ServerEntry> listed = listServers(*platform.app, 5000);
@@ -537,7 +533,6 @@ void TestLaunchWindow::restartsKeepTheirServer() {
     ServerWindow& window = op.window->servers().serverWindow();
     ServerManager& manager = op.window->servers().manager();
     Ui::frmServer& ui = window.form();
-    enum { Name, Address, Map, Type, Players, Uptime, State };
     const QString first = manager.servers().value(0).record.id;
     const auto record = [&](const QString& id) { return manager.find(id)->record; };
     const auto row = [&](const QString& id, int column) {
