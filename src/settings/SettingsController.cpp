@@ -44,18 +44,22 @@ QObject* SettingsController::holder(const OptionKey& option) const {
     if (m_window.objectName() == name)
         return &m_window;
     if (m_holders.isEmpty()) {
+        // Every option's control found in one pass over the window.
+        for (const OptionKey& key : optionCatalogue())
+            m_holders.insert(QString::fromLatin1(key.holder), nullptr);
+        m_holders.insert(name, nullptr);
         QSet<QString> shared;
         for (QObject* object : m_window.findChildren<QObject*>()) {
-            const QString objectName = object->objectName();
-            if (objectName.isEmpty() || shared.contains(objectName))
+            const auto found = m_holders.find(object->objectName());
+            if (found == m_holders.end())
                 continue;
-            if (m_holders.contains(objectName)) {
-                m_holders.remove(objectName);
-                shared.insert(objectName);
-            } else {
-                m_holders.insert(objectName, object);
-            }
+            if (*found)
+                shared.insert(found.key());
+            else
+                *found = object;
         }
+        for (const QString& sharedName : std::as_const(shared))
+            m_holders.remove(sharedName);
     }
     if (QObject* object = m_holders.value(name))
         return object;
