@@ -40,12 +40,46 @@ const std::tuple<const char*, const char*, const char*> SaveAsTargets[] = {
     {"another script", "g:baseq3/server.cfg", ""},
 };
 
+// "Save config file As" or "Create halvane.cfg"; the fault ("", "invalid", "write fails",
+// "cancel", "split"...); the answer to the success question; the message, "<target>" for the
+// file written.
+const QString Created = message("Success!",
+                                "halvane.cfg has been created in your baseq3 folder, would you "
+                                "like to view it now?",
+                                MsgButtons::YesNo, MsgIcon::Question);
+const QString SavedAs =
+    message("Success!", "<target> was created successfully!\r\rwould you like to view it now?",
+            MsgButtons::YesNo, MsgIcon::Question);
+QString warning(const char* text) {
+    return message("Warning!", text, MsgButtons::Ok, MsgIcon::Critical);
+}
+const MsgAnswer Yes = MsgAnswer::Yes, No = MsgAnswer::No;
+const std::tuple<const char*, bool, const char*, MsgAnswer, QString> Commands[] = {
+    {"create, view it", false, "", Yes, Created},
+    {"create, don't view", false, "", No, Created},
+    {"create, validation refuses", false, "invalid", No, warning("Server name is required")},
+    {"create, write fails", false, "write fails", No,
+     warning("An error occured while creating the config file.")},
+    // Saving elsewhere neither validates nor stores: refused values stay.
+    {"save as, view it", true, "invalid", Yes, SavedAs},
+    {"save as, don't view", true, "", No, SavedAs},
+    {"save as, write fails", true, "write fails", No,
+     warning("An error occured while creating <target>")},
+    {"save as, cancelled", true, "cancel", No, "0 messages"},
+    // ...but a value the game would split is refused before a file is chosen; the command line
+    // is not part of the file.
+    {"save as, name the game would split", true, "split", No,
+     warning("Server Name cannot hold a double quote (\"): the game would read the rest as "
+             "another command.")},
+    {"save as, command-line value not checked", true, "split command line", No, SavedAs},
+};
+
 class ConfigCommandsTest : public QObject {
     Q_OBJECT
 private slots:
     void init();
     void cleanup();
-    void commands_data();
+    void commands_data() { addRows(Commands); }
     void commands();
     void editButton();
     void saveAsRefusesFilesInUse_data() { addRows(SaveAsTargets); }
@@ -88,50 +122,9 @@ void ConfigCommandsTest::cleanup() {
     f.reset();
 }
 
-void ConfigCommandsTest::commands_data() {
-    QTest::addColumn<bool>("saveAs");      // "Save config file As" or "Create halvane.cfg"
-    QTest::addColumn<QString>("fault");    // "", "invalid", "write fails", "cancel"
-    QTest::addColumn<MsgAnswer>("answer"); // to the success question
-    QTest::addColumn<QString>("told");     // the message, "<target>" for the file written
-    const QString created = message("Success!",
-                                    "halvane.cfg has been created in your baseq3 folder, would "
-                                    "you like to view it now?",
-                                    MsgButtons::YesNo, MsgIcon::Question);
-    const QString savedAs =
-        message("Success!", "<target> was created successfully!\r\rwould you like to view it now?",
-                MsgButtons::YesNo, MsgIcon::Question);
-    const auto warning = [](const char* text) {
-        return message("Warning!", text, MsgButtons::Ok, MsgIcon::Critical);
-    };
-    const MsgAnswer yes = MsgAnswer::Yes, no = MsgAnswer::No;
-    QTest::newRow("create, view it") << false << "" << yes << created;
-    QTest::newRow("create, don't view") << false << "" << no << created;
-    QTest::newRow("create, validation refuses")
-        << false << "invalid" << no << warning("Server name is required");
-    QTest::newRow("create, write fails")
-        << false << "write fails" << no
-        << warning("An error occured while creating the config file.");
-    // Saving elsewhere neither validates nor stores: refused values stay.
-    QTest::newRow("save as, view it") << true << "invalid" << yes << savedAs;
-    QTest::newRow("save as, don't view") << true << "" << no << savedAs;
-    QTest::newRow("save as, write fails")
-        << true << "write fails" << no << warning("An error occured while creating <target>");
-    QTest::newRow("save as, cancelled") << true << "cancel" << no << QString("0 messages");
-    // ...but a value the game would split is refused before a file is chosen;
-    // the command line is not part of the file.
-    QTest::newRow("save as, name the game would split")
-        << true << "split" << no
-        << warning("Server Name cannot hold a double quote (\"): the game would read the rest as "
-                   "another command.");
-    QTest::newRow("save as, command-line value not checked")
-        << true << "split command line" << no << savedAs;
-}
-
 void ConfigCommandsTest::commands() {
-    QFETCH(bool, saveAs);
-    QFETCH(QString, fault);
-    QFETCH(MsgAnswer, answer);
-    QFETCH(QString, told);
+    const auto& [name, saveAs, faultName, answer, told] = fetchRow(Commands);
+    const QString fault = faultName;                   // the writer below takes it
     const bool stored = !saveAs && fault != "invalid"; // settings stored: validation passed
     const QString target = saveAs ? f->platform.root() + "/elsewhere/my server.cfg"
                                   : f->platform.gameFolder() + "/baseq3/halvane.cfg";

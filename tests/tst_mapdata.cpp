@@ -23,16 +23,15 @@ struct Fixture {
     MapDiscovery discovery{catalogue, *platform.app, nullptr};
     QStringList shown; // header|status at every pause
     int loads = 0;
-    bool searchAtStartup = false;
 
     Fixture() {
         platform.makeGameFolder();
-        discovery.pause = [this] {
+        discovery.setPacing({0, 0});
+        QObject::connect(&discovery, &MapDiscovery::lineShown, [this] {
             shown.append(discovery.searchWindow().header() + '|' +
                          discovery.searchWindow().status());
-        };
-        discovery.LoadMaps = [this] { ++loads; };
-        discovery.searchAtStartup = [this] { return searchAtStartup; };
+        });
+        QObject::connect(&discovery, &MapDiscovery::searchEnded, [this] { ++loads; });
     }
     QString baseq3() const { return platform.gameFolder() + "/baseq3"; }
     void known(const QStringList& files) {
@@ -231,12 +230,10 @@ void MapDataTest::archiveSearch() {
                          "maps/c\nquit\n.bsp", "maps/q\";sets inj_map 1;\".bsp",
                          "maps/two words.bsp"}));
     f.platform.writeFile(f.baseq3() + "/notes.txt", "not an archive");
-    const auto record = f.discovery.pause;
-    f.discovery.pause = [&] {
-        record();
+    QObject::connect(&f.discovery, &MapDiscovery::lineShown, [&] {
         if (f.discovery.searchWindow().status() == cancelAt)
             f.discovery.searchWindow().findChild<QPushButton*>("cmdCancel")->click();
-    };
+    });
 
     f.discovery.searchArchives();
 

@@ -31,6 +31,10 @@ struct Window : WindowFixture {
     MapCatalogue& catalogue() { return maps().catalogue(); }
     QString dataPath() const { return platform.programFolder() + "/maps.dat"; }
     MapRecord record(int n) { return catalogue().snapshot().record(n); }
+    // SelMap's entries, its frame's title and the map shown.
+    QStringList selection() {
+        return entries(ui().SelMap) << ui().Frame15->title() << ui().lblMapFilename->text();
+    }
 };
 
 const QByteArray FiveSelected = "m1\r\nm2\r\nm3\r\nm4\r\nm5\r\n";
@@ -123,6 +127,38 @@ const std::tuple<const char*, QString, QString, QString> Choices[] = {
     {"another map chosen while the editor is open", "a1 edit a3 okay", "m4", "m4"},
 };
 
+// Picture files, "p:" in the program folder, "g:" in the game folder and
+// "archive|member" a member of an archive; the kind and file chosen for q3dm1.
+const std::tuple<const char*, QStringList, PreviewSource::Kind, QString> Pictures[] = {
+    {"thumbnail jpeg first",
+     {"p:Maps/q3dm1.tga", "p:Maps/q3dm1.jpg", "g:baseq3/levelshots/q3dm1.jpg"},
+     PreviewSource::Jpeg,
+     "p:Maps/q3dm1.jpg"},
+    {"level shot in other letter case",
+     {"g:baseq3/LevelShots/Q3DM1.TGA", "p:Maps/DEFAULT.jpg"},
+     PreviewSource::Targa,
+     "g:baseq3/LevelShots/Q3DM1.TGA"},
+    {"default picture in maps beside Maps",
+     {"p:maps/DEFAULT.jpg", "p:Maps/other.jpg"},
+     PreviewSource::Jpeg,
+     "p:maps/DEFAULT.jpg"},
+    // The game finds archive members whatever the letter case.
+    {"archived jpeg before the default picture",
+     {"g:baseq3/pak0.pk3|LevelShots/Q3DM1.JPG", "p:Maps/DEFAULT.jpg"},
+     PreviewSource::Jpeg,
+     "g:baseq3/pak0.pk3|LevelShots/Q3DM1.JPG"},
+    {"loose level shot before the archives",
+     {"g:baseq3/levelshots/q3dm1.tga", "g:baseq3/pak0.pk3|levelshots/q3dm1.jpg"},
+     PreviewSource::Targa,
+     "g:baseq3/levelshots/q3dm1.tga"},
+    // Letters compare as capitals, so "_" sorts after them; baseq3 before baseoa.
+    {"the archive the game searches first",
+     {"g:baseq3/pak_x.pk3|levelshots/q3dm1.jpg", "g:baseq3/PAKZ.pk3|levelshots/q3dm1.jpg",
+      "g:baseq3/paka.pk3|levelshots/q3dm1.jpg", "g:baseoa/zz.pk3|levelshots/q3dm1.jpg"},
+     PreviewSource::Jpeg,
+     "g:baseq3/pak_x.pk3|levelshots/q3dm1.jpg"},
+};
+
 class MapSelectionTest : public QObject {
     Q_OBJECT
 private slots:
@@ -141,7 +177,7 @@ private slots:
     void chooseEditAndDelete_data() { addRows(Choices); }
     void chooseEditAndDelete();
     void gameTypeSuggestion();
-    void pictureChoice_data();
+    void pictureChoice_data() { addRows(Pictures); }
     void pictureChoice();
     void picturesInTheWindow();
 };
@@ -150,9 +186,8 @@ void MapSelectionTest::selectionFileRoundTrip() {
     const QString wide = QString(200, ' ') + "q3dm1";
     Window w({"q3dm1", "q3dm2"},
              "// q3dm2\r\n\r\n   \r\n  Q3DM2 \r\nunknown\r\n" + wide.toLatin1() + "\nq3dm2");
-    QCOMPARE(entries(w.ui().SelMap), QStringList({"  Q3DM2 ", wide, "q3dm2"}));
-    QCOMPARE(w.ui().Frame15->title(), QStringLiteral("3 Maps Selected"));
-    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("q3dm2")); // the first one is shown
+    // The first one is shown.
+    QCOMPARE(w.selection(), QStringList({"  Q3DM2 ", wide, "q3dm2", "3 Maps Selected", "q3dm2"}));
     w.window->close();
     QCOMPARE(readAll(w.platform.programFolder() + "/mapsel.txt"),
              "  Q3DM2 \r\n" + wide.toLatin1() + "\r\nq3dm2\r\n");
@@ -171,7 +206,7 @@ void MapSelectionTest::missingMapsMarked() {
         else
             w.platform.writeFile(path, "IBSP");
     }
-    w.maps().discovery().pause = [] {};
+    w.maps().discovery().setPacing({0, 0});
     w.ui().cmdSearchMaps->click();
     w.maps().gameFiles().finish();
     QStringList found;
@@ -204,9 +239,8 @@ void MapSelectionTest::addInsertsAfterTheHighlightedSelection() {
     QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("m2"));
     w.ui().mnuMapList->close();
     w.ui().cmdAddSelMap->click();
-    QCOMPARE(entries(w.ui().SelMap), QStringList({"m1", "m2", "mc", "mb", "ma", "m3", "m4", "m5"}));
-    QCOMPARE(w.ui().Frame15->title(), QStringLiteral("8 Maps Selected"));
-    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("mc"));
+    QCOMPARE(w.selection(), QStringList({"m1", "m2", "mc", "mb", "ma", "m3", "m4", "m5",
+                                         "8 Maps Selected", "mc"}));
     // Without a highlighted selected map, a double click appends in list order.
     w.ui().SelMap->clearSelection();
     clickEntry(w.ui().MapList, 1, Qt::ControlModifier);
@@ -348,11 +382,11 @@ void MapSelectionTest::chooseEditAndDelete() {
     QTest::mouseClick(w.ui().cmdAddMaps, Qt::LeftButton);
     QTest::keyClicks(editor.form().txtFileName, "newmap_with_a_long_name");
     QTest::mouseClick(editor.form().Command2, Qt::LeftButton);
-    QVERIFY(!editor.isVisible() && w.window->isVisible());
-    QCOMPARE(w.platform.messages.shown.size(), 0);
-    QCOMPARE(w.record(5).get(MapField::DisplayName), QStringLiteral("newmap_with_a_long_n"));
-    QCOMPARE(w.ui().lblMapFilename->text(), QStringLiteral("newmap_with_a_long_n"));
-    QCOMPARE(entries(w.ui().MapList).size(), 4);
+    QVERIFY(!editor.isVisible() && w.window->isVisible() && w.platform.messages.shown.isEmpty());
+    QCOMPARE(std::tuple(w.record(5).get(MapField::DisplayName), w.ui().lblMapFilename->text(),
+                        entries(w.ui().MapList).size()),
+             std::tuple(QStringLiteral("newmap_with_a_long_n"),
+                        QStringLiteral("newmap_with_a_long_n"), qsizetype(4)));
 }
 
 void MapSelectionTest::gameTypeSuggestion() {
@@ -367,40 +401,8 @@ void MapSelectionTest::gameTypeSuggestion() {
     QCOMPARE(entries(w.ui().SelMap), QStringList({"q3tourney1", "q3tourney2"}));
 }
 
-void MapSelectionTest::pictureChoice_data() {
-    // "p:" program folder, "g:" game folder; "archive|member" a member of an archive.
-    QTest::addColumn<QStringList>("files");
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<QString>("chosen");
-    QTest::newRow("thumbnail jpeg first")
-        << QStringList{"p:Maps/q3dm1.tga", "p:Maps/q3dm1.jpg", "g:baseq3/levelshots/q3dm1.jpg"}
-        << int(PreviewSource::Jpeg) << "p:Maps/q3dm1.jpg";
-    QTest::newRow("level shot in other letter case")
-        << QStringList{"g:baseq3/LevelShots/Q3DM1.TGA", "p:Maps/DEFAULT.jpg"}
-        << int(PreviewSource::Targa) << "g:baseq3/LevelShots/Q3DM1.TGA";
-    QTest::newRow("default picture in maps beside Maps")
-        << QStringList{"p:maps/DEFAULT.jpg", "p:Maps/other.jpg"} << int(PreviewSource::Jpeg)
-        << "p:maps/DEFAULT.jpg";
-    // The game finds archive members whatever the letter case.
-    QTest::newRow("archived jpeg before the default picture")
-        << QStringList{"g:baseq3/pak0.pk3|LevelShots/Q3DM1.JPG", "p:Maps/DEFAULT.jpg"}
-        << int(PreviewSource::Jpeg) << "g:baseq3/pak0.pk3|LevelShots/Q3DM1.JPG";
-    QTest::newRow("loose level shot before the archives")
-        << QStringList{"g:baseq3/levelshots/q3dm1.tga", "g:baseq3/pak0.pk3|levelshots/q3dm1.jpg"}
-        << int(PreviewSource::Targa) << "g:baseq3/levelshots/q3dm1.tga";
-    // Letters compare as capitals, so "_" sorts after them; baseq3 before baseoa.
-    QTest::newRow("the archive the game searches first")
-        << QStringList{"g:baseq3/pak_x.pk3|levelshots/q3dm1.jpg",
-                       "g:baseq3/PAKZ.pk3|levelshots/q3dm1.jpg",
-                       "g:baseq3/paka.pk3|levelshots/q3dm1.jpg",
-                       "g:baseoa/zz.pk3|levelshots/q3dm1.jpg"}
-        << int(PreviewSource::Jpeg) << "g:baseq3/pak_x.pk3|levelshots/q3dm1.jpg";
-}
-
 void MapSelectionTest::pictureChoice() {
-    QFETCH(QStringList, files);
-    QFETCH(int, kind);
-    QFETCH(QString, chosen);
+    const auto& [name, files, kind, chosen] = fetchRow(Pictures);
     TestPlatform platform;
     platform.makeGameFolder();
     auto place = [&](const QString& file) {
@@ -416,10 +418,9 @@ void MapSelectionTest::pictureChoice() {
     const GameFiles listed = GameFiles::list(platform.gameFolder());
     const PreviewSource source =
         findPreview(platform.programFolder(), platform.gameFolder(), " q3dm1 ", &listed);
-    QCOMPARE(int(source.kind), kind);
-    QCOMPARE(source.path, chosen.isEmpty() ? QString() : place(chosen.section('|', 0, 0)));
-    QCOMPARE(QString(source.member), chosen.section('|', 1));
-    QCOMPARE(source.content, QByteArray(chosen.contains('|') ? "IBSP" : ""));
+    QCOMPARE(std::tuple(source.kind, source.path, QString(source.member), source.content),
+             std::tuple(kind, place(chosen.section('|', 0, 0)), chosen.section('|', 1),
+                        QByteArray(chosen.contains('|') ? "IBSP" : "")));
 }
 
 void MapSelectionTest::picturesInTheWindow() {

@@ -53,13 +53,17 @@ const std::tuple<const char*, Qt::KeyboardModifiers, bool> Clicks[] = {
     {"Shift+Ctrl", Qt::ShiftModifier | Qt::ControlModifier, false},
 };
 
+const std::tuple<const char*, int> HelpPages[] = {{"general.htm", 0},  {"bots.htm", 1},
+                                                  {"maps.htm", 2},     {"options.htm", 3},
+                                                  {"advanced.htm", 4}, {"about.htm", 5}};
+
 class MenusTest : public QObject {
     Q_OBJECT
 private slots:
     void shortcutReachesItsAction_data() { addRows(Shortcuts); }
     void shortcutReachesItsAction();
     void editingKeysStayWithTextBoxes();
-    void f1OpensTheHelpOfTheTabShown_data();
+    void f1OpensTheHelpOfTheTabShown_data() { addRows(HelpPages); }
     void f1OpensTheHelpOfTheTabShown();
     void links_data() { addRows(Links); }
     void links();
@@ -103,18 +107,8 @@ void MenusTest::editingKeysStayWithTextBoxes() {
     QCOMPARE(f.ui().txtServerName->selectedText(), QStringLiteral("My server"));
 }
 
-void MenusTest::f1OpensTheHelpOfTheTabShown_data() {
-    QTest::addColumn<int>("tab");
-    QTest::addColumn<QString>("page");
-    const char* pages[] = {"general.htm", "bots.htm",     "maps.htm",
-                           "options.htm", "advanced.htm", "about.htm"};
-    for (int tab = 0; tab < 6; ++tab)
-        QTest::newRow(pages[tab]) << tab << QString(pages[tab]);
-}
-
 void MenusTest::f1OpensTheHelpOfTheTabShown() {
-    QFETCH(int, tab);
-    QFETCH(QString, page);
+    const auto& [page, tab] = fetchRow(HelpPages);
     Fixture f;
     f.ui().SSTab1->setCurrentIndex(tab);
     f.ui().SSTab1->tabBar()->setFocus();

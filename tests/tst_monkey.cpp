@@ -116,8 +116,9 @@ std::unique_ptr<MainWindow> startWindow(TestPlatform& platform, Prompts& prompts
     auto window = std::make_unique<MainWindow>(*platform.app);
     window->profiles().setStore(ProfileStore(platform.root() + "/profiles"));
     window->profiles().setPrompts(prompts);
-    window->maps().selection().openPopup = [](const QPoint&) {};
-    window->maps().discovery().pause = [] { QCoreApplication::processEvents(); };
+    QObject::disconnect(&window->maps().selection(), &MapSelection::mapListMenuRequested, nullptr,
+                        nullptr); // the menu's items are triggered, not the popup opened
+    window->maps().discovery().setPacing({0, 0});
     window->showMainWindow();
     return window;
 }

@@ -71,6 +71,17 @@ struct Fixture {
 
 } // namespace
 
+// Parameter0.. before, what the operator launches with, Parameter0.. afterwards and the list
+// offered after reloading.
+const std::tuple<const char*, QStringList, QString, QStringList, QStringList> Savings[] = {
+    {"equal to Parameter4: nothing moves", lines(0, 9), "+set line 4", lines(0, 9), lines(0, 9)},
+    {"letter case counts", {"abc"}, "ABC", {"ABC", "abc"}, {"ABC", "abc"}},
+    {"ten lines and a new one: the oldest goes to Parameter10", lines(0, 9), "newest",
+     QStringList{"newest"} + lines(0, 9), QStringList{"newest"} + lines(0, 8)},
+    {"gaps close up when shifting", {"a", "", "c"}, "new", {"new", "a", "c"}, {"new", "a", "c"}},
+    {"blanks only change nothing", {"a", "b"}, "   ", {"a", "b"}, {"a", "b"}},
+};
+
 // Whether the CD box is checked, and whether the stored letter cannot be read.
 const std::tuple<const char*, bool, bool> CdDrives[] = {
     {"checked", true, false},
@@ -83,7 +94,7 @@ class ParameterMemoryTest : public QObject {
     Q_OBJECT
 private slots:
     void loadingSkipsEmptyLinesAndNeverReadsTheEleventh();
-    void saving_data();
+    void saving_data() { addRows(Savings); }
     void saving();
     void cdDriveLoading_data() { addRows(CdDrives); }
     void cdDriveLoading();
@@ -98,29 +109,10 @@ void ParameterMemoryTest::loadingSkipsEmptyLinesAndNeverReadsTheEleventh() {
     QCOMPARE(f.combo.currentText(), QStringLiteral("typed last time"));
 }
 
-void ParameterMemoryTest::saving_data() {
-    QTest::addColumn<QStringList>("stored");      // Parameter0.. before
-    QTest::addColumn<QString>("text");            // what the operator launches with
-    QTest::addColumn<QStringList>("afterwards");  // Parameter0..10 afterwards, "" when empty
-    QTest::addColumn<QStringList>("offeredNext"); // the list after reloading
-    const auto row = [](const char* name, const QStringList& stored, const char* text,
-                        QStringList afterwards, const QStringList& offered) {
-        afterwards.resize(11);
-        QTest::newRow(name) << stored << QString(text) << afterwards << offered;
-    };
-    row("equal to Parameter4: nothing moves", lines(0, 9), "+set line 4", lines(0, 9), lines(0, 9));
-    row("letter case counts", {"abc"}, "ABC", {"ABC", "abc"}, {"ABC", "abc"});
-    row("ten lines and a new one: the oldest goes to Parameter10", lines(0, 9), "newest",
-        QStringList{"newest"} + lines(0, 9), QStringList{"newest"} + lines(0, 8));
-    row("gaps close up when shifting", {"a", "", "c"}, "new", {"new", "a", "c"}, {"new", "a", "c"});
-    row("blanks only change nothing", {"a", "b"}, "   ", {"a", "b"}, {"a", "b"});
-}
-
 void ParameterMemoryTest::saving() {
-    QFETCH(QStringList, stored);
-    QFETCH(QString, text);
-    QFETCH(QStringList, afterwards);
-    QFETCH(QStringList, offeredNext);
+    const auto& [name, stored, text, after, offeredNext] = fetchRow(Savings);
+    QStringList afterwards = after; // Parameter0..10, "" when empty
+    afterwards.resize(11);
 
     Fixture f;
     f.store(stored, "old line");

@@ -78,27 +78,27 @@ bool isMapListEntry(const QString& line) {
 
 MapDiscovery::MapDiscovery(MapCatalogue& catalogue, AppContext& app, QWidget* owner)
     : m_catalogue(catalogue), m_app(app), m_window(std::make_unique<MapSearchWindow>(owner)) {
-    pause = [this] { holdLine(); };
-    QObject::connect(m_window.get(), &MapSearchWindow::cancelRequested,
-                     [this] { m_cancelled = true; });
+    connect(m_window.get(), &MapSearchWindow::cancelRequested, this,
+            [this] { m_cancelled = true; });
 }
 
 MapDiscovery::~MapDiscovery() = default;
 
 // Each line stays up for an equal share of the search's pacing budget, at
-// most LineHoldMs, so that a few lines can be read and thousands still end
+// most its line hold, so that a few lines can be read and thousands still end
 // within the budget. The time goes idle in an event loop: the window repaints
 // and Cancel answers meanwhile, and no processor is kept busy.
-void MapDiscovery::holdLine() {
+void MapDiscovery::pause() {
     repaint();
+    emit lineShown();
     if (m_lines <= 0) {
         m_lines = int(pakMaps.size()) + 2; // "Getting Map Names...", the entries, "Done"
         m_linesShown = 0;
-        m_pacing.start();
+        m_paceClock.start();
     }
     ++m_linesShown;
-    const double hold = qMin<double>(LineHoldMs, double(PacingBudgetMs) / m_lines);
-    const qint64 remaining = qint64(hold * m_linesShown) - m_pacing.elapsed();
+    const double hold = qMin<double>(m_pace.lineHoldMs, double(m_pace.budgetMs) / m_lines);
+    const qint64 remaining = qint64(hold * m_linesShown) - m_paceClock.elapsed();
     if (remaining <= 0)
         return;
     QEventLoop idle;
@@ -110,10 +110,10 @@ void MapDiscovery::repaint() {
     QCoreApplication::processEvents();
 }
 
-void MapDiscovery::GetMapsFromBaseDir() {
+void MapDiscovery::GetMapsFromBaseDir(bool searchArchivesToo) {
     m_catalogue.DefaultRules = readDefaultRules(m_app.platform.store);
     m_atStartup = true;
-    if (searchAtStartup && searchAtStartup())
+    if (searchArchivesToo)
         searchArchives();
     if (!findLooseMaps() || !importMapList())
         m_catalogue.CurrentMapRecord = -1;
@@ -338,8 +338,7 @@ void MapDiscovery::searchArchives() {
     pause();
     m_window->close();
 
-    if (LoadMaps)
-        LoadMaps();
+    emit searchEnded();
     m_app.platform.desktop.setBusy(false);
     m_searching = false;
     if (!m_atStartup) {

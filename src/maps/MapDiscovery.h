@@ -5,7 +5,6 @@
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QStringList>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -42,33 +41,38 @@ private:
 // Finds maps the catalogue does not know yet: loose .bsp files in the game's
 // maps folder, maps inside the .pk3 archives of baseq3, and the names of an
 // import list beside the program. New maps get the default rules.
-class MapDiscovery {
+class MapDiscovery : public QObject {
+    Q_OBJECT
 public:
     MapDiscovery(MapCatalogue& catalogue, AppContext& app, QWidget* owner);
-    ~MapDiscovery();
+    ~MapDiscovery() override;
 
-    // Start-up discovery: defaults, the archive search when asked for, the
-    // loose maps, the import list.
-    void GetMapsFromBaseDir();
-    // The search of the game's archives, ending with a reload of the lists.
+    // Start-up discovery: defaults, the archive search when the operator
+    // asked for it (searchArchivesToo), the loose maps, the import list.
+    void GetMapsFromBaseDir(bool searchArchivesToo = false);
+    // The search of the game's archives, ending with searchEnded.
     void searchArchives();
 
-    // Whether start-up searches the archives too (the menu item's mark).
-    std::function<bool()> searchAtStartup;
-    // Refills the map lists.
-    std::function<void()> LoadMaps;
-    // Lets the progress window repaint and holds the line shown long enough
-    // to read it; tests make it record or do nothing.
-    std::function<void()> pause;
-
-    // How long one search may hold its lines in all, and one line at most.
-    static constexpr int PacingBudgetMs = 1000;
-    static constexpr int LineHoldMs = 30;
+    // How long the progress window holds its lines, so that they can be
+    // read: one search in all, and one line at most. A budget of 0 holds
+    // none; the window still repaints at each line.
+    struct Pacing {
+        int budgetMs = 1000;
+        int lineHoldMs = 30;
+    };
+    void setPacing(Pacing pacing) { m_pace = pacing; }
 
     MapSearchWindow& searchWindow() { return *m_window; }
     // The map files found in archives by the last search, and the archives.
     QStringList pakMaps;
     QStringList pakList;
+
+signals:
+    // A line of the progress window is up (header and status).
+    void lineShown();
+    // The archive search is over, with what it added in the catalogue: the
+    // map lists are to be filled anew.
+    void searchEnded();
 
 private:
     bool findLooseMaps();
@@ -90,7 +94,8 @@ private:
     // not added; one notice after the search tells how many.
     bool leftOut(const MapRecord& record, const QString& found);
     void reportLeftOut();
-    void holdLine();
+    // Repaints the progress window and holds its line as the pacing says.
+    void pause();
 
     MapCatalogue& m_catalogue;
     AppContext& m_app;
@@ -100,8 +105,9 @@ private:
     QStringList m_cutNames;
     QStringList m_leftOut;
     bool m_cancelled = false;
+    Pacing m_pace;
     // Pacing of the search under way: the lines it will show, the ones shown.
-    QElapsedTimer m_pacing;
+    QElapsedTimer m_paceClock;
     int m_lines = 0;
     int m_linesShown = 0;
 };

@@ -5,8 +5,8 @@
 #include "maps/MapCatalogue.h"
 #include "maps/MapNameList.h"
 #include "maps/MapSelection.h"
-#include "ui/MainForm.h"
 #include "ui_frmMap.h"
+#include "ui_frmMaps.h"
 
 namespace halvane {
 
@@ -15,9 +15,9 @@ const QString AddCaption = QStringLiteral("Add a Map");
 const QString EditCaption = QStringLiteral("Edit Map");
 } // namespace
 
-MapEditor::MapEditor(QWidget* owner, MainForm& main, MapCatalogue& catalogue, AppContext& app,
+MapEditor::MapEditor(QWidget* owner, Ui::frmMaps& page, MapCatalogue& catalogue, AppContext& app,
                      MapSelection& selection)
-    : QDialog(owner), ui(std::make_unique<Ui::frmMap>()), main(main), m_catalogue(catalogue),
+    : QDialog(owner), ui(std::make_unique<Ui::frmMap>()), page(page), m_catalogue(catalogue),
       m_app(app), m_selection(selection) {
     ui->setupUi(this);
     setModal(false);
@@ -129,7 +129,7 @@ void MapEditor::AddNewMap() {
     }
     m_selection.available().append({file});
     m_selection.highlightMapList(m_selection.available().count() - 1);
-    main.MapList->setFocus();
+    page.MapList->setFocus();
     close();
 }
 
@@ -155,14 +155,14 @@ void MapEditor::UpdateMap() {
         return;
     }
     if (m_editRecord == m_catalogue.CurrentMapRecord) {
-        main.lblMap->setText(name);
-        main.lblMapFilename->setText(file);
+        page.lblMap->setText(name);
+        page.lblMapFilename->setText(file);
     }
     // The entry takes its new name where it stands. The highlight, the
     // current entry and the shown map stay where the operator left them
     // while the editor was open, so they still name the same map.
     m_selection.available().rename(ui->lblIndexNum->text().toInt(), file);
-    main.MapList->setFocus();
+    page.MapList->setFocus();
     close();
 }
 
@@ -172,7 +172,7 @@ void MapEditor::deleteMap() {
                            QStringLiteral("Maps should only be deleted if they no longer are "
                                           "installed on your system.\r\rAre you sure you want to "
                                           "delete the map \"") +
-                               main.lblMap->text() + QStringLiteral("\"?"),
+                               page.lblMap->text() + QStringLiteral("\"?"),
                            MsgIcon::Question))
         return;
     const int focused = m_selection.availableCurrentRow();
@@ -181,8 +181,8 @@ void MapEditor::deleteMap() {
     if (n == -1) {
         messages.tell(QStringLiteral("Halvane"), QStringLiteral("No map selected"), MsgIcon::None);
     } else if (m_catalogue.deleteRecord(n)) {
-        main.lblMap->clear();
-        main.lblMapFilename->clear();
+        page.lblMap->clear();
+        page.lblMapFilename->clear();
         m_catalogue.CurrentMapRecord = -1;
     } else {
         messages.tell(QStringLiteral("Warning"),

@@ -5,11 +5,11 @@
 
 namespace Ui {
 class frmMap;
+class frmMaps;
 } // namespace Ui
 
 namespace halvane {
 
-struct MainForm;
 struct AppContext;
 class MapCatalogue;
 class MapSelection;
@@ -20,7 +20,7 @@ class MapSelection;
 class MapEditor : public QDialog {
     Q_OBJECT
 public:
-    MapEditor(QWidget* owner, MainForm& main, MapCatalogue& catalogue, AppContext& app,
+    MapEditor(QWidget* owner, Ui::frmMaps& page, MapCatalogue& catalogue, AppContext& app,
               MapSelection& selection);
     ~MapEditor() override;
 
@@ -44,7 +44,7 @@ public:
 
 private:
     std::unique_ptr<Ui::frmMap> ui;
-    MainForm& main;
+    Ui::frmMaps& page;
     MapCatalogue& m_catalogue;
     AppContext& m_app;
     MapSelection& m_selection;

@@ -5,7 +5,7 @@
 #include "maps/GameFiles.h"
 #include "maps/MapRecord.h"
 #include "maps/WhenShown.h"
-#include "ui/MainForm.h"
+#include "ui_frmMaps.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
@@ -149,7 +149,7 @@ PreviewPicture loadPreview(const QString& programFolder, const QString& gameFold
     return {};
 }
 
-MapPreview::MapPreview(MainForm& ui, AppContext& app, const GameFiles& archives)
+MapPreview::MapPreview(Ui::frmMaps& ui, AppContext& app, const GameFiles& archives)
     : ui(ui), m_app(app), m_archives(archives),
       m_whenShown(std::make_unique<WhenShown>(*ui.stkMapPicture)) {
     m_reader.setMaxThreadCount(1);

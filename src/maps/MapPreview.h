@@ -9,9 +9,12 @@
 
 class QIODevice;
 
+namespace Ui {
+class frmMaps;
+}
+
 namespace halvane {
 
-struct MainForm;
 struct AppContext;
 class GameFiles;
 class WhenShown;
@@ -62,7 +65,7 @@ PreviewPicture loadPreview(const QString& programFolder, const QString& gameFold
 class MapPreview {
 public:
     // Pictures in the game's archives are found through archives.
-    MapPreview(MainForm& ui, AppContext& app, const GameFiles& archives);
+    MapPreview(Ui::frmMaps& ui, AppContext& app, const GameFiles& archives);
     ~MapPreview();
 
     void showPreview(const QString& entry);
@@ -83,7 +86,7 @@ private:
     void drawTarga(const QImage& picture);
     void showEmpty();
 
-    MainForm& ui;
+    Ui::frmMaps& ui;
     AppContext& m_app;
     const GameFiles& m_archives;
     QString m_shown;

@@ -2,7 +2,7 @@
 
 #include "app/AppContext.h"
 #include "maps/MapDefaults.h"
-#include "ui/MainForm.h"
+#include "ui_frmMaps.h"
 
 namespace halvane {
 
@@ -10,7 +10,7 @@ namespace {
 const QString FailureTitle = QStringLiteral("Default Settings Not Applied");
 }
 
-MapRulesPanel::MapRulesPanel(MainForm& ui, MapCatalogue& catalogue, AppContext& app)
+MapRulesPanel::MapRulesPanel(Ui::frmMaps& ui, MapCatalogue& catalogue, AppContext& app)
     : ui(ui), m_catalogue(catalogue), m_app(app) {
     ui.txtMapTimeLimit->setMaxLength(3);
     ui.txtMapFragLimit->setMaxLength(3);

@@ -2,16 +2,19 @@
 
 #include "maps/MapCatalogue.h"
 
+namespace Ui {
+class frmMaps;
+}
+
 namespace halvane {
 
-struct MainForm;
 struct AppContext;
 
 // The rules of the shown map in the boxes of the Maps tab, their way back
 // into the map's record, and "Use Settings as Default".
 class MapRulesPanel {
 public:
-    MapRulesPanel(MainForm& ui, MapCatalogue& catalogue, AppContext& app);
+    MapRulesPanel(Ui::frmMaps& ui, MapCatalogue& catalogue, AppContext& app);
 
     // Puts RecordBuffer's fields into the boxes.
     void ShowMap();
@@ -29,7 +32,7 @@ public:
     void cmdDefault();
 
 private:
-    MainForm& ui;
+    Ui::frmMaps& ui;
     MapCatalogue& m_catalogue;
     AppContext& m_app;
 };

@@ -6,7 +6,7 @@
 #include "maps/MapPreview.h"
 #include "maps/MapRulesPanel.h"
 #include "maps/MapSelectionFile.h"
-#include "ui/MainForm.h"
+#include "ui_frmMaps.h"
 
 #include <QListView>
 #include <QMenu>
@@ -47,10 +47,10 @@ QList<int> highlightedRows(const QAbstractItemView& list) {
 }
 } // namespace
 
-MapSelection::MapSelection(MainForm& ui, MapCatalogue& catalogue, AppContext& app,
-                           MapRulesPanel& rules, MapPreview& preview, const GameFiles& gameFiles,
-                           QObject* parent)
-    : QObject(parent), ui(ui), m_catalogue(catalogue), m_app(app), m_rules(rules),
+MapSelection::MapSelection(Ui::frmMaps& ui, const MapListMenu& menu, MapCatalogue& catalogue,
+                           AppContext& app, MapRulesPanel& rules, MapPreview& preview,
+                           const GameFiles& gameFiles, QObject* parent)
+    : QObject(parent), ui(ui), m_menu(menu), m_catalogue(catalogue), m_app(app), m_rules(rules),
       m_preview(preview), m_available(new MapNameList(gameFiles, this)),
       m_selected(new MapNameList(gameFiles, this)) {
     for (auto [list, model] : {std::pair{ui.MapList, m_available}, {ui.SelMap, m_selected}}) {
@@ -91,15 +91,14 @@ MapSelection::MapSelection(MainForm& ui, MapCatalogue& catalogue, AppContext& ap
     connect(ui.cmdMapCtf, &QAbstractButton::clicked, this, &MapSelection::cmdMapCtf);
     connect(ui.cmdMapTourney, &QAbstractButton::clicked, this, &MapSelection::cmdMapTourney);
     connect(ui.cmdRandomize, &QAbstractButton::clicked, this, &MapSelection::cmdRandomize);
-    connect(ui.mnuMapSelect, &QAction::triggered, this, &MapSelection::cmdAddSelMap);
-    connect(ui.mnuMapsSelectAll, &QAction::triggered, this, &MapSelection::cmdMapSelectAll);
+    connect(&menu.selectMaps, &QAction::triggered, this, &MapSelection::cmdAddSelMap);
+    connect(&menu.selectAll, &QAction::triggered, this, &MapSelection::cmdMapSelectAll);
 
-    openPopup = [this](const QPoint& at) { this->ui.mnuMapList->popup(at); };
     ui.MapList->viewport()->installEventFilter(this);
     ui.MapList->setContextMenuPolicy(Qt::CustomContextMenu);
     connect(ui.MapList, &QWidget::customContextMenuRequested, this, [this](const QPoint& at) {
         prepareMapListMenu();
-        openPopup(this->ui.MapList->viewport()->mapToGlobal(at));
+        emit mapListMenuRequested(this->ui.MapList->viewport()->mapToGlobal(at));
     });
 }
 
@@ -264,8 +263,7 @@ void MapSelection::mapListChosen(int row) {
                                  QStringLiteral("Exiting before going the map data becomes "
                                                 "corrupted!"),
                                  MsgIcon::Information);
-    if (closeMainWindow)
-        closeMainWindow();
+    emit closeRequested();
 }
 
 void MapSelection::selMapChosen(int row) {
@@ -275,8 +273,7 @@ void MapSelection::selMapChosen(int row) {
     m_shown = {ui.SelMap, row, m_catalogue.CurrentMapRecord};
     if (shown)
         return;
-    if (closeMainWindow)
-        closeMainWindow();
+    emit closeRequested();
 }
 
 int MapSelection::selHighlighted() const {
@@ -423,13 +420,13 @@ int MapSelection::CountSelectedMaps() const {
 
 void MapSelection::prepareMapListMenu() {
     const int highlighted = CountSelectedMaps();
-    ui.mnuMapEdit->setEnabled(highlighted == 1);
-    ui.mnuMapDelete->setEnabled(highlighted == 1);
-    ui.mnuMapSelect->setEnabled(highlighted > 0);
+    m_menu.editMap.setEnabled(highlighted == 1);
+    m_menu.deleteMap.setEnabled(highlighted == 1);
+    m_menu.selectMaps.setEnabled(highlighted > 0);
     if (highlighted == 1)
-        ui.mnuMapSelect->setText(QStringLiteral("Select this map"));
+        m_menu.selectMaps.setText(QStringLiteral("Select this map"));
     else if (highlighted > 1)
-        ui.mnuMapSelect->setText(QStringLiteral("Select these maps"));
+        m_menu.selectMaps.setText(QStringLiteral("Select these maps"));
 }
 
 void MapSelection::suggestMaps(int gameTypeIndex) {

@@ -1,14 +1,18 @@
 #pragma once
 
+#include "maps/MapListMenu.h"
+
 #include <QObject>
 #include <QStringList>
-#include <functional>
 
 class QAbstractItemView;
 
+namespace Ui {
+class frmMaps;
+}
+
 namespace halvane {
 
-struct MainForm;
 struct AppContext;
 class GameFiles;
 class MapCatalogue;
@@ -24,8 +28,9 @@ class MapRulesPanel;
 class MapSelection : public QObject {
     Q_OBJECT
 public:
-    MapSelection(MainForm& ui, MapCatalogue& catalogue, AppContext& app, MapRulesPanel& rules,
-                 MapPreview& preview, const GameFiles& gameFiles, QObject* parent = nullptr);
+    MapSelection(Ui::frmMaps& ui, const MapListMenu& menu, MapCatalogue& catalogue, AppContext& app,
+                 MapRulesPanel& rules, MapPreview& preview, const GameFiles& gameFiles,
+                 QObject* parent = nullptr);
 
     // Fills both lists from the catalogue and mapsel.txt, sets the captions.
     // readSelectionFile false lists the catalogue only, for a selection that
@@ -70,10 +75,13 @@ public:
     void updateAvailableCaption();
     void updateSelectedCaption();
 
-    // Closes the main window (a listed map vanished from the catalogue).
-    std::function<void()> closeMainWindow;
-    // Runs before the popup menu opens; tests replace the opening itself.
-    std::function<void(const QPoint& globalPosition)> openPopup;
+signals:
+    // A chosen entry names no map of the catalogue any more: the program
+    // closes its main window before the map data gets worse.
+    void closeRequested();
+    // The right button on MapList, once the menu's items are prepared: the
+    // menu is to open here.
+    void mapListMenuRequested(const QPoint& globalPosition);
 
 protected:
     // Keeps the right mouse button off MapList's highlight and current entry.
@@ -93,7 +101,8 @@ private:
     bool showChosen(const QString& entry);
     QString selectionFilePath() const;
 
-    MainForm& ui;
+    Ui::frmMaps& ui;
+    MapListMenu m_menu;
     MapCatalogue& m_catalogue;
     AppContext& m_app;
     MapRulesPanel& m_rules;

@@ -8,29 +8,30 @@
 #include "maps/MapPreview.h"
 #include "maps/MapRulesPanel.h"
 #include "maps/MapSelection.h"
-#include "ui/MainForm.h"
+#include "ui_frmMaps.h"
+
+#include <QMenu>
 
 namespace halvane {
 
-MapsController::MapsController(QWidget& mainWindow, MainForm& ui, AppContext& app,
-                               MapCatalogue& catalogue)
+MapsController::MapsController(QWidget& mainWindow, Ui::frmMaps& ui, const MapListMenu& menu,
+                               AppContext& app, MapCatalogue& catalogue)
     : ui(ui), m_mainWindow(mainWindow), m_app(app), m_catalogue(catalogue),
       m_gameFiles(std::make_unique<GameFileListing>()) {
     const GameFiles& gameFiles = m_gameFiles->files();
     m_rules = std::make_unique<MapRulesPanel>(ui, m_catalogue, app);
     m_preview = std::make_unique<MapPreview>(ui, app, gameFiles);
     m_selection =
-        std::make_unique<MapSelection>(ui, m_catalogue, app, *m_rules, *m_preview, gameFiles);
-    m_selection->closeMainWindow = [this] {
-        if (closeMainWindow)
-            closeMainWindow();
-    };
+        std::make_unique<MapSelection>(ui, menu, m_catalogue, app, *m_rules, *m_preview, gameFiles);
+    connect(m_selection.get(), &MapSelection::closeRequested, this,
+            &MapsController::closeRequested);
+    connect(m_selection.get(), &MapSelection::mapListMenuRequested, &menu.menu,
+            [popup = &menu.menu](const QPoint& at) { popup->popup(at); });
     m_discovery = std::make_unique<MapDiscovery>(m_catalogue, app, &mainWindow);
-    m_discovery->searchAtStartup = [this] { return this->ui.mnuSettingsMapCheck->isChecked(); };
-    m_discovery->LoadMaps = [this] { m_selection->LoadMaps(); };
+    connect(m_discovery.get(), &MapDiscovery::searchEnded, m_selection.get(),
+            [this] { m_selection->LoadMaps(); });
     m_editor = std::make_unique<MapEditor>(&mainWindow, ui, m_catalogue, app, *m_selection);
 
-    ui.mnuSettingsMapCheck->setCheckable(true);
     connect(ui.cmdSearchMaps, &QAbstractButton::clicked, this, [this] {
         m_discovery->searchArchives();
         listGameFiles();
@@ -42,9 +43,9 @@ MapsController::MapsController(QWidget& mainWindow, MainForm& ui, AppContext& ap
     });
     connect(ui.cmdDefault, &QAbstractButton::clicked, this, [this] { m_rules->cmdDefault(); });
     connect(ui.cmdAddMaps, &QAbstractButton::clicked, m_editor.get(), &MapEditor::openForAdding);
-    connect(ui.mnuMapNew, &QAction::triggered, m_editor.get(), &MapEditor::openForAdding);
-    connect(ui.mnuMapEdit, &QAction::triggered, m_editor.get(), &MapEditor::openForEditing);
-    connect(ui.mnuMapDelete, &QAction::triggered, m_editor.get(), &MapEditor::deleteMap);
+    connect(&menu.newMap, &QAction::triggered, m_editor.get(), &MapEditor::openForAdding);
+    connect(&menu.editMap, &QAction::triggered, m_editor.get(), &MapEditor::openForEditing);
+    connect(&menu.deleteMap, &QAction::triggered, m_editor.get(), &MapEditor::deleteMap);
 }
 
 MapsController::~MapsController() = default;
@@ -57,8 +58,8 @@ void MapsController::CheckMapDataFile() {
     m_catalogue.CheckMapDataFile(m_app.platform.messages, AppInfo::supportContact());
 }
 
-void MapsController::GetMapsFromBaseDir() {
-    m_discovery->GetMapsFromBaseDir();
+void MapsController::GetMapsFromBaseDir(bool searchArchives) {
+    m_discovery->GetMapsFromBaseDir(searchArchives);
 }
 
 void MapsController::LoadMaps() {

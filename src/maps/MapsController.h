@@ -1,17 +1,20 @@
 #pragma once
 
 #include "maps/MapCatalogue.h"
+#include "maps/MapListMenu.h"
 
 #include <QObject>
 #include <QStringList>
-#include <functional>
 #include <memory>
 
 class QWidget;
 
+namespace Ui {
+class frmMaps;
+}
+
 namespace halvane {
 
-struct MainForm;
 struct AppContext;
 class GameFileListing;
 class MapDiscovery;
@@ -20,20 +23,23 @@ class MapPreview;
 class MapRulesPanel;
 class MapSelection;
 
-// The Maps tab: the handlers of its lists, rules,
-// editor, search and picture. Other subsystems reach the maps through here.
+// The Maps tab: the handlers of its lists, rules, editor, search and
+// picture, over the Maps page's form and the popup menu of its available
+// list. Other subsystems reach the maps through here.
 class MapsController : public QObject {
     Q_OBJECT
 public:
     // The catalogue is the program's one map catalogue, shared with the
     // script writers, so every part sees the same shown map.
-    MapsController(QWidget& mainWindow, MainForm& ui, AppContext& app, MapCatalogue& catalogue);
+    MapsController(QWidget& mainWindow, Ui::frmMaps& ui, const MapListMenu& menu, AppContext& app,
+                   MapCatalogue& catalogue);
     ~MapsController() override;
 
     // Start-up steps, in the order the main window runs them.
     void showStartupPicture();
     void CheckMapDataFile();
-    void GetMapsFromBaseDir();
+    // searchArchives: the operator asked for the archive search at start-up.
+    void GetMapsFromBaseDir(bool searchArchives);
     void LoadMaps();
     // LoadMaps with these maps chosen in place of mapsel.txt; returns the
     // ones the catalogue does not know, left out.
@@ -67,11 +73,12 @@ public:
     MapEditor& editor() { return *m_editor; }
     GameFileListing& gameFiles() { return *m_gameFiles; }
 
-    // Closes the main window; set by its owner.
-    std::function<void()> closeMainWindow;
+signals:
+    // A listed map vanished from the catalogue: the main window is to close.
+    void closeRequested();
 
 private:
-    MainForm& ui;
+    Ui::frmMaps& ui;
     QWidget& m_mainWindow;
     AppContext& m_app;
     MapCatalogue& m_catalogue;

@@ -50,18 +50,21 @@ QObject* OptionPage::childHolder(const QObject& page, const OptionKey& option) c
     if (name.isEmpty())
         return nullptr;
     if (m_holders.isEmpty()) {
-        QSet<QString>& shared = m_shared;
+        // Only the names of the catalogue's controls are gathered.
+        for (const OptionKey& key : optionCatalogue())
+            m_holders.insert(QString::fromLatin1(key.holder), nullptr);
+        m_holders.insert(name, nullptr);
         for (QObject* object : page.findChildren<QObject*>()) {
-            const QString objectName = object->objectName();
-            if (objectName.isEmpty() || shared.contains(objectName))
+            const auto found = m_holders.find(object->objectName());
+            if (found == m_holders.end())
                 continue;
-            if (m_holders.contains(objectName)) {
-                m_holders.remove(objectName);
-                shared.insert(objectName);
-            } else {
-                m_holders.insert(objectName, object);
-            }
+            if (*found)
+                m_shared.insert(found.key());
+            else
+                *found = object;
         }
+        for (const QString& sharedName : std::as_const(m_shared))
+            m_holders.remove(sharedName);
     }
     if (QObject* object = m_holders.value(name))
         return object;

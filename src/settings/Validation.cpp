@@ -8,7 +8,9 @@
 #include "ui/MainForm.h"
 
 #include <QFocusEvent>
+#include <QHash>
 #include <QKeyEvent>
+#include <QSet>
 #include <cmath>
 
 namespace halvane {
@@ -78,8 +80,26 @@ const QStringList& Validation::numericBoxes() {
 
 void Validation::installGuards() {
     QWidget* window = ui.SSTab1->window();
+    // The boxes found in one pass over the window, not one search of the
+    // whole window per name; a name two boxes share is searched for as
+    // before.
+    QHash<QString, QLineEdit*> boxes;
+    for (const QString& name : numericBoxes())
+        boxes.insert(name, nullptr);
+    QSet<QString> shared;
+    for (QLineEdit* box : window->findChildren<QLineEdit*>()) {
+        const auto found = boxes.find(box->objectName());
+        if (found == boxes.end())
+            continue;
+        if (*found)
+            shared.insert(found.key());
+        else
+            *found = box;
+    }
     for (const QString& name : numericBoxes()) {
-        if (auto* box = window->findChild<QLineEdit*>(name)) {
+        QLineEdit* box =
+            shared.contains(name) ? window->findChild<QLineEdit*>(name) : boxes.value(name);
+        if (box) {
             box->installEventFilter(this);
             m_numeric.append(box);
             // Typing is filtered key by key; a paste, a drop or the context

@@ -8,24 +8,42 @@
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QRegularExpression>
 #include <QTabWidget>
 
 namespace halvane {
 
 namespace {
 QString spoken(QString caption) {
-    // Called for every label and control of the main window at start-up:
-    // the pattern is compiled once, and captions without '&' skip it.
+    // Called for every label and control of the main window at start-up,
+    // so by hand rather than by a pattern that would be compiled first:
+    // an '&' not followed by another marks the access key and goes.
     if (caption.contains(QLatin1Char('&'))) {
-        static const QRegularExpression accessKey(QStringLiteral("&(?!&)"));
-        caption.remove(accessKey);
-        caption.replace(QStringLiteral("&&"), QStringLiteral("&"));
+        QString kept;
+        kept.reserve(caption.size());
+        for (qsizetype i = 0; i < caption.size(); ++i) {
+            const bool accessKey = caption[i] == QLatin1Char('&') &&
+                                   (i + 1 == caption.size() || caption[i + 1] != QLatin1Char('&'));
+            if (!accessKey)
+                kept.append(caption[i]);
+        }
+        caption = kept.replace(QStringLiteral("&&"), QStringLiteral("&"));
     }
     caption = caption.simplified();
     while (caption.endsWith(QLatin1Char(':')) || caption.endsWith(QLatin1Char('-')))
         caption.chop(1);
     return caption.trimmed();
+}
+
+// The index of a control array's member, named "name_index"; -1 for a
+// name without one.
+int arrayIndexOf(const QString& objectName) {
+    qsizetype digits = objectName.size();
+    while (digits > 0 && objectName[digits - 1] >= QLatin1Char('0') &&
+           objectName[digits - 1] <= QLatin1Char('9'))
+        --digits;
+    if (digits == objectName.size() || digits == 0 || objectName[digits - 1] != QLatin1Char('_'))
+        return -1;
+    return objectName.mid(digits).toInt();
 }
 
 // The drop-down list and the edit box of a selector are met by themselves
@@ -136,7 +154,6 @@ void nameControls(QWidget& root) {
         if (buddy && buddy->accessibleName().isEmpty() && !spoken(label->text()).isEmpty())
             buddy->setAccessibleName(spoken(label->text()));
     }
-    static const QRegularExpression arrayIndex(QStringLiteral("_([0-9]+)$"));
     for (QWidget* widget : root.findChildren<QWidget*>()) {
         if (!isInputControl(*widget) || !widget->accessibleName().isEmpty())
             continue;
@@ -151,9 +168,9 @@ void nameControls(QWidget& root) {
                 break;
             }
         }
-        const auto index = arrayIndex.match(widget->objectName());
-        if (!name.isEmpty() && index.hasMatch())
-            name += QLatin1Char(' ') + QString::number(index.captured(1).toInt() + 1);
+        const int index = arrayIndexOf(widget->objectName());
+        if (!name.isEmpty() && index >= 0)
+            name += QLatin1Char(' ') + QString::number(index + 1);
         if (!name.isEmpty())
             widget->setAccessibleName(name);
     }

@@ -27,6 +27,7 @@
 #include "ui/HelpMenu.h"
 #include "ui/ImagePlugins.h"
 #include "ui/MainForm.h"
+#include "ui/MapsPage.h"
 #include "ui/OptionsPage.h"
 #include "ui/ProfileCommands.h"
 #include "ui/StatusPanel.h"
@@ -95,8 +96,12 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
     m_random = std::make_unique<TimeSeededRandom>();
     m_catalogue = std::make_unique<MapCatalogue>(m_app.platform.folder.path(),
                                                  m_app.platform.folder.installed());
-    m_maps = std::make_unique<MapsController>(*this, *ui, m_app, *m_catalogue);
-    m_maps->closeMainWindow = [this] { close(); };
+    m_maps = std::make_unique<MapsController>(*this, ui->tabMaps->form(),
+                                              MapListMenu{*ui->mnuMapList, *ui->mnuMapSelect,
+                                                          *ui->mnuMapNew, *ui->mnuMapEdit,
+                                                          *ui->mnuMapDelete, *ui->mnuMapsSelectAll},
+                                              m_app, *m_catalogue);
+    connect(m_maps.get(), &MapsController::closeRequested, this, &QWidget::close);
     connect(m_interlocks.get(), &OptionInterlocks::gameTypeChosen, m_maps.get(),
             &MapsController::suggestMaps);
     m_bots = std::make_unique<BotsController>(ui->tabBots->form(), *ui->txtMaxPlayers, m_botTables,
@@ -182,7 +187,7 @@ bool MainWindow::loadWithoutWindow() {
         return false;
     // The archive search is the window's, with its progress shown; loose
     // maps and the import list are still taken in as at every start.
-    m_maps->discovery().searchAtStartup = [] { return false; };
+    m_searchArchivesAtStart = false;
     load();
     // On the first tab, as the window shows itself: the tab's frame rules
     // decide what a write takes, so a command writes what the window would
@@ -245,7 +250,7 @@ void MainWindow::load() {
     ui->mnuSettingsMapCheck->setChecked(checkNewMaps.value_or(false));
 
     // 7.
-    m_maps->GetMapsFromBaseDir();
+    m_maps->GetMapsFromBaseDir(m_searchArchivesAtStart && ui->mnuSettingsMapCheck->isChecked());
     // 8.
     m_bots->LoadBotList();
     // 9.

@@ -144,6 +144,9 @@ private:
     bool m_loaded = false;
     bool m_unloaded = false;
     bool m_ended = false;
+    // The archive search of the start-up, when its menu item is checked: the
+    // window's, not a command line's.
+    bool m_searchArchivesAtStart = true;
 };
 
 } // namespace halvane

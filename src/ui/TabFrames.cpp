@@ -1,14 +1,36 @@
 #include "ui/TabFrames.h"
 
+#include <QHash>
+#include <QSet>
 #include <QTabWidget>
 
 namespace halvane {
 
 TabFrames::TabFrames(QTabWidget& tabs, QWidget& window, QObject* parent)
     : QObject(parent), m_tabs(tabs), m_previous(tabs.currentIndex()) {
+    // The frames found in one pass over the window, not one search of the
+    // whole window per frame; a name two widgets share is searched for as
+    // before.
+    QHash<QString, QWidget*> frames;
+    for (int tab = 0; tab < TabCount; ++tab) {
+        for (const QString& name : frameNames(tab))
+            frames.insert(name, nullptr);
+    }
+    QSet<QString> shared;
+    for (QWidget* widget : window.findChildren<QWidget*>()) {
+        const auto found = frames.find(widget->objectName());
+        if (found == frames.end())
+            continue;
+        if (*found)
+            shared.insert(found.key());
+        else
+            *found = widget;
+    }
     for (int tab = 0; tab < TabCount; ++tab) {
         for (const QString& name : frameNames(tab)) {
-            if (auto* frame = window.findChild<QWidget*>(name))
+            QWidget* frame =
+                shared.contains(name) ? window.findChild<QWidget*>(name) : frames.value(name);
+            if (frame)
                 m_frames[tab] << frame;
         }
     }

@@ -8,6 +8,7 @@
 #include <QLineEdit>
 #include <QMouseEvent>
 #include <QTabBar>
+#include <functional>
 
 namespace halvane {
 
@@ -55,19 +56,19 @@ TipLine::TipLine(QWidget& window, MainForm& form, QObject* parent)
 
 void TipLine::watch(QWidget& control) {
     QList<QWidget*> parts{&control};
-    for (QWidget* child : control.findChildren<QWidget*>()) {
-        // Only the pieces the control is made of; named children are
-        // controls with tips (or none) of their own.
-        bool inside = true;
-        for (QObject* up = child; up && up != &control; up = up->parent()) {
-            if (!isPartOfControl(*up)) {
-                inside = false;
-                break;
-            }
+    // Only the pieces the control is made of, in the order of a search of
+    // its children; named children are controls with tips (or none) of
+    // their own, and so is everything inside them, which is not visited.
+    const std::function<void(const QWidget&)> collect = [&](const QWidget& widget) {
+        for (QObject* child : widget.children()) {
+            auto* part = qobject_cast<QWidget*>(child);
+            if (!part || !isPartOfControl(*part))
+                continue;
+            parts << part;
+            collect(*part);
         }
-        if (inside)
-            parts << child;
-    }
+    };
+    collect(control);
     for (QWidget* part : parts) {
         if (m_owner.contains(part))
             continue;

@@ -90,12 +90,27 @@ void store(SettingsStore& settings, const QString& entries, QChar separator = ';
 
 } // namespace
 
+// The arguments, the exit code, part of the message, and whether a game location is stored.
+const std::tuple<const char*, QStringList, int, const char*, bool> Refusals[] = {
+    {"unknown command", {"frobnicate"}, 2, "unknown command", true},
+    {"unknown option", {"launch", "--fast"}, 2, "unknown option", true},
+    {"stop without ID", {"stop"}, 2, "missing", true},
+    {"export, two folders", {"export", "a", "b"}, 2, "unexpected", true},
+    {"no such profile", {"write-config", "--profile", "nope"}, 3, "profile named nope", true},
+    {"no such server", {"stop", "123-4"}, 3, "no server", true},
+    {"no game location", {"launch"}, 4, "no game location", false},
+    {"export into an existing folder", {"export", "game"}, 1, "already exists", true},
+    {"export below a file", {"export", "game/quake3.exe/x"}, 1, "does not exist", true},
+    {"a question answered as by Enter", {"write-config"}, 1, "far exceeds the typical", true},
+    {"window argument", {"--frob"}, 2, "unknown argument", true},
+};
+
 class TestCommandLine : public QObject {
     Q_OBJECT
 private slots:
     void writeConfigIsTheWindows_data() { test::addRows(test::Branches); }
     void writeConfigIsTheWindows();
-    void refusals_data();
+    void refusals_data() { test::addRows(Refusals); }
     void refusals();
     void launchStatusStopAndExport();
     void runScriptKeepsEveryWord();
@@ -143,36 +158,9 @@ void TestCommandLine::writeConfigIsTheWindows() {
                  qPrintable(it.key() + ": " + test::firstDifference(written[it.key()], *it)));
 }
 
-void TestCommandLine::refusals_data() {
-    QTest::addColumn<QStringList>("arguments");
-    QTest::addColumn<int>("code");
-    QTest::addColumn<QString>("message");
-    QTest::addColumn<bool>("location"); // a game location is stored
-    QTest::newRow("unknown command") << QStringList{"frobnicate"} << 2 << "unknown command" << true;
-    QTest::newRow("unknown option")
-        << QStringList{"launch", "--fast"} << 2 << "unknown option" << true;
-    QTest::newRow("stop without ID") << QStringList{"stop"} << 2 << "missing" << true;
-    QTest::newRow("export, two folders")
-        << QStringList{"export", "a", "b"} << 2 << "unexpected" << true;
-    QTest::newRow("no such profile")
-        << QStringList{"write-config", "--profile", "nope"} << 3 << "profile named nope" << true;
-    QTest::newRow("no such server") << QStringList{"stop", "123-4"} << 3 << "no server" << true;
-    QTest::newRow("no game location") << QStringList{"launch"} << 4 << "no game location" << false;
-    QTest::newRow("export into an existing folder")
-        << QStringList{"export", "game"} << 1 << "already exists" << true;
-    QTest::newRow("export below a file")
-        << QStringList{"export", "game/quake3.exe/x"} << 1 << "does not exist" << true;
-    QTest::newRow("a question answered as by Enter")
-        << QStringList{"write-config"} << 1 << "far exceeds the typical requirements" << true;
-    QTest::newRow("window argument") << QStringList{"--frob"} << 2 << "unknown argument" << true;
-}
-
 // Bad input: a clear message, its exit code, nothing written.
 void TestCommandLine::refusals() {
-    QFETCH(QStringList, arguments);
-    QFETCH(int, code);
-    QFETCH(QString, message);
-    QFETCH(bool, location);
+    const auto& [name, arguments, code, message, location] = test::fetchRow(Refusals);
     test::TestPlatform p;
     if (location)
         p.makeGameFolder();

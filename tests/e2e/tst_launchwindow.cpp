@@ -66,6 +66,14 @@ QSet<QString> asSet(const QStringList& names) {
     return QSet<QString>(names.begin(), names.end());
 }
 
+// The values of a server's status for these keys, in their order.
+QStringList infoOf(const ServerStatus& status, const QStringList& keys) {
+    QStringList values;
+    for (const QString& key : keys)
+        values << status.info.value(key);
+    return values;
+}
+
 // The bots a bot set script adds.
 QSet<QString> addedBots(const QString& path) {
     QStringList names;
@@ -76,6 +84,12 @@ QSet<QString> addedBots(const QString& path) {
     return asSet(names);
 }
 
+// The server window's columns, and a column of the row chosen in it.
+enum Column { Name, Address, Map, Type, Players, Uptime, State };
+QString chosen(const Ui::frmServer& ui, int column) {
+    return ui.lstServers->currentItem() ? ui.lstServers->currentItem()->text(column) : "";
+}
+
 void chooseMap(MainForm& ui, const QString& name, const QString& time, const QString& frag) {
     const qsizetype row = test::entries(ui.SelMap).indexOf(name);
     QVERIFY2(row >= 0, qPrintable(name));
@@ -84,9 +98,6 @@ void chooseMap(MainForm& ui, const QString& name, const QString& time, const QSt
     ui.txtMapFragLimit->setText(frag);
 }
 
-// The operator's first run: the game location chosen in the path dialog,
-// then a dedicated team game with random bots and a two-map rotation on a
-// free loopback port, announced to no master server, launched.
 struct Operator {
     StartedServers started;
     test::TestPlatform platform; // no game location stored yet
@@ -220,13 +231,10 @@ void TestLaunchWindow::operatorLaunchesTheServer() {
         port, [&](const ServerStatus& st) { return asSet(st.playerNames()) == firstBots; }, 60s,
         lives);
     QVERIFY2(status, "the launched server does not answer");
-    QCOMPARE(asSet(status->playerNames()), firstBots);
-    QCOMPARE(status->info.value("sv_hostname"), QStringLiteral("Halvane window e2e"));
-    QCOMPARE(status->info.value("g_gametype"), QStringLiteral("3"));
-    QCOMPARE(status->info.value("sv_maxclients"), QStringLiteral("12"));
-    QCOMPARE(status->info.value("mapname"), QStringLiteral("oa_dm1"));
-    QCOMPARE(status->info.value("timelimit"), QStringLiteral("25"));
-    QCOMPARE(status->info.value("fraglimit"), QStringLiteral("60"));
+    const QStringList keys = {"sv_hostname", "g_gametype", "sv_maxclients",
+                              "mapname",     "timelimit",  "fraglimit"};
+    QCOMPARE(infoOf(*status, keys),
+             QStringList({"Halvane window e2e", "3", "12", "oa_dm1", "25", "60"}));
 
     // The rotation: the next map's line kicks the first set and adds its own.
     QVERIFY(rcon(port, "e2e-window", "vstr nextmap"));
@@ -237,10 +245,8 @@ void TestLaunchWindow::operatorLaunchesTheServer() {
         },
         60s, lives);
     QVERIFY2(status, "no answer after the rotation");
-    QCOMPARE(status->info.value("mapname"), QStringLiteral("oa_dm2"));
-    QCOMPARE(status->info.value("timelimit"), QStringLiteral("30"));
-    QCOMPARE(status->info.value("fraglimit"), QStringLiteral("70"));
-    QCOMPARE(asSet(status->playerNames()), secondBots);
+    QCOMPARE(infoOf(*status, keys),
+             QStringList({"Halvane window e2e", "3", "12", "oa_dm2", "30", "70"}));
     const auto refused = rcon(port, "wrong", "vstr nextmap");
     QVERIFY(refused && refused->contains("Bad rconpassword"));
 
@@ -265,23 +271,14 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
     ServerWindow& window = op.window->servers().serverWindow();
     QVERIFY(window.isVisible() && !window.isModal());
     Ui::frmServer& ui = window.form();
-    const auto row = [&](int column) {
-        return ui.lstServers->currentItem() ? ui.lstServers->currentItem()->text(column) : "";
-    };
-    const auto players = [&] {
-        QStringList names;
-        for (int i = 0; i < ui.lstPlayers->topLevelItemCount(); ++i)
-            names << ui.lstPlayers->topLevelItem(i)->text(0);
-        return asSet(names);
-    };
+    const auto row = [&](int column) { return chosen(ui, column); };
+    const auto players = [&] { return asSet(test::entries(ui.lstPlayers)); };
     const auto pid = [&] { return op.window->servers().manager().servers().value(0).record.pid; };
-    enum { Name, Address, Map, Type, Players, Uptime, State };
 
     QTRY_VERIFY_WITH_TIMEOUT(row(Map) == "oa_dm1" && players() == firstBots, 60000);
-    QCOMPARE(row(Name), QStringLiteral("Halvane window e2e"));
-    QCOMPARE(row(Type), QStringLiteral("Team Play"));
-    QCOMPARE(row(Players), QStringLiteral("%1 / 12").arg(firstBots.size()));
-    QCOMPARE(row(State), QStringLiteral("running"));
+    QCOMPARE(QStringList({row(Name), row(Type), row(Players), row(State)}),
+             QStringList({"Halvane window e2e", "Team Play",
+                          QStringLiteral("%1 / 12").arg(firstBots.size()), "running"}));
     QCOMPARE(ui.lstPlayers->topLevelItem(0)->text(2), QStringLiteral("0")); // a bot's ping
 
     ui.cmbCommand->setEditText("status");
@@ -501,12 +498,10 @@ void TestLaunchWindow::serverOnAnotherHost() {
     dialog->form().txtAddPort->setText("27960");
     dialog->form().txtAddPassword->setText("e2e-far");
     dialog->form().btnAddServer->button(QDialogButtonBox::Ok)->click();
-    const auto row = [&](int column) {
-        return ui.lstServers->currentItem() ? ui.lstServers->currentItem()->text(column) : "";
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(row(2) == "oa_dm1", 60000);
-    QCOMPARE(row(0), QStringLiteral("Far e2e"));
-    QCOMPARE(row(1), host.farAddress + ":27960");
+    const auto row = [&](int column) { return chosen(ui, column); };
+    QTRY_VERIFY_WITH_TIMEOUT(row(Map) == "oa_dm1", 60000);
+    QCOMPARE(QStringList({row(Name), row(Address)}),
+             QStringList({"Far e2e", host.farAddress + ":27960"}));
     QVERIFY(!ui.cmdStop->isEnabled() && !ui.cmdRestart->isEnabled());
 
     ui.cmbCommand->setEditText("status");
@@ -516,7 +511,7 @@ void TestLaunchWindow::serverOnAnotherHost() {
     ui.cmbCommand->setEditText("set nextmap \"map oa_dm2\"");
     ui.cmdSend->click();
     ui.cmdNextMap->click();
-    QTRY_VERIFY2_WITH_TIMEOUT(row(2) == "oa_dm2",
+    QTRY_VERIFY2_WITH_TIMEOUT(row(Map) == "oa_dm2",
                               qPrintable(ui.txtConsole->toPlainText().right(600)), 60000);
     // Listed, with its status, without the window.
     const QList<ServerEntry> listed = listServers(*platform.app, 5000);
@@ -537,7 +532,6 @@ void TestLaunchWindow::restartsKeepTheirServer() {
     ServerWindow& window = op.window->servers().serverWindow();
     ServerManager& manager = op.window->servers().manager();
     Ui::frmServer& ui = window.form();
-    enum { Name, Address, Map, Type, Players, Uptime, State };
     const QString first = manager.servers().value(0).record.id;
     const auto record = [&](const QString& id) { return manager.find(id)->record; };
     const auto row = [&](const QString& id, int column) {
@@ -560,8 +554,8 @@ void TestLaunchWindow::restartsKeepTheirServer() {
     op.ui().cmdStart->click();
     const QString second = manager.servers().value(0).record.id;
     QVERIFY(second != first);
-    QTRY_VERIFY_WITH_TIMEOUT(row(second, Name) == "Second Server", 60000);
-    QCOMPARE(row(second, Map), QStringLiteral("oa_dm2"));
+    QTRY_VERIFY_WITH_TIMEOUT(row(second, Name) == "Second Server" && row(second, Map) == "oa_dm2",
+                             60000);
     QCOMPARE(window.currentId(), second); // the new one chosen, its columns wide enough
     QVERIFY(ui.lstServers->columnWidth(Name) >
             ui.lstServers->fontMetrics().horizontalAdvance("Second Server"));
@@ -576,11 +570,11 @@ void TestLaunchWindow::restartsKeepTheirServer() {
     const qint64 before = record(first).pid;
     ui.cmdRestart->click();
     QTRY_VERIFY_WITH_TIMEOUT(record(first).pid != before && row(first, State) == "running", 60000);
-    QCOMPARE(row(first, Name), QStringLiteral("Halvane window e2e"));
-    QCOMPARE(row(first, Map), QStringLiteral("oa_dm1"));
+    QCOMPARE(QStringList({row(first, Name), row(first, Map)}),
+             QStringList({"Halvane window e2e", "oa_dm1"}));
     // The log of this run shown, the one before it still there to choose.
-    QCOMPARE(ui.cmbRun->count(), 2);
-    QCOMPARE(ui.cmbRun->currentData().toString(), record(first).logFile);
+    QCOMPARE(std::pair(ui.cmbRun->count(), ui.cmbRun->currentData().toString()),
+             std::pair(2, record(first).logFile));
     ui.cmbRun->setCurrentIndex(1);
     const QString earlier = record(first).runs.value(0).logFile;
     QTRY_COMPARE(ui.txtLog->toPlainText().section('\n', 0, 0),
@@ -660,14 +654,8 @@ void TestLaunchWindow::hostileValuesRunNoCommand() {
         [&] { return op.window->launch().ServerRunning(); });
     QVERIFY2(status, "the launched server does not answer");
     // halvane.cfg ran to its end (the map), the parameters ran as two commands.
-    QCOMPARE(status->info.value("e2e_param"), QStringLiteral("ok"));
-    QCOMPARE(status->info.value("admin_name"), QStringLiteral("Bob"));
-    QStringList injected;
-    for (const QString& key : status->info.keys()) {
-        if (key.startsWith("inj"))
-            injected << key;
-    }
-    QCOMPARE(injected, QStringList());
+    QCOMPARE(infoOf(*status, {"e2e_param", "admin_name"}), QStringList({"ok", "Bob"}));
+    QCOMPARE(status->info.keys().filter(QRegularExpression("^inj")), QStringList());
     for (const QString& secret : {op.game + "/baseq3/halvane.cfg", op.platform.iniPath()})
         QCOMPARE(QFileInfo(secret).permissions() & 0x7077, QFile::Permissions(0x6000));
 }
