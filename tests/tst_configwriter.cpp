@@ -39,20 +39,14 @@ ServerSettings baseSettings() {
     s.maxPlayers = QStringLiteral("12");
     s.serverName = QStringLiteral("Halvane Arena");
     s.motd = QStringLiteral("Have fun");
-    s.minPing = QStringLiteral("0");
-    s.maxPing = QStringLiteral("0");
+    s.minPing = s.maxPing = s.inactivity = QStringLiteral("0");
     s.playerRespawn = QStringLiteral("20");
-    s.inactivity = QStringLiteral("0");
-    s.pureServer = true;
-    s.masters = {QStringLiteral("master.quake3arena.com"), QString(), QString(), QString(),
-                 QString()};
-    s.rocketJump = true;
+    s.masters[0] = QStringLiteral("master.quake3arena.com");
+    s.pureServer = s.rocketJump = s.vote = true;
     s.friendlyFire = true; // disabled, so never written
     s.weaponRespawn = QStringLiteral("5");
-    s.vote = true;
     s.quad = QStringLiteral("3");
-    s.minBots = QStringLiteral("2");
-    s.randomBots = QStringLiteral("2");
+    s.minBots = s.randomBots = QStringLiteral("2");
     s.bots = {{"Sarge"}, {"Grunt"}, {"Major"}, {"Visor"}};
     return s;
 }
@@ -82,6 +76,13 @@ QStringList linesOf(const QString& path) {
     if (lines.last().isEmpty())
         lines.removeLast();
     return lines;
+}
+
+// Compares a written file with its golden file.
+void sameAsGolden(const QString& path, const QString& name) {
+    const QByteArray actual = readAll(path), expected = readAll(golden(name));
+    QVERIFY2(!expected.isEmpty() && actual == expected,
+             qPrintable(name + ": " + firstDifference(actual, expected)));
 }
 
 MapRules rules(const char* time, const char* frag, const char* capture = "8") {
@@ -182,17 +183,13 @@ void TestConfigWriter::workedExamples() {
     // The second write replaces the files rather than adding to them.
     for (int run = 0; run < 2; ++run)
         QVERIFY(f.write(s, commandLine));
-    for (const QString& pair : files) {
-        const QByteArray actual = readAll(f.baseq3(pair.section('=', 0, 0)));
-        const QByteArray expected = readAll(golden(pair.section('=', 1)));
-        QVERIFY2(!expected.isEmpty() && actual == expected,
-                 qPrintable(pair + ": " + firstDifference(actual, expected)));
-    }
+    for (const QString& pair : files)
+        sameAsGolden(f.baseq3(pair.section('=', 0, 0)), pair.section('=', 1));
     if (maps == 2)
         QVERIFY(readAll(f.baseq3("autoexec.cfg")) == own && readAll(f.baseq3("default.cfg")) == "");
     QCOMPARE(QDir(f.baseq3("srvmaps")).entryList(QDir::Files).size(), maps < 2 ? 0 : maps);
-    QVERIFY(QDir(f.baseq3("srvbots")).isEmpty()); // no random bots asked for
-    QVERIFY(f.platform.messages.shown.isEmpty());
+    // No random bots asked for.
+    QVERIFY(QDir(f.baseq3("srvbots")).isEmpty() && f.platform.messages.shown.isEmpty());
 }
 
 void TestConfigWriter::branches() {
@@ -253,10 +250,7 @@ void TestConfigWriter::fixedBotScript() {
     for (const QString goldenName : {"srvbots_none.cfg", "srvbots_three.cfg"}) {
         f.platform.writeFile(f.baseq3("srvbots.cfg"), QByteArray(2000, 'x'));
         f.bots.MakeBotScript(s);
-        const QByteArray actual = readAll(f.baseq3("srvbots.cfg"));
-        const QByteArray expected = readAll(golden(goldenName));
-        QVERIFY2(actual == expected,
-                 qPrintable(goldenName + ": " + firstDifference(actual, expected)));
+        sameAsGolden(f.baseq3("srvbots.cfg"), goldenName);
         s.bots = {{"Sarge", true, 1, 3},       {"Visor", false, 1, 2},
                   {"Evil\";quit", true, 0, 0}, // a name the console would split: left out
                   {"Two Words", true, 0, 0},   {"Grunt", true, 0, 0},

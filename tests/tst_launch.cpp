@@ -48,8 +48,7 @@ void makeStandInGame(TestPlatform& platform) {
                                               "mv '%1.tmp' '%1'\n")
                                    .arg(platform.root() + "/started.txt")
                                    .toUtf8());
-    QFile::setPermissions(script,
-                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    QFile::setPermissions(script, QFileDevice::Permissions(0x7000)); // the owner's alone
 }
 
 // Processes whose parent is this test, living or zombie: a failed start
@@ -57,12 +56,8 @@ void makeStandInGame(TestPlatform& platform) {
 QStringList childProcesses() {
     QStringList children;
     const QString self = QString::number(QCoreApplication::applicationPid());
-    const QStringList entries = QDir("/proc").entryList(QDir::Dirs | QDir::NoDotAndDotDot);
+    const QStringList entries = QDir("/proc").entryList({"[0-9]*"}, QDir::Dirs);
     for (const QString& entry : entries) {
-        bool isPid = false;
-        entry.toLongLong(&isPid);
-        if (!isPid)
-            continue;
         const QByteArray stat = readAll("/proc/" + entry + "/stat");
         const qsizetype close = stat.lastIndexOf(')');
         if (close < 0)
@@ -127,6 +122,11 @@ private slots:
 private:
     void makeWindow(Processes& processes);
     void setLaunchReady();
+    // Servers started, the last one's task, messages shown, busy pointers left.
+    std::tuple<int, int, int, int> quiet() const {
+        return {int(platform->processes.started.size()), int(window->launch().ServerTaskID),
+                int(platform->messages.shown.size()), platform->desktop.busyDepth};
+    }
 
     std::unique_ptr<TestPlatform> platform;
     std::unique_ptr<AppContext> app; // the test platform, but with a chosen process starter
@@ -199,10 +199,7 @@ void LaunchTest::startsAndAsksBeforeASecondServer() {
     // What is written and started, and where, is the real start's test.
     const QString config = platform->gameFolder() + "/baseq3/halvane.cfg";
     QVERIFY(QFile::exists(config));
-    QCOMPARE(platform->processes.started.size(), 1);
-    QCOMPARE(window->launch().ServerTaskID, qint64(1000));
-    QCOMPARE(platform->messages.shown.size(), 0);
-    QCOMPARE(platform->desktop.busyDepth, 0);
+    QCOMPARE(quiet(), std::tuple(1, 1000, 0, 0));
     // The settings were stored by the validation, the line remembered.
     QVERIFY(platform->store->writes.contains("General/Name=Arena"));
     QCOMPARE(platform->store->read("Advanced", "Parameter0", ""), QStringLiteral("+set sv_fps 30"));
@@ -222,11 +219,9 @@ void LaunchTest::startsAndAsksBeforeASecondServer() {
                      "advanced tab.\rIf no port is specified, the next available port will be "
                      "used by default.",
                      MsgButtons::YesNo, MsgIcon::Information));
-    QCOMPARE(platform->desktop.busyDepth, 0);
+    QCOMPARE(quiet(), std::tuple(1, 1000, 1, 0));
     QVERIFY(platform->desktop.busyCalls >= 4); // the pointer was busy while asking the system
     QVERIFY(!QFile::exists(config));
-    QCOMPARE(platform->processes.started.size(), 1);
-    QCOMPARE(window->launch().ServerTaskID, qint64(1000));
 
     // Once that server has ended, nothing is asked.
     platform->processes.alive.clear();
@@ -246,14 +241,11 @@ void LaunchTest::afterTheStart() {
     ui->cmdStart->click();
 
     QCOMPARE(QFileInfo::exists(platform->gameFolder() + "/baseq3/srvbots.cfg"), botScript);
-    QCOMPARE(platform->processes.started.size(), 1);
-    QCOMPARE(platform->desktop.busyDepth, 0);
-    QCOMPARE(platform->messages.shown.size(), 0);
-    const bool closed = startState && !minimize;
-    QCOMPARE(window->isVisible(), !closed);
-    QCOMPARE(window->isMinimized(), startState && minimize);
+    QCOMPARE(quiet(), std::tuple(1, 1000, 0, 0));
     // Closing runs the shut-down: everything stored, the program ended.
-    QCOMPARE(window->hasEnded(), closed);
+    const bool closed = startState && !minimize;
+    QCOMPARE(std::tuple(window->isVisible(), window->isMinimized(), window->hasEnded()),
+             std::tuple(!closed, startState && minimize, closed));
     QVERIFY(!closed || platform->store->writes.contains("Options/StartClose=True"));
 }
 
@@ -342,8 +334,7 @@ void LaunchTest::failures() {
     QCOMPARE(writtenCommandLines.isEmpty(), fault == "validation refuses");
     QVERIFY(QFileInfo::exists(platform->gameFolder() + "/baseq3/srvbots.cfg") ||
             !QDir(platform->gameFolder()).exists());
-    QCOMPARE(platform->desktop.busyDepth, 0);
-    QCOMPARE(window->launch().ServerTaskID, qint64(0));
+    QCOMPARE(quiet(), std::tuple(0, 0, 1, 0));
     // Nothing was started: the stand-in would have left its record.
     QTest::qWait(300);
     QVERIFY(!QFile::exists(platform->root() + "/started.txt"));

@@ -57,9 +57,8 @@ void ShellTest::startUpLoadsTheStoredSettings() {
     f.platform.ini->write("General", "GameType", "3");
     f.window->showMainWindow();
     QCOMPARE(f.ui().cmbGameType->currentIndex(), 3);
-    QVERIFY(f.ui().mnuSettingsMapCheck->isChecked());
-    QVERIFY(!f.platform.app->state.StartupInProgress);
-    QVERIFY(f.platform.store->writes.isEmpty());
+    QVERIFY(f.ui().mnuSettingsMapCheck->isChecked() && !f.platform.app->state.StartupInProgress &&
+            f.platform.store->writes.isEmpty());
 }
 
 void ShellTest::shutDownSavesParametersBeforeSettings() {
@@ -80,9 +79,9 @@ void ShellTest::shutDownSavesParametersBeforeSettings() {
     // The next start shows the status panel as it was left.
     QCOMPARE(f.platform.ini->read("Settings", "StatusBar", ""), open ? "True" : "False");
     f.reopen();
-    QCOMPARE(f.panel().isOpen(), open);
-    QCOMPARE(f.panel().heightTwips(), open ? 6450 : 5790);
-    QCOMPARE(f.ui().mnuViewStatusBar->isChecked(), open);
+    QCOMPARE(std::tuple(f.panel().isOpen(), f.panel().heightTwips(),
+                        f.ui().mnuViewStatusBar->isChecked()),
+             std::tuple(open, open ? 6450 : 5790, open));
 }
 
 void ShellTest::secondCopyEndsWithoutStoring() {
@@ -92,12 +91,9 @@ void ShellTest::secondCopyEndsWithoutStoring() {
     QCOMPARE(onlyMessage(f.platform.messages),
              message("What have you been smoking?", "Halvane is already running", MsgButtons::Ok,
                      MsgIcon::Information));
-    QVERIFY(f.window->hasEnded());
-    QVERIFY(!f.window->isVisible());
-    QVERIFY(f.platform.store->writes.isEmpty());
+    QVERIFY(f.window->hasEnded() && !f.window->isVisible() && f.platform.store->writes.isEmpty());
     f.window->close(); // a later close still stores nothing
-    QVERIFY(f.platform.store->writes.isEmpty());
-    QCOMPARE(f.platform.messages.shown.size(), 1);
+    QVERIFY(f.platform.store->writes.isEmpty() && f.platform.messages.shown.size() == 1);
 }
 
 void ShellTest::savesOnABrokenDisk_data() {
@@ -212,28 +208,27 @@ void ShellTest::resizePlacesTheStatusPanel() {
     f.window->showMainWindow();
     f.ui().scrTip->setVisible(true);
     f.panel().setHeightTwips(twips);
-    QCOMPARE(f.panel().heightTwips(), twips);
     const QWidget& window = *f.window;
-    QCOMPARE(f.window->height(), twipsToPixels(twips, window));
     // The bar's top 920 twips above the height, counted with the caption the
     // rule's heights held (495 twips); the tip line 5870 twips shorter than
-    // the window, ending at the bar.
-    const int barTop = twipsToPixels(twips - 920 + 495, window);
-    const int tipHeight = qMax(0, twipsToPixels(twips - 5870, window));
-    QCOMPARE(f.ui().btnStatus->y(), barTop);
-    QCOMPARE(f.ui().scrTip->height(), tipHeight);
-    QCOMPARE(f.ui().scrTip->y() + f.ui().scrTip->height(), barTop);
-    QCOMPARE(f.ui().scrTip->width(), f.ui().SSTab1->width());
-    QCOMPARE(f.ui().btnStatus->width(), f.ui().SSTab1->width());
+    // the window, ending at the bar; both as wide as the tabs.
+    const int barTop = twipsToPixels(twips - 920 + 495, window), wide = f.ui().SSTab1->width();
+    const QWidget& tip = *f.ui().scrTip;
+    QCOMPARE(
+        QList<int>({f.panel().heightTwips(), window.height(), f.ui().btnStatus->y(), tip.height(),
+                    tip.y() + tip.height(), tip.width(), f.ui().btnStatus->width()}),
+        QList<int>({twips, twipsToPixels(twips, window), barTop,
+                    qMax(0, twipsToPixels(twips - 5870, window)), barTop, wide, wide}));
     // Nothing else moves: the tabs and the buttons keep their places, and
     // the tip line its top once it has a height.
     f.panel().setHeightTwips(6450);
-    const QRect tabs = f.ui().SSTab1->geometry();
-    const QRect start = f.ui().cmdStart->geometry();
+    const auto places = [&] {
+        return QList({f.ui().SSTab1->geometry(), f.ui().cmdStart->geometry()});
+    };
+    const QList<QRect> before = places();
     const int tipTop = f.ui().scrTip->y();
     f.panel().setHeightTwips(twips);
-    QCOMPARE(f.ui().SSTab1->geometry(), tabs);
-    QCOMPARE(f.ui().cmdStart->geometry(), start);
+    QCOMPARE(places(), before);
     if (twips > 5870)
         QVERIFY(qAbs(f.ui().scrTip->y() - tipTop) <= 1); // rounding of two conversions
 }
@@ -245,9 +240,9 @@ void ShellTest::toggleAtThreshold() {
     f.panel().setHeightTwips(from);
     f.ui().mnuViewStatusBar->setChecked(!checked);
     f.ui().btnStatus->click();
-    QCOMPARE(f.panel().heightTwips(), to);
-    QCOMPARE(f.ui().mnuViewStatusBar->isChecked(), checked);
-    QCOMPARE(f.panel().isOpen(), checked);
+    QCOMPARE(std::tuple(f.panel().heightTwips(), f.ui().mnuViewStatusBar->isChecked(),
+                        f.panel().isOpen()),
+             std::tuple(to, checked, checked));
     if (checked)
         QVERIFY(f.ui().txtTip->isVisible());
 }
@@ -277,8 +272,7 @@ void ShellTest::rollingOutLetsEventsRunAndShowsTheTipAbove6000() {
     QVERIFY(f.ui().mnuViewStatusBar->isChecked() && f.ui().scrTip->isVisible());
     // Rolling in leaves it shown; at the closed height it has no height.
     f.panel().Rollin();
-    QVERIFY(f.ui().scrTip->isVisible());
-    QCOMPARE(f.ui().scrTip->height(), 0);
+    QVERIFY(f.ui().scrTip->isVisible() && f.ui().scrTip->height() == 0);
 }
 
 QTEST_MAIN(ShellTest)

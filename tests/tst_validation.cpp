@@ -74,7 +74,6 @@ class ValidationTest : public QObject {
     Q_OBJECT
 private slots:
     void init();
-    void cleanup();
     void validateAll_data();
     void validateAll();
     void refusedStoreFailsSilently();
@@ -88,15 +87,12 @@ private:
 };
 
 void ValidationTest::init() {
+    f.reset(); // the last test's window goes first
     f = std::make_unique<WindowFixture>();
     ui = &f->window->form();
     applyValues(*f->window, Baseline);
     f->platform.messages.clear();
     f->platform.store->writes.clear();
-}
-
-void ValidationTest::cleanup() {
-    f.reset();
 }
 
 void ValidationTest::validateAll_data() {
@@ -215,8 +211,8 @@ void ValidationTest::validateAll() {
     // Stored exactly when it passed, with the values the boxes now hold.
     const QStringList& writes = f->platform.store->writes;
     if (passed) {
-        QVERIFY(writes.contains("General/Name=" + ui->txtServerName->text()));
-        QVERIFY(writes.contains("Limits/MaxPlayers=" + ui->txtMaxPlayers->text()));
+        QVERIFY(writes.contains("General/Name=" + ui->txtServerName->text()) &&
+                writes.contains("Limits/MaxPlayers=" + ui->txtMaxPlayers->text()));
         f->platform.reopenStore();
         QCOMPARE(f->platform.store->read("General", "Name", "<none>"), ui->txtServerName->text());
     } else {
@@ -257,12 +253,13 @@ void ValidationTest::numericBoxesAreFiltered() {
         QTest::keyClicks(box, "7x");
         QTest::keyClick(box, Qt::Key_V, Qt::ControlModifier);
         QTest::keyClick(box, Qt::Key_Return);
-        QVERIFY2(box->text() == QStringLiteral("47"), qPrintable(name));
-        QCOMPARE(f->platform.desktop.beeps, 3);
+        QCOMPARE(box->objectName() + ' ' + box->text() + ' ' +
+                     QString::number(f->platform.desktop.beeps),
+                 name + QStringLiteral(" 47 3"));
         QTest::keyClick(box, Qt::Key_Backspace);
         QTest::keyClick(box, Qt::Key_Left);
-        QCOMPARE(box->text(), QStringLiteral("4"));
-        QCOMPARE(f->platform.desktop.beeps, 3);
+        QCOMPARE(std::pair(box->text(), f->platform.desktop.beeps),
+                 std::pair(QStringLiteral("4"), 3));
     }
     // Text the program places is not filtered; pasted with the context menu,
     // it keeps its digits, where they were pasted, without a beep.
@@ -275,9 +272,9 @@ void ValidationTest::numericBoxesAreFiltered() {
     ui->txtHunkMegs->setText("12");
     ui->txtHunkMegs->setCursorPosition(1);
     ui->txtHunkMegs->paste(); // what the context menu's Paste does
-    QCOMPARE(ui->txtHunkMegs->text(), QStringLiteral("1892"));
-    QCOMPARE(ui->txtHunkMegs->cursorPosition(), 3);
-    QCOMPARE(f->platform.desktop.beeps, 0);
+    QCOMPARE(std::tuple(ui->txtHunkMegs->text(), ui->txtHunkMegs->cursorPosition(),
+                        f->platform.desktop.beeps),
+             std::tuple(QStringLiteral("1892"), 3, 0));
 }
 
 // A box checked when the focus leaves it: its text, the most players, and
@@ -343,8 +340,8 @@ void ValidationTest::checkedOnLeaving() {
         QApplication::sendEvent(edit, &out);
     }
     QCOMPARE(onlyMessage(f->platform.messages), told.isEmpty() ? "0 messages" : told);
-    QCOMPARE(edit->text(), text);
-    QCOMPARE(ui->txtMaxPlayers->text(), maxPlayers);
+    QCOMPARE(QStringList({edit->text(), ui->txtMaxPlayers->text()}),
+             QStringList({text, maxPlayers}));
     if (told.startsWith("Invalid filename")) { // shown selected, to be corrected
         QCOMPARE(edit->selectedText(), text);
         if (active)

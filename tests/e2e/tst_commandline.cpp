@@ -50,15 +50,15 @@ struct CommandLine {
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
         for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
             env.remove(name);
-        env.insert("HOME", platform.root() + "/home");
-        env.insert("XDG_CONFIG_HOME", platform.root() + "/config");
-        env.insert("XDG_STATE_HOME", platform.root() + "/xdgstate");
-        env.insert("XDG_DATA_HOME", platform.root() + "/data");
-        env.insert("XDG_RUNTIME_DIR", platform.root() + "/run");
+        for (const auto& [name, folder] : {std::pair{"HOME", "/home"},
+                                           {"XDG_CONFIG_HOME", "/config"},
+                                           {"XDG_STATE_HOME", "/xdgstate"},
+                                           {"XDG_DATA_HOME", "/data"},
+                                           {"XDG_RUNTIME_DIR", "/run"}})
+            env.insert(name, platform.root() + folder);
         QDir().mkpath(platform.root() + "/run");
-        QFile::setPermissions(platform.root() + "/run", QFileDevice::ReadOwner |
-                                                            QFileDevice::WriteOwner |
-                                                            QFileDevice::ExeOwner);
+        QFile::setPermissions(platform.root() + "/run",
+                              QFileDevice::Permissions(0x7000)); // owner's
         QProcess process;
         process.setProcessEnvironment(env);
         process.setWorkingDirectory(platform.root());
@@ -250,10 +250,10 @@ void TestCommandLine::launchStatusStopAndExport() {
                     return server.toObject();
             return QJsonObject();
         };
-        QJsonObject server = statusOf();
-        QCOMPARE(server["state"].toString(), QStringLiteral("running"));
-        QCOMPARE(server["hostname"].toString(), QString(host));
-        QCOMPARE(server["port"].toInt(), int(port));
+        const QJsonObject server = statusOf();
+        QCOMPARE(std::tuple(server["state"].toString(), server["hostname"].toString(),
+                            server["port"].toInt()),
+                 std::tuple(QStringLiteral("running"), QString(host), int(port)));
         result = cli.run({"stop", id});
         QVERIFY2(result.code == 0, qPrintable(result.err));
         QVERIFY(!lives());
@@ -384,8 +384,9 @@ void TestCommandLine::commandsOnAProfile() {
     Result result = cli.run({"write-config", "--profile", "Side Arena"});
     QVERIFY2(result.code == 0, qPrintable(result.err));
     const QByteArray config = test::readAll(p.gameFolder() + "/baseq3/halvane.cfg");
-    QVERIFY2(config.contains("seta sv_hostname \"Side Arena\"\r\n"), config.constData());
-    QVERIFY2(config.contains("q3dm7"), config.constData()); // the profile's map, not mapsel.txt
+    // The profile's map, not mapsel.txt's.
+    QVERIFY2(config.contains("seta sv_hostname \"Side Arena\"\r\n") && config.contains("q3dm7"),
+             config.constData());
     result = cli.run({"export", "--profile", "Side Arena", "side"});
     QVERIFY2(result.code == 0, qPrintable(result.err));
     QVERIFY(test::readAll(p.root() + "/side/baseq3/halvane.cfg").contains("\"Side Arena\""));
