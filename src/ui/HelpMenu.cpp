@@ -2,8 +2,9 @@
 
 #include "app/AppContext.h"
 #include "app/AppInfo.h"
-#include "ui/MainForm.h"
 #include "ui/SecretWindow.h"
+#include "ui_frmAbout.h"
+#include "ui_frmMain.h"
 
 #include <QKeyEvent>
 #include <QMainWindow>
@@ -12,26 +13,28 @@
 
 namespace halvane {
 
-HelpMenu::HelpMenu(QMainWindow& window, MainForm& form, AppContext& app, QObject* parent)
-    : QObject(parent), m_window(window), ui(form), m_app(app) {
+HelpMenu::HelpMenu(QMainWindow& window, Ui::frmMain& frame, Ui::frmAbout& about, QLabel& nopLink,
+                   AppContext& app, QObject* parent)
+    : QObject(parent), m_window(window), m_frame(frame), m_about(about), m_app(app) {
     const auto site = [] { return AppInfo::productSiteAddress(); };
-    connect(ui.mnuViewNews, &QAction::triggered, this,
+    connect(m_frame.mnuViewNews, &QAction::triggered, this,
             [this, site] { OpenDocument(site() + QStringLiteral("/news.shtml")); });
-    connect(ui.mnuHelpHalvane, &QAction::triggered, this, [this] {
+    connect(m_frame.mnuHelpHalvane, &QAction::triggered, this, [this] {
         OpenDocument(m_app.platform.folder.installed() + QStringLiteral("/help/help.htm"));
     });
-    connect(ui.mnuHelpContext, &QAction::triggered, this,
-            [this] { OpenDocument(helpTarget(ui.SSTab1->currentIndex())); });
-    connect(ui.mnuHelpOnline, &QAction::triggered, this, [this, site] { OpenDocument(site()); });
-    connect(ui.mnuHelpFAQ, &QAction::triggered, this,
+    connect(m_frame.mnuHelpContext, &QAction::triggered, this,
+            [this] { OpenDocument(helpTarget(m_frame.SSTab1->currentIndex())); });
+    connect(m_frame.mnuHelpOnline, &QAction::triggered, this,
+            [this, site] { OpenDocument(site()); });
+    connect(m_frame.mnuHelpFAQ, &QAction::triggered, this,
             [this, site] { OpenDocument(site() + QStringLiteral("/FAQ.shtml")); });
 
-    makeLink(*ui.Label20, site);
-    makeLink(*ui.Label23, [this] { return mailLink(); });
-    makeLink(*ui.Label27, [site] { return site() + QStringLiteral("/bugreport.shtml"); });
-    makeLink(*ui.Label6, [] { return AppInfo::nopSiteAddress(); });
+    makeLink(*m_about.Label20, site);
+    makeLink(*m_about.Label23, [this] { return mailLink(); });
+    makeLink(*m_about.Label27, [site] { return site() + QStringLiteral("/bugreport.shtml"); });
+    makeLink(nopLink, [] { return AppInfo::nopSiteAddress(); });
 
-    ui.SSTab1->tabBar()->installEventFilter(this);
+    m_frame.SSTab1->tabBar()->installEventFilter(this);
 }
 
 HelpMenu::~HelpMenu() {
@@ -58,7 +61,7 @@ QString HelpMenu::helpTarget(int tab) const {
 
 QString HelpMenu::mailLink() const {
     return QStringLiteral("mailto:") + AppInfo::authorMailAddress() +
-           QStringLiteral("?subject=Halvane ") + ui.lblVersion->text() +
+           QStringLiteral("?subject=Halvane ") + m_about.lblVersion->text() +
            QStringLiteral(" Feedback");
 }
 
@@ -93,7 +96,7 @@ void HelpMenu::showSecret() {
 }
 
 bool HelpMenu::eventFilter(QObject* watched, QEvent* event) {
-    if (watched == ui.SSTab1->tabBar()) {
+    if (watched == m_frame.SSTab1->tabBar()) {
         if (event->type() == QEvent::MouseButtonPress &&
             static_cast<QMouseEvent*>(event)->modifiers() == Qt::ShiftModifier)
             showSecret();

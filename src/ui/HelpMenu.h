@@ -5,12 +5,17 @@
 #include <QPointer>
 #include <functional>
 
+class QLabel;
 class QMainWindow;
 class QWidget;
 
+namespace Ui {
+class frmMain;
+class frmAbout;
+} // namespace Ui
+
 namespace halvane {
 
-struct MainForm;
 struct AppContext;
 
 // The View and Help menus, the help pages, the About tab's links, the N-0-P
@@ -19,7 +24,10 @@ struct AppContext;
 class HelpMenu : public QObject {
     Q_OBJECT
 public:
-    HelpMenu(QMainWindow& window, MainForm& ui, AppContext& app, QObject* parent = nullptr);
+    // frame: the menus and the tab control; about: the About tab's links;
+    // nopLink: the Advanced tab's N-0-P label.
+    HelpMenu(QMainWindow& window, Ui::frmMain& frame, Ui::frmAbout& about, QLabel& nopLink,
+             AppContext& app, QObject* parent = nullptr);
     ~HelpMenu() override;
 
     // Hands a help page, web address or mail link to the desktop; a failure
@@ -44,7 +52,8 @@ private:
     void makeLink(QWidget& label, std::function<QString()> target);
 
     QMainWindow& m_window;
-    MainForm& ui;
+    Ui::frmMain& m_frame;
+    Ui::frmAbout& m_about;
     AppContext& m_app;
     QHash<QObject*, std::function<QString()>> m_links;
     QPointer<QWidget> m_secret;

@@ -19,6 +19,7 @@
 #include "settings/SettingsController.h"
 #include "settings/TextForms.h"
 #include "settings/Validation.h"
+#include "ui/AboutPage.h"
 #include "ui/Accessibility.h"
 #include "ui/AdvancedPage.h"
 #include "ui/BotsPage.h"
@@ -76,9 +77,10 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
     m_statusPanel =
         std::make_unique<StatusPanel>(*this, *ui->centralwidget, *ui->scrTip, *ui->txtTip,
                                       *ui->btnStatus, *ui->SSTab1, *ui->mnuViewStatusBar);
-    m_tips = std::make_unique<TipLine>(*this, *ui);
+    m_tips = std::make_unique<TipLine>(*this, *ui->txtTip);
     m_tabFrames = std::make_unique<TabFrames>(*ui->SSTab1, *this);
-    m_help = std::make_unique<HelpMenu>(*this, *ui, m_app);
+    m_help = std::make_unique<HelpMenu>(*this, *ui, ui->tabAbout->form(),
+                                        *ui->tabAdvanced->form().Label6, m_app);
     nameControls(*this);
     m_parameters = std::make_unique<ParameterMemory>(*ui->txtCmdParameters, *ui->chkSpecifyCD,
                                                      *ui->txtCDROM, m_app);

@@ -1,11 +1,12 @@
 #include "ui/TipLine.h"
 
-#include "ui/MainForm.h"
 #include "ui/Tips.h"
 
 #include <QComboBox>
 #include <QEvent>
+#include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QMouseEvent>
 #include <QTabBar>
 #include <functional>
@@ -21,8 +22,8 @@ bool isPartOfControl(const QObject& child) {
 }
 } // namespace
 
-TipLine::TipLine(QWidget& window, MainForm& form, QObject* parent)
-    : QObject(parent), m_window(window), ui(form) {
+TipLine::TipLine(QWidget& window, QLabel& tipLine, QObject* parent)
+    : QObject(parent), m_window(window), m_tipLine(tipLine) {
     const auto& tips = Tips::table();
     const auto& built = Tips::builtNames();
     QList<QWidget*> widgets = m_window.findChildren<QWidget*>();
@@ -84,12 +85,16 @@ QString TipLine::tipForKey(const QString& key) const {
         return Tips::dateLogTip(QDateTime::currentDateTime());
     if (key == QLatin1String("Frame1") || key == QLatin1String("txtMaster"))
         return Tips::masterServersTip();
-    if (key == QLatin1String("lblVersion"))
-        return Tips::versionTip(ui.lblVersion->text());
+    if (key == QLatin1String("lblVersion")) {
+        const auto* version = m_window.findChild<const QLabel*>(QStringLiteral("lblVersion"));
+        return Tips::versionTip(version ? version->text() : QString());
+    }
     if (key == QLatin1String("lblBotCount")) {
         int selected = 0;
-        for (int n = 0; n < ui.BotList->count(); ++n)
-            selected += ui.BotList->item(n)->checkState() == Qt::Checked ? 1 : 0;
+        if (const auto* bots = m_window.findChild<const QListWidget*>(QStringLiteral("BotList"))) {
+            for (int n = 0; n < bots->count(); ++n)
+                selected += bots->item(n)->checkState() == Qt::Checked ? 1 : 0;
+        }
         return Tips::botCountTip(selected);
     }
     return Tips::table().value(key);
@@ -103,7 +108,7 @@ QString TipLine::tipOf(const QWidget& control) const {
 }
 
 void TipLine::ShowTip(const QString& t) {
-    ui.txtTip->setText(Tips::tipLineText(t));
+    m_tipLine.setText(Tips::tipLineText(t));
 }
 
 void TipLine::SelectText(QLineEdit& box) {

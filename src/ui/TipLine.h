@@ -4,20 +4,20 @@
 #include <QObject>
 #include <QSet>
 
+class QLabel;
 class QLineEdit;
 class QWidget;
 
 namespace halvane {
 
-struct MainForm;
-
 // The tip line of the main window: mouse movement over a control of the tip
 // tables puts that control's tip on it, and the listed text boxes select
-// their whole text when they receive the focus.
+// their whole text when they receive the focus. The controls are found in
+// the window's widget tree by their object names.
 class TipLine : public QObject {
     Q_OBJECT
 public:
-    TipLine(QWidget& window, MainForm& ui, QObject* parent = nullptr);
+    TipLine(QWidget& window, QLabel& tipLine, QObject* parent = nullptr);
 
     // Sets the tip line: the web site line for an empty text, the trademark
     // notice for "tm", otherwise t itself.
@@ -36,7 +36,7 @@ private:
     QString tipForKey(const QString& key) const;
 
     QWidget& m_window;
-    MainForm& ui;
+    QLabel& m_tipLine;
     QHash<QObject*, QWidget*> m_owner; // watched object -> the control whose tip it shows
     QSet<QObject*> m_selectAll;
     QSet<QObject*> m_selectNothing;
