@@ -1,6 +1,5 @@
-// The tip line: a control shows its tip when the mouse moves over it, the
-// built tips are built at that moment, and text boxes select their whole
-// text when they receive the focus.
+// The tip line: a control shows its tip when the mouse moves over it, the built tips are built at
+// that moment, and text boxes select their whole text when they receive the focus.
 #include "TestSupport.h"
 
 #include "app/AppInfo.h"
