@@ -2,7 +2,9 @@
 #include "settings/Positions.h"
 
 #include "app/AppContext.h"
-#include "ui/MainForm.h"
+#include "ui_frmAdvanced.h"
+#include "ui_frmGeneral.h"
+#include "ui_frmOptions.h"
 
 namespace halvane {
 
@@ -15,55 +17,22 @@ void enable(std::initializer_list<QWidget*> widgets, bool enabled) {
 }
 } // namespace
 
-OptionInterlocks::OptionInterlocks(MainForm& ui, AppContext& app, QObject* parent)
-    : QObject(parent), ui(ui), m_app(app) {
-    connect(ui.cmbGameType, &QComboBox::currentIndexChanged, this,
+OptionInterlocks::OptionInterlocks(Ui::frmGeneral& general, Ui::frmOptions& options,
+                                   Ui::frmAdvanced& advanced, AppContext& app, QObject* parent)
+    : QObject(parent), m_general(general), m_options(options), m_advanced(advanced), m_app(app) {
+    connect(general.cmbGameType, &QComboBox::currentIndexChanged, this,
             &OptionInterlocks::gameTypeClicked);
-    connect(ui.cmbServerType, &QComboBox::currentIndexChanged, this,
+    connect(general.cmbServerType, &QComboBox::currentIndexChanged, this,
             &OptionInterlocks::UpdateServerTypeControls);
-    connect(ui.chkWarmUp, &QCheckBox::toggled, this, &OptionInterlocks::UpdateWarmUpControls);
-    connect(ui.chkLogFile, &QCheckBox::toggled, this, &OptionInterlocks::UpdateLogFileControls);
-    connect(ui.chkDateLog, &QCheckBox::toggled, this, &OptionInterlocks::UpdateLogFileControls);
-    connect(ui.chkStartState, &QCheckBox::toggled, this,
-            &OptionInterlocks::UpdateStartStateControls);
-    connect(ui.chkRequirePassword, &QCheckBox::toggled, this,
-            &OptionInterlocks::UpdatePasswordControls);
-    connect(ui.chkSpecifyCD, &QCheckBox::toggled, this, &OptionInterlocks::UpdateCdControls);
-    connect(ui.chkRandomBotSkill, &QCheckBox::toggled, this,
-            &OptionInterlocks::UpdateBotSkillControls);
-    connect(ui.chkAutoSelectBots, &QCheckBox::toggled, this,
-            &OptionInterlocks::UpdateRandomBotControls);
-    connect(ui.cmbBotType, &QComboBox::currentIndexChanged, this,
-            &OptionInterlocks::UpdateBotTypeControls);
-    connect(ui.chkDemoRecording, &QCheckBox::toggled, this,
+    connect(options.chkDemoRecording, &QCheckBox::toggled, this,
             &OptionInterlocks::demoRecordingClicked);
-
-    // "Minimize" and "Close" exclude each other, yet both may be clear as
-    // stored; Qt's auto-exclusive buttons could not be cleared again.
-    ui.optMinimize->setAutoExclusive(false);
-    ui.optClose->setAutoExclusive(false);
-    // Without auto-exclusion a click would clear the selected one again: an
-    // option button clicked while selected stays selected.
-    for (const auto& pair :
-         {std::pair{ui.optMinimize, ui.optClose}, std::pair{ui.optClose, ui.optMinimize}}) {
-        QRadioButton* button = pair.first;
-        QRadioButton* other = pair.second;
-        connect(button, &QRadioButton::toggled, other, [other](bool on) {
-            if (on)
-                other->setChecked(false);
-        });
-        connect(button, &QRadioButton::clicked, button, [button](bool on) {
-            if (!on)
-                button->setChecked(true);
-        });
-    }
 }
 
 void OptionInterlocks::SetGameType() {
-    const int game = ui.cmbGameType->currentIndex();
+    const int game = m_general.cmbGameType->currentIndex();
     const bool team = game == 2 || game == 3;
-    enable({ui.chkFriendly, ui.chkAutoJoin, ui.chkAutoBalance}, team);
-    ui.Frame1->setEnabled(ui.cmbServerType->currentIndex() == DedicatedServer);
+    enable({m_options.chkFriendly, m_options.chkAutoJoin, m_options.chkAutoBalance}, team);
+    m_options.Frame1->setEnabled(m_general.cmbServerType->currentIndex() == DedicatedServer);
 }
 
 void OptionInterlocks::gameTypeClicked() {
@@ -72,86 +41,16 @@ void OptionInterlocks::gameTypeClicked() {
         return;
     }
     SetGameType();
-    emit gameTypeChosen(ui.cmbGameType->currentIndex());
+    emit gameTypeChosen(m_general.cmbGameType->currentIndex());
     m_app.state.StartupInProgress = false;
 }
 
 void OptionInterlocks::UpdateServerTypeControls() {
-    const int server = ui.cmbServerType->currentIndex();
-    enable({ui.txtNetIP, ui.txtNetPort, ui.Label13, ui.Label14, ui.Label12},
+    const int server = m_general.cmbServerType->currentIndex();
+    enable({m_advanced.txtNetIP, m_advanced.txtNetPort, m_advanced.Label13, m_advanced.Label14,
+            m_advanced.Label12},
            server != ListenServer);
-    ui.Frame1->setEnabled(server == DedicatedServer);
-}
-
-void OptionInterlocks::UpdateWarmUpControls() {
-    ui.txtWarmUpTime->setEnabled(ui.chkWarmUp->isChecked());
-}
-
-void OptionInterlocks::UpdateLogFileControls() {
-    const bool wanted = ui.chkLogFile->isChecked();
-    enable({ui.Frame11, ui.txtLogFile, ui.chkDateLog}, wanted);
-    if (ui.chkDateLog->isChecked())
-        ui.txtLogFile->setEnabled(false);
-    else if (wanted)
-        ui.txtLogFile->setEnabled(true);
-}
-
-void OptionInterlocks::UpdateStartStateControls() {
-    enable({ui.optMinimize, ui.optClose}, ui.chkStartState->isChecked());
-}
-
-void OptionInterlocks::UpdatePasswordControls() {
-    enable({ui.txtServerPW, ui.txtPrivateClients, ui.lblPrivateClients},
-           ui.chkRequirePassword->isChecked());
-}
-
-void OptionInterlocks::UpdateCdControls() {
-    ui.txtCDROM->setEnabled(ui.chkSpecifyCD->isChecked());
-}
-
-void OptionInterlocks::UpdateBotSkillControls() {
-    enable({ui.cmbBotSkill, ui.Label16}, !ui.chkRandomBotSkill->isChecked());
-}
-
-void OptionInterlocks::UpdateRandomBotControls() {
-    if (ui.cmbBotType->currentIndex() == UserDefinedBots) {
-        ui.chkAutoSelectBots->setEnabled(true);
-        const bool random = ui.chkAutoSelectBots->isChecked();
-        enable({ui.txtRandomBots, ui.Label31}, random);
-        ui.BotList->setEnabled(!random);
-    } else {
-        enable({ui.chkAutoSelectBots, ui.txtRandomBots, ui.Label31}, false);
-        ui.BotList->setEnabled(true);
-    }
-}
-
-void OptionInterlocks::UpdateBotTypeControls() {
-    switch (ui.cmbBotType->currentIndex()) {
-    case NoBots:
-        enable({ui.BotList, ui.cmbBotSkill, ui.cmbBotTeam, ui.Label16, ui.Label24, ui.lblBotCount,
-                ui.picManualBots, ui.picAutoBots, ui.Label33, ui.Label34, ui.cmbAutoBotSkill,
-                ui.txtMinBots, ui.chkDisableBotChat, ui.chkAutoSelectBots, ui.Label31,
-                ui.txtRandomBots},
-               false);
-        break;
-    case UserDefinedBots:
-        ui.stkBotPanels->setCurrentWidget(ui.picManualBots);
-        enable({ui.picManualBots, ui.BotList, ui.cmbBotSkill, ui.cmbBotTeam, ui.Label16, ui.Label24,
-                ui.lblBotCount, ui.chkDisableBotChat},
-               true);
-        break;
-    case AutomaticBots:
-        ui.stkBotPanels->setCurrentWidget(ui.picAutoBots);
-        enable({ui.picAutoBots, ui.Label33, ui.Label34, ui.cmbAutoBotSkill, ui.txtMinBots,
-                ui.chkDisableBotChat},
-               true);
-        enable({ui.chkAutoSelectBots, ui.Label31, ui.txtRandomBots}, false);
-        break;
-    default:
-        break;
-    }
-    UpdateBotSkillControls();
-    UpdateRandomBotControls();
+    m_options.Frame1->setEnabled(server == DedicatedServer);
 }
 
 void OptionInterlocks::demoRecordingClicked(bool checked) {
@@ -161,7 +60,7 @@ void OptionInterlocks::demoRecordingClicked(bool checked) {
         QStringLiteral("Turning this feature on is likely to cause severe performance issues for "
                        "your clients.\r\rAre you sure you want to do this?");
     if (!m_app.platform.messages.askYesNo(QStringLiteral("Warning"), text, MsgIcon::Question))
-        ui.chkDemoRecording->setChecked(false);
+        m_options.chkDemoRecording->setChecked(false);
 }
 
 } // namespace halvane

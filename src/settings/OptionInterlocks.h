@@ -2,29 +2,28 @@
 
 #include <QObject>
 
+namespace Ui {
+class frmGeneral;
+class frmOptions;
+class frmAdvanced;
+} // namespace Ui
+
 namespace halvane {
 
-struct MainForm;
 struct AppContext;
 
-// Keeps dependent options usable or unusable to match the options they depend
-// on. Handlers hang on toggled/currentIndexChanged, so values the program sets
-// run the same rules as the operator's clicks.
+// Keeps the options of one tab that depend on an option of another usable or
+// unusable to match (the pages keep their own), and asks before demo
+// recording. Handlers hang on toggled/currentIndexChanged, so values the
+// program sets run the same rules as the operator's clicks.
 class OptionInterlocks : public QObject {
     Q_OBJECT
 public:
-    OptionInterlocks(MainForm& ui, AppContext& app, QObject* parent = nullptr);
+    OptionInterlocks(Ui::frmGeneral& general, Ui::frmOptions& options, Ui::frmAdvanced& advanced,
+                     AppContext& app, QObject* parent = nullptr);
 
     void SetGameType();
-    void UpdateWarmUpControls();
-    void UpdateLogFileControls();
-    void UpdateStartStateControls();
-    void UpdatePasswordControls();
-    void UpdateBotSkillControls();
-    void UpdateRandomBotControls();
-    void UpdateBotTypeControls();
     void UpdateServerTypeControls();
-    void UpdateCdControls();
 
 signals:
     // The operator chose a game type (not the start-up's own choice): the
@@ -35,7 +34,9 @@ private:
     void gameTypeClicked();
     void demoRecordingClicked(bool checked);
 
-    MainForm& ui;
+    Ui::frmGeneral& m_general;
+    Ui::frmOptions& m_options;
+    Ui::frmAdvanced& m_advanced;
     AppContext& m_app;
 };
 

@@ -22,10 +22,13 @@
 #include "ui/Accessibility.h"
 #include "ui/AdvancedPage.h"
 #include "ui/BotsPage.h"
+#include "ui/FrameOptions.h"
+#include "ui/GeneralPage.h"
 #include "ui/HelpMenu.h"
 #include "ui/ImagePlugins.h"
 #include "ui/MainForm.h"
 #include "ui/MapsPage.h"
+#include "ui/OptionsPage.h"
 #include "ui/ProfileCommands.h"
 #include "ui/StatusPanel.h"
 #include "ui/TabFrames.h"
@@ -68,7 +71,8 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
     speakSelectorsByName();
     leaveImagePluginsUnloaded();
     ui->setup(this);
-    m_interlocks = std::make_unique<OptionInterlocks>(*ui, m_app);
+    m_interlocks = std::make_unique<OptionInterlocks>(
+        ui->tabGeneral->form(), ui->tabOptions->form(), ui->tabAdvanced->form(), m_app);
     m_statusPanel =
         std::make_unique<StatusPanel>(*this, *ui->centralwidget, *ui->scrTip, *ui->txtTip,
                                       *ui->btnStatus, *ui->SSTab1, *ui->mnuViewStatusBar);
@@ -78,8 +82,14 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
     nameControls(*this);
     m_parameters = std::make_unique<ParameterMemory>(*ui->txtCmdParameters, *ui->chkSpecifyCD,
                                                      *ui->txtCDROM, m_app);
-    m_settings = std::make_unique<SettingsController>(*this, *ui->SSTab1, *ui->BotList, m_botTables,
-                                                      *m_interlocks, m_app, *this);
+    ui->tabAdvanced->useParameterMemory(*m_parameters);
+    ui->tabBots->useBotTables(m_botTables);
+    m_frameOptions =
+        std::make_unique<FrameOptions>(*m_statusPanel, *ui->SSTab1, *ui->mnuSettingsMapCheck);
+    m_settings = std::make_unique<SettingsController>(
+        std::vector<OptionPage*>{m_frameOptions.get(), ui->tabGeneral, ui->tabBots, ui->tabOptions,
+                                 ui->tabAdvanced},
+        m_app);
     // Not a child widget: the main window is disabled while the dialog is
     // open, and a child would be disabled with it.
     m_pathDialog = std::make_unique<PathDialog>(m_app, *this);
@@ -166,26 +176,6 @@ void MainWindow::CommitShownMap() {
 
 void MainWindow::MakeBotScript() {
     m_config->MakeBotScript();
-}
-
-void MainWindow::RollOut() {
-    m_statusPanel->RollOut();
-}
-
-void MainWindow::Rollin() {
-    m_statusPanel->Rollin();
-}
-
-bool MainWindow::statusPanelOpen() const {
-    return m_statusPanel->isOpen();
-}
-
-void MainWindow::loadParameterList(const SettingsStore& store) {
-    m_parameters->loadParameterList(store);
-}
-
-void MainWindow::loadCdDrive(const SettingsStore& store) {
-    m_parameters->loadCdDrive(store);
 }
 
 void MainWindow::start() {

@@ -22,6 +22,7 @@ class OptionInterlocks;
 class RandomSource;
 class ParameterMemory;
 class SettingsController;
+class FrameOptions;
 class StatusPanel;
 class TipLine;
 class TabFrames;
@@ -40,10 +41,7 @@ enum class WindowRole { Main, Unshown };
 // The main window: owns the frame with its pages and the per-subsystem
 // controllers, runs the start-up and shut-down sequences, and is what the
 // launch and the settings reach the other subsystems through.
-class MainWindow : public QMainWindow,
-                   public PathDialogHost,
-                   public LaunchSteps,
-                   public SettingsWindow {
+class MainWindow : public QMainWindow, public PathDialogHost, public LaunchSteps {
     Q_OBJECT
 public:
     explicit MainWindow(AppContext& app, WindowRole role = WindowRole::Main);
@@ -113,11 +111,6 @@ private:
     void loadParameterList() override;
     void CommitShownMap() override;
     void MakeBotScript() override;
-    void RollOut() override;
-    void Rollin() override;
-    bool statusPanelOpen() const override;
-    void loadParameterList(const SettingsStore& store) override;
-    void loadCdDrive(const SettingsStore& store) override;
 
     void load();
     void unload();
@@ -134,6 +127,7 @@ private:
     std::unique_ptr<TabFrames> m_tabFrames;
     std::unique_ptr<HelpMenu> m_help;
     std::unique_ptr<ParameterMemory> m_parameters;
+    std::unique_ptr<FrameOptions> m_frameOptions;
     std::unique_ptr<SettingsController> m_settings;
     std::unique_ptr<PathDialog> m_pathDialog;
     std::unique_ptr<RandomSource> m_random;
