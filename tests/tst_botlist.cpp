@@ -24,17 +24,45 @@ struct Window : WindowFixture {
         ui().cmbBotType->setCurrentIndex(1); // user-defined: the tab is usable
     }
     QString path() const { return platform.programFolder() + "/botlist.txt"; }
-    QStringList names() const {
-        QStringList result;
-        for (int i = 0; i < ui().BotList->count(); ++i)
-            result.append(ui().BotList->item(i)->text());
-        return result;
-    }
+    QStringList names() const { return entries(ui().BotList); }
 };
 
 const QString ReadError =
     message("Halvane", "Error reading botlist.txt", MsgButtons::Ok, MsgIcon::None);
 } // namespace
+
+// botlist.txt ("-": no file), the bots offered and the only message.
+const QString NoMessage = "0 messages";
+const std::tuple<const char*, QByteArray, QStringList, QString> Files[] = {
+    {"the five-line example",
+     " Sarge \r\n\r\n   \r\n// comment\r\n  //Visor\r\n",
+     {"Sarge", "//Visor"},
+     NoMessage},
+    {"LF only, no final line end, inner blanks kept, one byte per character",
+     "Tank Jr\n//x\nuRIEL\nFr\xe9"
+     "d\xe9ric",
+     {"Tank Jr", "uRIEL", QStringLiteral("Fr\u00e9d\u00e9ric")},
+     NoMessage},
+    {"empty", "", {}, ReadError},
+    {"missing", "-", {}, ReadError},
+    {"only as many as have a team and skill slot",
+     [] {
+         QByteArray many;
+         for (int i = 0; i < 500; ++i)
+             many += "Bot" + QByteArray::number(i) + "\r\n";
+         return many;
+     }(),
+     [] {
+         QStringList offered;
+         for (int i = 0; i < 100; ++i)
+             offered << "Bot" + QString::number(i);
+         return offered;
+     }(),
+     message("Halvane",
+             "botlist.txt lists 500 bots, but only the first 100 can be offered.\r\r400 "
+             "bots were left out.",
+             MsgButtons::Ok, MsgIcon::Information)},
+};
 
 // The random bots and the most players when leaving the box; whether that is warned about.
 const std::tuple<const char*, QString, QString, bool> Leavings[] = {
@@ -47,46 +75,15 @@ const std::tuple<const char*, QString, QString, bool> Leavings[] = {
 class TestBotList : public QObject {
     Q_OBJECT
 private slots:
-    void fileRules_data();
+    void fileRules_data() { addRows(Files); }
     void fileRules();
     void countCaptionTipTeamSkillAndRefresh();
     void leavingRandomBots_data() { addRows(Leavings); }
     void leavingRandomBots();
 };
 
-void TestBotList::fileRules_data() {
-    QTest::addColumn<QByteArray>("content"); // "-": no file
-    QTest::addColumn<QStringList>("expected");
-    QTest::addColumn<QString>("told");
-    const QString none = "0 messages";
-    QTest::newRow("the five-line example")
-        << QByteArray(" Sarge \r\n\r\n   \r\n// comment\r\n  //Visor\r\n")
-        << QStringList{"Sarge", "//Visor"} << none;
-    QTest::newRow("LF only, no final line end, inner blanks kept, one byte per character")
-        << QByteArray("Tank Jr\n//x\nuRIEL\nFr\xe9"
-                      "d\xe9ric")
-        << QStringList{"Tank Jr", "uRIEL", QStringLiteral("Fr\u00e9d\u00e9ric")} << none;
-    QTest::newRow("empty") << QByteArray() << QStringList{} << ReadError;
-    QTest::newRow("missing") << QByteArray("-") << QStringList{} << ReadError;
-    QByteArray many;
-    QStringList offered;
-    for (int i = 0; i < 500; ++i) {
-        many += "Bot" + QByteArray::number(i) + "\r\n";
-        if (i < 100)
-            offered << "Bot" + QString::number(i);
-    }
-    QTest::newRow("only as many as have a team and skill slot")
-        << many << offered
-        << message("Halvane",
-                   "botlist.txt lists 500 bots, but only the first 100 can be offered.\r\r400 "
-                   "bots were left out.",
-                   MsgButtons::Ok, MsgIcon::Information);
-}
-
 void TestBotList::fileRules() {
-    QFETCH(QByteArray, content);
-    QFETCH(QStringList, expected);
-    QFETCH(QString, told);
+    const auto& [name, content, expected, told] = fetchRow(Files);
     Window w(content == "-" ? nullptr : &content);
     QCOMPARE(w.names(), expected);
     QCOMPARE(onlyMessage(w.platform.messages), told);
@@ -110,8 +107,8 @@ void TestBotList::countCaptionTipTeamSkillAndRefresh() {
     w.window->botTables().setTeam(2, 1);
     w.window->botTables().setSkill(2, 4);
     w.ui().BotList->setCurrentRow(2);
-    QCOMPARE(w.ui().cmbBotTeam->currentIndex(), 1);
-    QCOMPARE(w.ui().cmbBotSkill->currentIndex(), 4);
+    QCOMPARE(std::pair(w.ui().cmbBotTeam->currentIndex(), w.ui().cmbBotSkill->currentIndex()),
+             std::pair(1, 4));
     // Choices go to the current entry, selected or not; none current changes nothing.
     w.ui().BotList->setCurrentRow(0);
     w.ui().cmbBotTeam->setCurrentIndex(1);

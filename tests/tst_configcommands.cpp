@@ -40,9 +40,8 @@ const std::tuple<const char*, const char*, const char*> SaveAsTargets[] = {
     {"another script", "g:baseq3/server.cfg", ""},
 };
 
-// "Save config file As" or "Create halvane.cfg"; the fault ("", "invalid", "write fails",
-// "cancel", "split"...); the answer to the success question; the message, "<target>" for the
-// file written.
+// "Save config file As" or "Create halvane.cfg"; the fault ("", "invalid", "write fails", "cancel",
+// "split"...); the answer to the success question; the message, "<target>" for the file written.
 const QString Created = message("Success!",
                                 "halvane.cfg has been created in your baseq3 folder, would you "
                                 "like to view it now?",

@@ -39,10 +39,9 @@ struct ReadOnlyFolder {
 
 } // namespace
 
-// Below the test's folder: the executable's folder, the delivered files'
-// folder, and the data folders all users share (or none); whether the
-// delivered files' folder is read-only, and whether the program's files
-// then live in a folder of the user's own.
+// Below the test's folder: the executable's folder, the delivered files' folder, and the data
+// folders all users share (or none); whether the delivered files' folder is read-only, and whether
+// the program's files then live in a folder of the user's own.
 const std::tuple<const char*, QString, QString, QString, bool, bool> Installs[] = {
     {"build or folder install", "/hv", "/hv", "", false, false},
     {"read-only folder", "/hv", "/hv", "", true, true},

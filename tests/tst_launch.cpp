@@ -1,6 +1,5 @@
-// "Launch the Server": the command line, its splitting into arguments, the
-// duplicate question, failures, and a real start of a
-// stand-in game executable that records how it was started.
+// "Launch the Server": the command line, its splitting into arguments, the duplicate question,
+// failures, and a real start of a stand-in game executable that records how it was started.
 #include "TestSupport.h"
 #include <csignal>
 
@@ -21,8 +20,7 @@ namespace {
 
 const QDateTime Now{QDate(2000, 2, 5), QTime(17, 4, 40)};
 
-// The window's own launch steps, with the configuration write and the clock
-// replaced.
+// The window's own launch steps, with the configuration write and the clock replaced.
 struct StandInSteps : LaunchSteps {
     explicit StandInSteps(LaunchSteps& wired) : wired(wired) {}
     void saveParameterList() override { wired.saveParameterList(); }
@@ -51,8 +49,7 @@ void makeStandInGame(TestPlatform& platform) {
     QFile::setPermissions(script, QFileDevice::Permissions(0x7000)); // the owner's alone
 }
 
-// Processes whose parent is this test, living or zombie: a failed start
-// must leave none behind.
+// Processes whose parent is this test, living or zombie: a failed start must leave none behind.
 QStringList childProcesses() {
     QStringList children;
     const QString self = QString::number(QCoreApplication::applicationPid());
@@ -342,9 +339,8 @@ void LaunchTest::failures() {
     QCOMPARE(childProcesses(), QStringList{});
 }
 
-// The state folder is a file: the server starts, and the operator learns at
-// once that its log and record are lost, and later why a restart failed,
-// with no empty log left from the attempt.
+// The state folder is a file: the server starts, and the operator learns at once that its log and
+// record are lost, and later why a restart failed, with no empty log left from the attempt.
 void LaunchTest::stateThatCannotBeKept() {
     const QString state = platform->root() + "/state";
     platform->writeFile(state, "not a folder");

@@ -1,7 +1,6 @@
-// The map data file: the record format byte for byte, counting, look-up and
-// the start-up check; finding new maps: the archive search over real zip
-// archives, the loose map files, the import list, and the damaged inputs each
-// of them may meet.
+// The map data file: the record format byte for byte, counting, look-up and the start-up check;
+// finding new maps: the archive search over real zip archives, the loose map files, the import
+// list, and the damaged inputs each of them may meet.
 #include "TestSupport.h"
 
 #include "app/AppInfo.h"
@@ -152,8 +151,7 @@ private slots:
     void damagedInputs();
 };
 
-// Short fields are padded with blanks, long ones cut at their width without
-// spilling into the next.
+// Short fields are padded with blanks, long ones cut at their width without spilling into the next.
 void MapDataTest::recordLayoutByteForByte() {
     const auto bytes = [](const MapRecord& record) {
         return QByteArray(record.bytes(), MapRecord::Size);

@@ -1,7 +1,6 @@
-// The Maps tab in the real main window: the two lists and their buttons,
-// mapsel.txt, the rule boxes and "Use Settings as Default", the map editor,
-// the game-type suggestions, and the map picture: which file is shown for a
-// map and how Targa pictures are drawn into the box.
+// The Maps tab in the real main window: the two lists and their buttons, mapsel.txt, the rule boxes
+// and "Use Settings as Default", the map editor, the game-type suggestions, and the map picture:
+// which file is shown for a map and how Targa pictures are drawn into the box.
 #include "TestSupport.h"
 
 #include "maps/GameFileListing.h"
@@ -374,9 +373,8 @@ void MapSelectionTest::chooseEditAndDelete() {
                      MsgButtons::YesNo, MsgIcon::Question));
     QVERIFY(w.record(deleted.mid(1).toInt()).isDeleted()); // the slot stays
     QVERIFY(!entries(w.ui().MapList).contains(deleted));
-    // A map added after it goes to the end, named after its file, and is
-    // shown; the box keeps no more than the record: a longer name once ended
-    // the program.
+    // A map added after it goes to the end, named after its file, and is shown; the box keeps no
+    // more than the record: a longer name once ended the program.
     w.platform.messages.shown.clear();
     MapEditor& editor = w.maps().editor();
     QTest::mouseClick(w.ui().cmdAddMaps, Qt::LeftButton);

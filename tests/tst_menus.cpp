@@ -103,8 +103,8 @@ void MenusTest::editingKeysStayWithTextBoxes() {
     f.ui().txtServerName->setFocus();
     f.ui().txtServerName->deselect();
     QTest::keyClick(f.ui().txtServerName, Qt::Key_A, Qt::ControlModifier);
-    QCOMPARE(saveAs.size(), 0);
-    QCOMPARE(f.ui().txtServerName->selectedText(), QStringLiteral("My server"));
+    QCOMPARE(std::pair(saveAs.size(), f.ui().txtServerName->selectedText()),
+             std::pair(qsizetype(0), QStringLiteral("My server")));
 }
 
 void MenusTest::f1OpensTheHelpOfTheTabShown() {
@@ -162,9 +162,8 @@ void MenusTest::shiftClickOnTabStripShowsHiddenWindow() {
     QCOMPARE(secret && secret->isVisible(), shown);
     if (shown) {
         QCOMPARE(secret->objectName(), QStringLiteral("frmSecret"));
-        QVERIFY(!secret->isModal());
-        QCOMPARE(secret->parentWidget(), f.window.get());
-        QVERIFY(f.window->isEnabled());
+        QVERIFY(!secret->isModal() && secret->parentWidget() == f.window.get() &&
+                f.window->isEnabled());
     }
 }
 

@@ -15,13 +15,6 @@ using namespace halvane::test;
 
 namespace {
 
-QStringList comboList(const QComboBox& combo) {
-    QStringList items;
-    for (int i = 0; i < combo.count(); ++i)
-        items << combo.itemText(i);
-    return items;
-}
-
 QStringList lines(int from, int to) {
     QStringList result;
     for (int i = from; i <= to; ++i)
@@ -60,6 +53,8 @@ struct Fixture {
         platform.ini->write("Advanced", "CDLine", cdLine);
         platform.ini->flush();
     }
+    // The lines offered, then the box's text.
+    QStringList offered() { return entries(combo.view()) << combo.currentText(); }
     QStringList storedParameters() {
         platform.reopenStore();
         QStringList result;
@@ -105,8 +100,7 @@ void ParameterMemoryTest::loadingSkipsEmptyLinesAndNeverReadsTheEleventh() {
     f.store({"", "b", "", "d", "", "", "", "", "", "j", "k"}, "typed last time");
     f.combo.addItem("left over");
     f.memory->loadParameterList();
-    QCOMPARE(comboList(f.combo), (QStringList{"b", "d", "j"}));
-    QCOMPARE(f.combo.currentText(), QStringLiteral("typed last time"));
+    QCOMPARE(f.offered(), QStringList({"b", "d", "j", "typed last time"}));
 }
 
 void ParameterMemoryTest::saving() {
@@ -129,8 +123,7 @@ void ParameterMemoryTest::saving() {
     // What the launch shows right after saving.
     f.memory = f.remake();
     f.memory->loadParameterList();
-    QCOMPARE(comboList(f.combo), offeredNext);
-    QCOMPARE(f.combo.currentText(), text);
+    QCOMPARE(f.offered(), offeredNext + QStringList{text});
 }
 
 void ParameterMemoryTest::cdDriveLoading() {
@@ -147,8 +140,8 @@ void ParameterMemoryTest::cdDriveLoading() {
     f.cdDrive.setEnabled(!checked);
     f.specifyCd.setChecked(checked);
     loading.loadCdDrive();
-    QCOMPARE(f.cdDrive.text(), QString(broken ? "C:" : "E:"));
-    QCOMPARE(f.cdDrive.isEnabled(), checked);
+    QCOMPARE(std::pair(f.cdDrive.text(), f.cdDrive.isEnabled()),
+             std::pair(QString(broken ? "C:" : "E:"), checked));
     QCOMPARE(onlyMessage(p.messages),
              broken ? message("Warning!",
                               "Halvane was unable to locate a valid CD Rom drive.\r\rThe C: Drive "

@@ -12,11 +12,10 @@
 using namespace halvane;
 using namespace halvane::test;
 
-// A new user's ways to a game that the next start still finds: the free
-// game's button, or a server program not named quake3.exe (the engine's
-// own, or the free game's) with the offered game folder over it. The
-// folder stored, below the test folder; "engine" when the choice is stored
-// as made, and asked for again at the next start.
+// A new user's ways to a game that the next start still finds: the free game's button, or a server
+// program not named quake3.exe (the engine's own, or the free game's) with the offered game folder
+// over it. The folder stored, below the test folder; "engine" when the choice is stored as made,
+// and asked for again at the next start.
 const std::tuple<const char*, const char*, MsgAnswer, const char*> Choices[] = {
     {"free game button", "button", MsgAnswer::No, "data/openarena"},
     {"another server program, folder made", "usr/bin/q3ded", MsgAnswer::Yes, "data/q3ded"},

@@ -1,6 +1,5 @@
-// Profiles: the file format byte for byte, damaged and hostile files and
-// names, and the operator keeping, opening and launching profiles through
-// the "Server" menu of the real main window.
+// Profiles: the file format byte for byte, damaged and hostile files and names, and the operator
+// keeping, opening and launching profiles through the "Server" menu of the real main window.
 #include "TestSupport.h"
 
 #include "profiles/ProfileStore.h"
@@ -192,9 +191,8 @@ void ProfilesTest::operatorKeepsProfiles() {
              QStringList({"Beta", f.platform.gameFolder()}));
 }
 
-// A launched profile leaves out the maps the catalogue lacks and leaves the
-// window's values as they were; a port that a running server of ours has is
-// asked about first.
+// A launched profile leaves out the maps the catalogue lacks and leaves the window's values as they
+// were; a port that a running server of ours has is asked about first.
 void ProfilesTest::launchLeavesTheWindowAlone() {
     WindowFixture f([](TestPlatform& p) {
         p.writeFile(p.programFolder() + "/maps.dat", catalogueOf({"q3dm1", "q3dm7"}));

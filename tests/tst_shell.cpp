@@ -49,8 +49,7 @@ struct Fixture : WindowFixture { // shown by each test, after its own preparatio
 };
 } // namespace
 
-// The lists are filled before the stored settings choose in them, and a
-// start stores nothing.
+// The lists are filled before the stored settings choose in them, and a start stores nothing.
 void ShellTest::startUpLoadsTheStoredSettings() {
     Fixture f;
     f.platform.ini->write("Settings", "CheckNewMaps", "True");

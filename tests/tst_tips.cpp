@@ -1,6 +1,5 @@
-// The tip line: a control shows its tip when the mouse moves over it, the
-// built tips are built at that moment, and text boxes select their whole
-// text when they receive the focus.
+// The tip line: a control shows its tip when the mouse moves over it, the built tips are built at
+// that moment, and text boxes select their whole text when they receive the focus.
 #include "TestSupport.h"
 
 #include "app/AppInfo.h"
@@ -78,13 +77,7 @@ void reach(QWidget* widget) {
         }
     }
 }
-} // namespace
 
-void TipsTest::initTestCase() {
-    m_fixture = std::make_unique<WindowFixture>();
-}
-
-namespace {
 // A point of the widget not covered by a child, where the move is its own.
 std::optional<QPoint> emptyPoint(const QWidget* widget) {
     for (int y = 1; y < widget->height(); y += 3) {
@@ -96,6 +89,10 @@ std::optional<QPoint> emptyPoint(const QWidget* widget) {
     return std::nullopt;
 }
 } // namespace
+
+void TipsTest::initTestCase() {
+    m_fixture = std::make_unique<WindowFixture>();
+}
 
 QString TipsTest::tipAfterMove(QWidget* widget) {
     m_fixture->window->form().txtTip->setText("(none)");
@@ -167,8 +164,7 @@ void TipsTest::focusSelectsWholeText() {
     box->deselect();
     // Not by Tab, which a text box answers on its own by selecting.
     box->setFocus(Qt::OtherFocusReason);
-    QVERIFY(box->hasFocus());
-    QVERIFY(!box->text().isEmpty()); // cut to the box's length for the map fields
+    QVERIFY(box->hasFocus() && !box->text().isEmpty()); // cut to the box's length for map fields
     QCOMPARE(box->selectedText(), box->text());
     QTest::keyClicks(box, "7");
     QCOMPARE(box->text(), QStringLiteral("7"));

@@ -11,9 +11,7 @@
 
 namespace halvane::e2e {
 
-namespace {
-const QByteArray OutOfBand("\xff\xff\xff\xff", 4);
-} // namespace
+static const QByteArray OutOfBand("\xff\xff\xff\xff", 4);
 
 QString missingEngine(const EngineFiles& files) {
     if (!QFileInfo(files.engine).isExecutable())
@@ -55,16 +53,13 @@ QString buildGameFolder(const QString& folder, const EngineFiles& files) {
         exe.write(script.toUtf8()) != script.toUtf8().size())
         return QStringLiteral("cannot write ") + exe.fileName();
     exe.close();
-    exe.setPermissions(QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner |
-                       QFileDevice::ReadGroup | QFileDevice::ExeGroup);
+    exe.setPermissions(QFileDevice::Permissions(0x7050)); // the owner's, the group may run it
     return QString();
 }
 
 quint16 freeUdpPort() {
     QUdpSocket socket;
-    if (!socket.bind(QHostAddress::LocalHost, 0))
-        return 0;
-    return socket.localPort();
+    return socket.bind(QHostAddress::LocalHost, 0) ? socket.localPort() : 0;
 }
 
 QStringList ServerStatus::playerNames() const {
@@ -74,8 +69,7 @@ QStringList ServerStatus::playerNames() const {
     return names;
 }
 
-// "statusResponse", then \key\value\key\value..., then one line per player:
-// score ping "name".
+// "statusResponse", then \key\value\key\value..., then one line per player: score ping "name".
 ServerStatus parseStatus(const QByteArray& reply) {
     ServerStatus status;
     const QStringList lines = QString::fromLatin1(reply).split('\n');
@@ -116,18 +110,16 @@ std::optional<QByteArray> query(quint16 port, const QByteArray& command,
 
 std::optional<ServerStatus> getStatus(quint16 port, std::chrono::milliseconds timeout) {
     const auto reply = query(port, "getstatus", timeout);
-    if (!reply || !reply->startsWith("statusResponse"))
-        return std::nullopt;
-    return parseStatus(*reply);
+    return reply && reply->startsWith("statusResponse") ? std::optional(parseStatus(*reply))
+                                                        : std::nullopt;
 }
 
 std::optional<QString> rcon(quint16 port, const QString& password, const QString& command,
                             std::chrono::milliseconds timeout) {
     const auto reply =
         query(port, QStringLiteral("rcon %1 %2").arg(password, command).toLatin1(), timeout);
-    if (!reply || !reply->startsWith("print"))
-        return std::nullopt;
-    return QString::fromLatin1(reply->mid(6));
+    return reply && reply->startsWith("print") ? std::optional(QString::fromLatin1(reply->mid(6)))
+                                               : std::nullopt;
 }
 
 std::optional<ServerStatus> waitForStatus(quint16 port,

@@ -7,10 +7,9 @@
 #include <functional>
 #include <optional>
 
-// Helpers for tests that run our scripts in a real dedicated server: a game
-// folder laid out like the original game's but holding the free OpenArena
-// data, a stand-in quake3.exe that starts the engine, and the server's UDP
-// queries. Everything stays on the loopback interface.
+// Helpers for tests that run our scripts in a real dedicated server: a game folder laid out like
+// the original game's but holding the free OpenArena data, a stand-in quake3.exe that starts the
+// engine, and the server's UDP queries. Everything stays on the loopback interface.
 namespace halvane::e2e {
 
 // Where the engine and the game data are expected (Debian's packages
@@ -25,10 +24,9 @@ struct EngineFiles {
 // missing, for the test's skip message.
 QString missingEngine(const EngineFiles& files = {});
 
-// Builds a game folder: baseoa/ with links to the OpenArena archives and the
-// game library, an empty baseq3/ (where our scripts go), home/ for the
-// engine's own files, and an executable quake3.exe that runs the engine with
-// baseq3 as the game folder. Returns an error text, empty on success.
+// Builds a game folder: baseoa/ with links to the OpenArena archives and the game library, an empty
+// baseq3/ (where our scripts go), home/ for the engine's own files, and an executable quake3.exe
+// that runs the engine with baseq3 as the game folder. Returns an error text, empty on success.
 QString buildGameFolder(const QString& folder, const EngineFiles& files = {});
 
 // A UDP port on 127.0.0.1 that nothing listens on right now.

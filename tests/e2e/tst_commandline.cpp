@@ -1,7 +1,6 @@
-// The command line as a script or a service manager runs it: the real
-// executable, with no display variables, on a settings file and game folder
-// of its own. What it writes is compared with the window's own writes; what
-// it starts and exports is checked against the real dedicated server.
+// The command line as a script or a service manager runs it: the real executable, with no display
+// variables, on a settings file and game folder of its own. What it writes is compared with the
+// window's own writes; what it starts and exports is checked against the real dedicated server.
 #include "ConfigBranches.h"
 #include "RealServer.h"
 #include "TestSupport.h"
@@ -33,9 +32,8 @@ struct Result {
     QString out, err;
 };
 
-// The executable copied into the test's program folder (its own files lie
-// beside it) and run with a home of the test's, on the stored settings of
-// the test's INI file (or on the settings given).
+// The executable copied into the test's program folder (its own files lie beside it) and run with a
+// home of the test's, on the stored settings of the test's INI file (or on the settings given).
 struct CommandLine {
     test::TestPlatform& platform;
     explicit CommandLine(test::TestPlatform& p) : platform(p) {
@@ -344,8 +342,7 @@ void TestCommandLine::runScriptKeepsEveryWord() {
              exporting::serverArguments(input, QFileInfo(p.root()).canonicalFilePath(), true));
 }
 
-// An export that runs out of room half way, or finds its folder read-only, leaves nothing
-// behind.
+// An export that runs out of room half way, or finds its folder read-only, leaves nothing behind.
 void TestCommandLine::exportOnAFullDisk() {
     test::TestPlatform p;
     p.makeGameFolder();

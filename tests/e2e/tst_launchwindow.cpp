@@ -1,10 +1,8 @@
-// The operator's way to a real server: the main window driven offscreen,
-// the game location chosen in the path dialog, options, random bots and a
-// two-map rotation set in the window, "Launch the Server" pressed, and the
-// server that answers on the loopback interface checked over UDP, through
-// the rotation to the second map and its bot set; then the same server
-// watched and steered from the server window, and found again by the next
-// run of the program.
+// The operator's way to a real server: the main window driven offscreen, the game location chosen
+// in the path dialog, options, random bots and a two-map rotation set in the window, "Launch the
+// Server" pressed, and the server that answers on the loopback interface checked over UDP, through
+// the rotation to the second map and its bot set; then the same server watched and steered from the
+// server window, and found again by the next run of the program.
 #include "RealServer.h"
 #include "TestSupport.h"
 
@@ -256,9 +254,8 @@ void TestLaunchWindow::operatorLaunchesTheServer() {
     QTRY_VERIFY_WITH_TIMEOUT(!window.launch().ServerRunning(), 5000);
 }
 
-// A new user's server, the free game set up by the path dialog's button,
-// seen and steered from the server window, kept alive
-// by the monitor, and found again by the next run of the program.
+// A new user's server, the free game set up by the path dialog's button, seen and steered from the
+// server window, kept alive by the monitor, and found again by the next run of the program.
 void TestLaunchWindow::serverWindowSteersTheServer() {
     Operator op;
     op.launch(true);
@@ -413,9 +410,8 @@ void TestLaunchWindow::profilesRunSideBySide() {
     }
 }
 
-// Another host of the test's own: a network namespace joined to this one by a
-// veth pair, with addresses of its own. Removed when the test ends, however
-// it ends; the server in it ends first.
+// Another host of the test's own: a network namespace joined to this one by a veth pair, with
+// addresses of its own. Removed when the test ends, however it ends; the server in it ends first.
 struct OtherHost {
     const qint64 id = QCoreApplication::applicationPid();
     const QString name = QStringLiteral("halvane-e2e-%1").arg(id);
@@ -457,9 +453,8 @@ struct OtherHost {
     }
 };
 
-// A server Halvane did not start, on another host: added in the server
-// window by its address there, its status, console and Next Map read and
-// used across the link.
+// A server Halvane did not start, on another host: added in the server window by its address there,
+// its status, console and Next Map read and used across the link.
 void TestLaunchWindow::serverOnAnotherHost() {
     if (::geteuid() != 0)
         QSKIP("only root can make the network namespace and veth pair this test runs in");
@@ -629,9 +624,8 @@ void TestLaunchWindow::restartsKeepTheirServer() {
     QVERIFY(!window.isVisible());
 }
 
-// Every box at the most hostile value validation lets through: the real
-// server runs none of the commands they hold, and the files holding the
-// passwords are the user's alone.
+// Every box at the most hostile value validation lets through: the real server runs none of the
+// commands they hold, and the files holding the passwords are the user's alone.
 void TestLaunchWindow::hostileValuesRunNoCommand() {
     Operator op;
     op.beforeStart = [](MainForm& ui) {

@@ -1,8 +1,7 @@
-// The game's archives: any bytes as a .pk3, or (odd first byte) a real zip
-// of the member names the input gives, one a line. The listing yields every
-// member as stored, each of them readable, and only names ending in "bsp"
-// as maps; the search skips pak0.pk3, names an archive it cannot read and
-// adds each new map once.
+// The game's archives: any bytes as a .pk3, or (odd first byte) a real zip of the member names the
+// input gives, one a line. The listing yields every member as stored, each of them readable, and
+// only names ending in "bsp" as maps; the search skips pak0.pk3, names an archive it cannot read
+// and adds each new map once.
 #include "FuzzSupport.h"
 
 #include "maps/ArchiveListing.h"

@@ -1,6 +1,5 @@
-// maplist.txt holding any bytes, imported at start-up: the list goes, the
-// catalogue only grows, by whole records with the import's fixed rules, and
-// afterwards every name the list offers is known.
+// maplist.txt holding any bytes, imported at start-up: the list goes, the catalogue only grows, by
+// whole records with the import's fixed rules, and afterwards every name the list offers is known.
 #include "FuzzSupport.h"
 
 #include "maps/MapSelectionFile.h"

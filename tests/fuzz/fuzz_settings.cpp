@@ -16,8 +16,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
         window.showMainWindow();
         window.hide(); // the status panel then rolls without pausing
     }
-    // Every file gets a name of its own: QSettings never serves an older one
-    // from its cache.
+    // Every file gets a name of its own: QSettings never serves an older one from its cache.
     static int run = 0;
     const QString file = platform.root() + QStringLiteral("/%1-%2.ini").arg(++run);
     writeFile(file.arg(0), bytesOf(data, size));

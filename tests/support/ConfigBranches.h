@@ -7,11 +7,10 @@
 
 namespace halvane::test {
 
-// The branches of the server configuration. The change to the base settings
-// (one expression, its assignments joined by commas); consecutive lines the
-// file must hold, and lines it must not hold; the same case as stored
-// settings (section/key=value, one a line), on which the command line and the
-// window must write the same files.
+// The branches of the server configuration. The change to the base settings (one expression, its
+// assignments joined by commas); consecutive lines the file must hold, and lines it must not hold;
+// the same case as stored settings (section/key=value, one a line), on which the command line and
+// the window must write the same files.
 using Change = void (*)(ServerSettings&);
 const std::tuple<const char*, Change, QStringList, QStringList, const char*> Branches[] = {
     {"log with its name as typed",

@@ -43,7 +43,7 @@ void TestPlatform::makeGameFolder() {
     QDir().mkpath(gameFolder() + QStringLiteral("/baseq3"));
     writeFile(gameFolder() + QStringLiteral("/quake3.exe"), "#!/bin/sh\n");
     QFile::setPermissions(gameFolder() + QStringLiteral("/quake3.exe"),
-                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+                          QFileDevice::Permissions(0x7000));
     ini->write(QStringLiteral("Settings"), QStringLiteral("Path"), gameFolder());
     ini->write(QStringLiteral("Settings"), QStringLiteral("Exe"), QStringLiteral("quake3.exe"));
     ini->flush();
@@ -91,9 +91,7 @@ FreeGameSources fakeFreeGame(TestPlatform& platform) {
 
 QByteArray readAll(const QString& path) {
     QFile file(path);
-    if (!file.open(QIODevice::ReadOnly))
-        return QByteArray();
-    return file.readAll();
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 QString firstDifference(const QByteArray& actual, const QByteArray& expected) {
@@ -148,10 +146,8 @@ QStringList described(const FakeMessageBoxes& messages) {
 }
 
 QString onlyMessage(const FakeMessageBoxes& messages) {
-    if (messages.shown.size() != 1)
-        return QStringLiteral("%1 messages").arg(messages.shown.size());
-    const ShownMessage& m = messages.shown.first();
-    return message(m.title, m.text, m.buttons, m.icon);
+    return messages.shown.size() == 1 ? described(messages)[0]
+                                      : QStringLiteral("%1 messages").arg(messages.shown.size());
 }
 
 QString golden(const QString& name) {
