@@ -6,22 +6,15 @@
 
 namespace halvane {
 
-struct MainForm;
 struct AppContext;
-struct AppState;
-class BotTables;
 class MapCatalogue;
 class RandomSource;
-
-// The options of the main window as they stand now.
-ServerSettings readServerSettings(const MainForm& ui, const BotTables& tables,
-                                  const AppState& state);
 
 // What the launch and the File menu call to write the game's scripts: reads
 // the controls at the moment of the call and hands them to the writers.
 class ConfigController {
 public:
-    ConfigController(MainForm& ui, BotTables& tables, MapCatalogue& catalogue, AppContext& app,
+    ConfigController(const ServerSettingsSource& form, MapCatalogue& catalogue, AppContext& app,
                      RandomSource& random);
 
     // Writes the server configuration to path (and the rotation and random
@@ -38,8 +31,7 @@ public:
     ConfigWriter& writer() { return m_writer; }
 
 private:
-    MainForm& ui;
-    BotTables& m_tables;
+    const ServerSettingsSource& m_form;
     AppContext& m_app;
     BotScriptWriter m_bots;
     ConfigWriter m_writer;

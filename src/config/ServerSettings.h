@@ -58,4 +58,11 @@ struct ServerSettings {
     bool randomBotSets() const { return botType == positions::UserDefinedBots && autoSelectBots; }
 };
 
+// Where the writers' options come from: each call reads them as they stand then.
+class ServerSettingsSource {
+public:
+    virtual ~ServerSettingsSource() = default;
+    virtual ServerSettings serverSettings() const = 0;
+};
+
 } // namespace halvane

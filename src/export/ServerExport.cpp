@@ -12,6 +12,7 @@
 #include "server/ServerProtocol.h"
 #include "settings/Positions.h"
 #include "settings/Validation.h"
+#include "ui/FormSettings.h"
 #include "ui/MainForm.h"
 #include "ui/MainWindow.h"
 #include "ui/ProfileCommands.h"

@@ -2,28 +2,8 @@
 #include "settings/Positions.h"
 
 #include "app/AppInfo.h"
-#include "ui/MainForm.h"
 
 namespace halvane {
-
-LaunchOptions launchOptionsFrom(const MainForm& ui) {
-    LaunchOptions options;
-    options.serverType = ui.cmbServerType->currentIndex();
-    options.nop = ui.chkNOP->isChecked();
-    options.hunkMegs = ui.txtHunkMegs->text();
-    options.botType = ui.cmbBotType->currentIndex();
-    options.requirePassword = ui.chkRequirePassword->isChecked();
-    options.serverPassword = ui.txtServerPW->text();
-    options.netIp = ui.txtNetIP->text();
-    options.netPort = ui.txtNetPort->text();
-    options.parameters = ui.txtCmdParameters->currentText();
-    options.specifyCd = ui.chkSpecifyCD->isChecked();
-    options.cdDrive = ui.txtCDROM->text();
-    options.adminName = ui.txtAdminName->text();
-    options.adminEmail = ui.txtAdminEmail->text();
-    options.adminUrl = ui.txtAdminURL->text();
-    return options;
-}
 
 QString buildCommandLine(const LaunchOptions& options, const QDateTime& now) {
     QString line;

@@ -6,8 +6,6 @@
 
 namespace halvane {
 
-struct MainForm;
-
 // What the game's command line is made of, read from the main window's
 // controls at the moment of a launch. Texts are as typed.
 struct LaunchOptions {
@@ -28,9 +26,19 @@ struct LaunchOptions {
     // A server's own script folder, read by the game before the game folder;
     // empty for a server that reads the game folder's scripts.
     QString homePath;
+    // Not on the command line: whether the launch writes the fixed bot script
+    // first, and what the window does once the server runs.
+    bool autoSelectBots = false;
+    bool startState = false;      // chkStartState: minimise or close after a start
+    bool closeAfterStart = false; // optClose: close rather than minimise
 };
 
-LaunchOptions launchOptionsFrom(const MainForm& ui);
+// Where a launch's options come from: each call reads them as they stand then.
+class LaunchOptionsSource {
+public:
+    virtual ~LaunchOptionsSource() = default;
+    virtual LaunchOptions launchOptions() const = 0;
+};
 
 // The text appended to the executable's name; every piece starts with a blank.
 QString buildCommandLine(const LaunchOptions& options, const QDateTime& now);

@@ -4,7 +4,8 @@
 #include "app/AppContext.h"
 #include "launch/CommandLine.h"
 #include "settings/TextForms.h"
-#include "ui/MainForm.h"
+
+#include <QAbstractButton>
 
 #include <QDir>
 #include <QFileInfo>
@@ -16,10 +17,11 @@ namespace {
 using positions::UserDefinedBots;
 } // namespace
 
-LaunchController::LaunchController(MainForm& ui, AppContext& app, QWidget& window,
-                                   LaunchSteps& steps, QObject* parent)
-    : QObject(parent), ui(ui), m_app(app), m_window(window), m_steps(&steps) {
-    connect(ui.cmdStart, &QAbstractButton::clicked, this, &LaunchController::cmdStart);
+LaunchController::LaunchController(const LaunchOptionsSource& form, QAbstractButton& startButton,
+                                   AppContext& app, QWidget& window, LaunchSteps& steps,
+                                   QObject* parent)
+    : QObject(parent), m_form(form), m_app(app), m_window(window), m_steps(&steps) {
+    connect(&startButton, &QAbstractButton::clicked, this, &LaunchController::cmdStart);
 }
 
 bool LaunchController::ServerRunning() {
@@ -51,7 +53,8 @@ bool LaunchController::cmdStart() {
     }
 
     // 4. Before validation: the fixed bot script is rewritten even when it fails.
-    if (ui.cmbBotType->currentIndex() == UserDefinedBots && !ui.chkAutoSelectBots->isChecked())
+    const LaunchOptions chosen = m_form.launchOptions();
+    if (chosen.botType == UserDefinedBots && !chosen.autoSelectBots)
         m_steps->MakeBotScript();
 
     // 5. The validator tells the operator why it refused.
@@ -65,7 +68,7 @@ bool LaunchController::cmdStart() {
     // 7.
     QString stepText;
     const QDateTime now = m_steps->now();
-    LaunchOptions options = launchOptionsFrom(ui);
+    LaunchOptions options = m_form.launchOptions();
     options.homePath = QDir::toNativeSeparators(m_app.state.ScriptFolder);
     const QString commandLine = buildCommandLine(options, now);
 
@@ -101,8 +104,9 @@ bool LaunchController::cmdStart() {
     ServerTaskID = started.taskId;
 
     // 12. The command line's window is never shown, so it stays as it is.
-    if (ui.chkStartState->isChecked() && m_window.isVisible()) {
-        if (ui.optClose->isChecked())
+    const LaunchOptions after = m_form.launchOptions();
+    if (after.startState && m_window.isVisible()) {
+        if (after.closeAfterStart)
             m_window.close(); // the shut-down stores everything
         else
             m_window.showMinimized();

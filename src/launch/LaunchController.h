@@ -4,20 +4,22 @@
 
 #include <QObject>
 
+class QAbstractButton;
 class QWidget;
 
 namespace halvane {
 
-struct MainForm;
 struct AppContext;
+class LaunchOptionsSource;
 
 // "Launch the Server": turns the options into a running game server.
 class LaunchController : public QObject {
     Q_OBJECT
 public:
     // window is minimised or closed after a start when the operator asked for it.
-    LaunchController(MainForm& ui, AppContext& app, QWidget& window, LaunchSteps& steps,
-                     QObject* parent = nullptr);
+    // startButton starts the server when clicked.
+    LaunchController(const LaunchOptionsSource& form, QAbstractButton& startButton, AppContext& app,
+                     QWidget& window, LaunchSteps& steps, QObject* parent = nullptr);
 
     LaunchSteps& steps() { return *m_steps; }
     void setSteps(LaunchSteps& steps) { m_steps = &steps; }
@@ -37,7 +39,7 @@ private:
     void fail(const QString& stepText, int code);
     int configWriteErrorCode() const;
 
-    MainForm& ui;
+    const LaunchOptionsSource& m_form;
     AppContext& m_app;
     QWidget& m_window;
     LaunchSteps* m_steps;

@@ -8,6 +8,7 @@
 #include "server/ServerManager.h"
 #include "settings/Positions.h"
 #include "settings/Validation.h"
+#include "ui/FormSettings.h"
 #include "ui/MainForm.h"
 #include "ui/MainWindow.h"
 

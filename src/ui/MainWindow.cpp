@@ -23,6 +23,7 @@
 #include "ui/Accessibility.h"
 #include "ui/AdvancedPage.h"
 #include "ui/BotsPage.h"
+#include "ui/FormSettings.h"
 #include "ui/FrameOptions.h"
 #include "ui/GeneralPage.h"
 #include "ui/HelpMenu.h"
@@ -109,12 +110,14 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
     m_bots = std::make_unique<BotsController>(ui->tabBots->form(), *ui->txtMaxPlayers, m_botTables,
                                               m_app);
     connect(m_bots.get(), &BotsController::tip, m_tips.get(), &TipLine::ShowTip);
-    m_config = std::make_unique<ConfigController>(*ui, m_botTables, *m_catalogue, m_app, *m_random);
+    m_formSettings = std::make_unique<FormSettings>(*ui, m_botTables, m_app.state);
+    m_config = std::make_unique<ConfigController>(*m_formSettings, *m_catalogue, m_app, *m_random);
 
     m_validation = std::make_unique<Validation>(*ui, m_app, *m_settings);
     m_validation->installGuards();
     m_configCommands = std::make_unique<ConfigFileCommands>(*ui, m_app, *this);
-    m_launch = std::make_unique<LaunchController>(*ui, m_app, *this, *this);
+    m_launch =
+        std::make_unique<LaunchController>(*m_formSettings, *ui->cmdStart, m_app, *this, *this);
     if (m_role == WindowRole::Main)
         m_servers =
             std::make_unique<ServerControl>(*this, *ui, ui->tabAdvanced->form(), m_app, *m_launch);

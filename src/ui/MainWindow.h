@@ -14,6 +14,7 @@ struct MainForm;
 struct AppContext;
 class BotsController;
 class ConfigController;
+class FormSettings;
 class MapCatalogue;
 class MapsController;
 class ConfigFileCommands;
@@ -133,6 +134,7 @@ private:
     std::unique_ptr<RandomSource> m_random;
     std::unique_ptr<MapCatalogue> m_catalogue;
     std::unique_ptr<BotsController> m_bots;
+    std::unique_ptr<FormSettings> m_formSettings;
     std::unique_ptr<ConfigController> m_config;
     std::unique_ptr<MapsController> m_maps;
     std::unique_ptr<Validation> m_validation;
