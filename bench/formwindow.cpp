@@ -5,12 +5,11 @@
 // page with that page's own form.
 #include "ui/MainForm.h"
 
+#include "ShownWindow.h"
+
 #include <QApplication>
 #include <QMainWindow>
-#include <QTest>
-#include <cstdio>
 #include <cstring>
-#include <ctime>
 
 int main(int argc, char* argv[]) {
     QApplication application(argc, argv);
@@ -18,10 +17,5 @@ int main(int argc, char* argv[]) {
     halvane::MainForm form;
     form.setup(&window);
     window.show();
-    if (!QTest::qWaitForWindowExposed(&window))
-        return 1;
-    if (argc == 2 && std::strcmp(argv[1], "--cpu") == 0)
-        std::printf("%.1f\n", std::clock() * 1000.0 / CLOCKS_PER_SEC);
-    std::fflush(stdout);
-    return 0;
+    return endOnceShown(window, argc == 2 && std::strcmp(argv[1], "--cpu") == 0);
 }

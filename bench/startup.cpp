@@ -18,13 +18,13 @@
 #include "platform/QtPlatform.h"
 #include "ui/MainWindow.h"
 
+#include "ShownWindow.h"
+
 #include <QApplication>
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
-#include <QTest>
 #include <cstdio>
-#include <ctime>
 #include <zlib.h>
 
 using namespace halvane;
@@ -161,10 +161,5 @@ int main(int argc, char* argv[]) {
     AppContext app{{messages, dialogs, processes, shell, desktop, store, folder}, {}};
     MainWindow window(app);
     window.start();
-    if (!window.isVisible() || !QTest::qWaitForWindowExposed(&window))
-        return 1;
-    if (reportCpu)
-        std::printf("%.1f\n", std::clock() * 1000.0 / CLOCKS_PER_SEC);
-    std::fflush(stdout);
-    return 0;
+    return endOnceShown(window, reportCpu);
 }

@@ -20,22 +20,6 @@ namespace {
 // The window height with the status panel closed, at 96 DPI.
 constexpr int ClosedHeight = 386;
 
-// The controls of a form that a user reads or operates: named by the form, not Qt internals.
-QList<QWidget*> namedControls(QWidget* root) {
-    QList<QWidget*> result;
-    const auto children = root->findChildren<QWidget*>();
-    for (QWidget* w : children) {
-        const QString name = w->objectName();
-        if (name.isEmpty() || name.startsWith(QLatin1String("qt_")))
-            continue;
-        if (qobject_cast<QLabel*>(w) || qobject_cast<QLineEdit*>(w) ||
-            qobject_cast<QComboBox*>(w) || qobject_cast<QAbstractButton*>(w) ||
-            qobject_cast<QListView*>(w))
-            result.append(w);
-    }
-    return result;
-}
-
 // The controls of a tab or window that take the focus, as a screen reader meets them: not
 // the parts of Qt's own widgets, nor the lists the program keeps hidden. A window is met
 // itself too: its title is spoken when it opens.
@@ -100,20 +84,13 @@ class TestForms : public QObject {
 
 private slots:
     void initTestCase();
-
     void tabCaptions();
     void screenReaderMeetsEveryControl_data();
     void screenReaderMeetsEveryControl();
     void accessibleTreeNamesEveryFocusable();
-
     void windowFitsClosedHeight();
 
 private:
-    void showMainWindow(int height);
-
-    QScopedPointer<QMainWindow> m_main;
-    Ui::frmMain m_mainUi;
-
     // The real windows, named as the program names them at start-up.
     std::unique_ptr<halvane::test::TestPlatform> m_platform;
     std::unique_ptr<halvane::MainWindow> m_window;
@@ -132,18 +109,6 @@ void TestForms::initTestCase() {
     for (QDialog* dialog : m_window->findChildren<QDialog*>())
         m_readerRoots.append(dialog);
     m_readerRoots.append(&m_window->servers().serverWindow());
-}
-
-// A fresh window from the form alone, so nothing the program does sizes it.
-void TestForms::showMainWindow(int height) {
-    m_main.reset(new QMainWindow);
-    m_mainUi.setupUi(m_main.data());
-    m_main->resize(m_main->width(), height);
-    m_main->show();
-    QVERIFY(QTest::qWaitForWindowExposed(m_main.data()));
-    m_main->layout()->activate();
-    QCoreApplication::processEvents();
-    QCOMPARE(m_main->height(), height);
 }
 
 // ------------------------------------------------------------------ controls and captions
@@ -232,37 +197,52 @@ void TestForms::accessibleTreeNamesEveryFocusable() {
 // With the status panel closed every tab still shows all of its controls above the buttons,
 // which sit inside the window; the tip line is cut off but the status bar stays to be clicked.
 void TestForms::windowFitsClosedHeight() {
-    showMainWindow(ClosedHeight);
-    const int buttonTop = rectIn(m_mainUi.cmdStart, m_main.data()).top();
-    for (int index = 0; index < m_mainUi.SSTab1->count(); ++index) {
-        m_mainUi.SSTab1->setCurrentIndex(index);
+    // A fresh window from the form alone, so nothing the program does sizes it.
+    QScopedPointer<QMainWindow> window(new QMainWindow);
+    Ui::frmMain form;
+    form.setupUi(window.data());
+    window->resize(window->width(), ClosedHeight);
+    window->show();
+    QVERIFY(QTest::qWaitForWindowExposed(window.data()));
+    window->layout()->activate();
+    QCoreApplication::processEvents();
+    QCOMPARE(window->height(), ClosedHeight);
+    const int buttonTop = rectIn(form.cmdStart, window.data()).top();
+    for (int index = 0; index < form.SSTab1->count(); ++index) {
+        form.SSTab1->setCurrentIndex(index);
         QCoreApplication::processEvents();
-        QWidget* page = m_mainUi.SSTab1->widget(index);
+        QWidget* page = form.SSTab1->widget(index);
         // The page's size where its needs exceed it, shown with both sizes.
         QCOMPARE(page->minimumSizeHint().boundedTo(page->size()), page->minimumSizeHint());
-        for (QWidget* w : namedControls(page)) {
+        // The controls an operator reads or operates, named by the form: not Qt's internals.
+        for (QWidget* w : page->findChildren<QWidget*>()) {
+            if (w->objectName().isEmpty() || w->objectName().startsWith(QLatin1String("qt_")) ||
+                !(qobject_cast<QLabel*>(w) || qobject_cast<QLineEdit*>(w) ||
+                  qobject_cast<QComboBox*>(w) || qobject_cast<QAbstractButton*>(w) ||
+                  qobject_cast<QListView*>(w)))
+                continue;
             const QRect r = rectIn(w, page);
             QVERIFY2(
                 !w->isVisibleTo(page) ||
-                    (page->rect().contains(r) && rectIn(w, m_main.data()).bottom() < buttonTop &&
+                    (page->rect().contains(r) && rectIn(w, window.data()).bottom() < buttonTop &&
                      r.height() >= qMin(w->minimumSizeHint().height(), w->sizeHint().height())),
                 qPrintable(w->objectName() + " is clipped, squeezed or reaches the buttons"));
         }
     }
-    const int needed = m_main->centralWidget()->layout()->minimumSize().height();
-    QCOMPARE(qMin(needed, ClosedHeight - m_main->menuBar()->height()), needed);
-    QVERIFY(m_main->minimumSizeHint().height() <= ClosedHeight);
-    const QRect tabs = rectIn(m_mainUi.SSTab1, m_main.data());
-    for (QWidget* button : {m_mainUi.cmdStart, m_mainUi.cmdClose, m_mainUi.cmdSetPath}) {
-        const QRect r = rectIn(button, m_main.data());
+    const int needed = window->centralWidget()->layout()->minimumSize().height();
+    QCOMPARE(qMin(needed, ClosedHeight - window->menuBar()->height()), needed);
+    QVERIFY(window->minimumSizeHint().height() <= ClosedHeight);
+    const QRect tabs = rectIn(form.SSTab1, window.data());
+    for (QWidget* button : {form.cmdStart, form.cmdClose, form.cmdSetPath}) {
+        const QRect r = rectIn(button, window.data());
         QVERIFY(r.top() > tabs.bottom() && r.bottom() < ClosedHeight);
     }
-    const int tipShown = m_mainUi.scrTip->height();
-    QVERIFY2(tipShown < m_mainUi.txtTip->fontMetrics().height(),
+    const int tipShown = form.scrTip->height();
+    QVERIFY2(tipShown < form.txtTip->fontMetrics().height(),
              qPrintable(QStringLiteral("%1 px of the tip line show").arg(tipShown)));
-    const QRect bar = rectIn(m_mainUi.btnStatus, m_main.data());
+    const QRect bar = rectIn(form.btnStatus, window.data());
     QVERIFY(bar.height() > 0 && bar.bottom() < ClosedHeight &&
-            bar.top() > rectIn(m_mainUi.cmdStart, m_main.data()).bottom());
+            bar.top() > rectIn(form.cmdStart, window.data()).bottom());
 }
 
 int main(int argc, char* argv[]) {

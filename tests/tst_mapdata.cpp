@@ -281,10 +281,9 @@ void MapDataTest::zipReader() {
     if (shape == "cut")
         bytes.chop(30);
     platform.writeFile(path, bytes);
-    QByteArrayList members;
+    QStringList members;
     QCOMPARE(listArchive(path, [&](const QByteArray& name) { members.append(name); }), listed);
-    const QByteArrayList expected{"maps/a.bsp", "levelshots/a.jpg"};
-    QCOMPARE(members, listed ? expected : QByteArrayList());
+    QCOMPARE(members, listed ? names : QStringList());
     QCOMPARE(readArchiveMember(path, "levelshots/a.jpg", 5000).value_or("none"),
              read ? shot : "none");
     QVERIFY(!readArchiveMember(path, "levelshots/a.jpg", 4999)); // over the limit
@@ -348,8 +347,7 @@ void MapDataTest::damagedInputs() {
     QCOMPARE(readAll(list), ten);
     QCOMPARE(f.catalogue.CurrentMapRecord, qint16(-1));
     QVERIFY(onlyMessage(f.platform.messages)
-                .contains("5 of the 10 new maps found in "
-                          "maplist.txt could not be added"));
+                .contains("5 of the 10 new maps found in maplist.txt could not be added"));
 }
 
 QTEST_MAIN(MapDataTest)

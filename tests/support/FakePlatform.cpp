@@ -35,33 +35,4 @@ StartResult FakeProcesses::start(const QString& program, const QStringList& argu
     return {true, id, 0, id * 7};
 }
 
-qint64 FakeProcesses::startTimeOf(qint64 taskId) {
-    return alive.contains(taskId) ? taskId * 7 : 0;
-}
-
-bool FakeProcesses::end(qint64 taskId, bool force) {
-    ended.append(force ? -taskId : taskId);
-    return alive.removeAll(taskId) > 0;
-}
-
-bool FakeProcesses::activate(qint64 taskId) {
-    activated.append(taskId);
-    return alive.contains(taskId);
-}
-
-bool FakeShell::openDocument(const QString& target) {
-    opened.append(target);
-    return succeed;
-}
-
-bool FakeShell::editTextFile(const QString& path) {
-    edited.append(path);
-    return succeed;
-}
-
-void FakeDesktop::setBusy(bool busy) {
-    ++busyCalls;
-    busyDepth += busy ? 1 : -1;
-}
-
 } // namespace halvane

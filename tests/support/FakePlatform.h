@@ -57,9 +57,15 @@ class FakeProcesses : public Processes {
 public:
     StartResult start(const QString& program, const QStringList& arguments,
                       const QString& workingFolder, const QString& logFile) override;
-    bool activate(qint64 taskId) override;
-    qint64 startTimeOf(qint64 taskId) override;
-    bool end(qint64 taskId, bool force) override;
+    bool activate(qint64 taskId) override {
+        activated.append(taskId);
+        return alive.contains(taskId);
+    }
+    qint64 startTimeOf(qint64 taskId) override { return alive.contains(taskId) ? taskId * 7 : 0; }
+    bool end(qint64 taskId, bool force) override {
+        ended.append(force ? -taskId : taskId);
+        return alive.removeAll(taskId) > 0;
+    }
     QList<quint16> udpPortsOf(qint64 taskId) override { return udpPorts.value(taskId); }
     QList<StartedProcess> started;
     QMap<qint64, QList<quint16>> udpPorts;
@@ -72,10 +78,9 @@ public:
 
 class FakeShell : public Shell {
 public:
-    bool openDocument(const QString& target) override;
-    bool editTextFile(const QString& path) override;
-    QStringList opened;
-    QStringList edited;
+    bool openDocument(const QString& target) override { return opened.append(target), succeed; }
+    bool editTextFile(const QString& path) override { return edited.append(path), succeed; }
+    QStringList opened, edited;
     bool succeed = true;
 };
 
@@ -83,11 +88,9 @@ class FakeDesktop : public Desktop {
 public:
     bool anotherCopyRunning() override { return otherCopy; }
     void beep() override { ++beeps; }
-    void setBusy(bool busy) override;
+    void setBusy(bool busy) override { ++busyCalls, busyDepth += busy ? 1 : -1; }
     bool otherCopy = false;
-    int beeps = 0;
-    int busyDepth = 0;
-    int busyCalls = 0;
+    int beeps = 0, busyDepth = 0, busyCalls = 0;
 };
 
 } // namespace halvane

@@ -89,25 +89,21 @@ FreeGameSources fakeFreeGame(TestPlatform& platform) {
     return paths;
 }
 
-QByteArray readAll(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
 QString firstDifference(const QByteArray& actual, const QByteArray& expected) {
     if (actual == expected)
         return QString();
-    const QList<QByteArray> a = actual.split('\n');
-    const QList<QByteArray> e = expected.split('\n');
+    const QList<QByteArray> a = actual.split('\n'), e = expected.split('\n');
+    // Line i of lines, shown with its unprintable bytes escaped.
+    const auto line = [](const QList<QByteArray>& lines, int i) {
+        return QString::fromLatin1(i < lines.size()
+                                       ? lines[i].toPercentEncoding(" /\\\"';:.,=+-_()[]*?<>|!#")
+                                       : QByteArray("<missing>"));
+    };
     for (int i = 0; i < qMax(a.size(), e.size()); ++i) {
-        const QByteArray left = i < a.size() ? a[i] : QByteArray("<missing>");
-        const QByteArray right = i < e.size() ? e[i] : QByteArray("<missing>");
-        if (left != right) {
+        if (line(a, i) != line(e, i))
             return QStringLiteral("line %1:\n  actual:   %2\n  expected: %3")
                 .arg(i + 1)
-                .arg(QString::fromLatin1(left.toPercentEncoding(" /\\\"';:.,=+-_()[]*?<>|!#")),
-                     QString::fromLatin1(right.toPercentEncoding(" /\\\"';:.,=+-_()[]*?<>|!#")));
-        }
+                .arg(line(a, i), line(e, i));
     }
     return QStringLiteral("files differ");
 }
@@ -134,10 +130,6 @@ bool makeArchive(const QString& path, const QStringList& members,
     return zip_close(archive) == 0;
 }
 
-QString message(const QString& title, const QString& text, MsgButtons buttons, MsgIcon icon) {
-    return QStringLiteral("%1|%2|%3|%4").arg(title, text).arg(int(buttons)).arg(int(icon));
-}
-
 QStringList described(const FakeMessageBoxes& messages) {
     QStringList result;
     for (const ShownMessage& m : messages.shown)
@@ -148,10 +140,6 @@ QStringList described(const FakeMessageBoxes& messages) {
 QString onlyMessage(const FakeMessageBoxes& messages) {
     return messages.shown.size() == 1 ? described(messages)[0]
                                       : QStringLiteral("%1 messages").arg(messages.shown.size());
-}
-
-QString golden(const QString& name) {
-    return QStringLiteral(HALVANE_TEST_DIR "/golden/") + name;
 }
 
 QByteArray catalogueOf(const QStringList& files) {

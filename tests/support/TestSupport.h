@@ -9,6 +9,7 @@
 
 #include <QAbstractItemView>
 #include <QByteArray>
+#include <QFile>
 #include <QHash>
 #include <QStringList>
 #include <QTemporaryDir>
@@ -99,7 +100,10 @@ template <typename Row, std::size_t N> const Row& fetchRow(const Row (&rows)[N])
     return rows[row];
 }
 
-QByteArray readAll(const QString& path);
+inline QByteArray readAll(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
 
 // The free game as Debian installs it, below the test's folder.
 FreeGameSources fakeFreeGame(TestPlatform& platform);
@@ -113,13 +117,18 @@ bool makeArchive(const QString& path, const QStringList& members,
                  const QHash<QString, QByteArray>& contents = {});
 
 // A message as "title|text|buttons|icon", so one QCOMPARE checks all four.
-QString message(const QString& title, const QString& text, MsgButtons buttons, MsgIcon icon);
+inline QString message(const QString& title, const QString& text, MsgButtons buttons,
+                       MsgIcon icon) {
+    return QStringLiteral("%1|%2|%3|%4").arg(title, text).arg(int(buttons)).arg(int(icon));
+}
 // Every message shown, described as above.
 QStringList described(const FakeMessageBoxes& messages);
 // The only message shown, described as above; says how many when not one.
 QString onlyMessage(const FakeMessageBoxes& messages);
 // The path of a golden file in tests/golden.
-QString golden(const QString& name);
+inline QString golden(const QString& name) {
+    return HALVANE_TEST_DIR "/golden/" + name;
+}
 // A map catalogue file of records with these file names ("" for a deleted
 // slot), display names "Name of <file>" and the built-in rules.
 QByteArray catalogueOf(const QStringList& files);
