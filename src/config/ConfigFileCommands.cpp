@@ -2,8 +2,10 @@
 
 #include "app/AppContext.h"
 #include "config/ConfigSteps.h"
-#include "ui/MainForm.h"
 
+#include <QAbstractButton>
+#include <QAction>
+#include <QComboBox>
 #include <QFileInfo>
 
 namespace halvane {
@@ -74,8 +76,8 @@ QString ConfigFileCommands::refusedTarget(const QString& target) const {
     return QString();
 }
 
-ConfigFileCommands::ConfigFileCommands(MainForm& ui, AppContext& app, ConfigSteps& steps,
-                                       QObject* parent)
+ConfigFileCommands::ConfigFileCommands(const ConfigFileControls& ui, AppContext& app,
+                                       ConfigSteps& steps, QObject* parent)
     : QObject(parent), ui(ui), m_app(app), m_steps(&steps) {
     ui.mnuFileMakeCfg->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_S));
     ui.mnuFileSaveAs->setShortcut(QKeySequence(Qt::CTRL | Qt::Key_A));

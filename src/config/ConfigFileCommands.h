@@ -2,18 +2,29 @@
 
 #include <QObject>
 
+class QAbstractButton;
+class QAction;
+class QComboBox;
+
 namespace halvane {
 
-struct MainForm;
 struct AppContext;
 class ConfigSteps;
+
+// The controls the commands answer to and read.
+struct ConfigFileControls {
+    QAction* mnuFileMakeCfg;
+    QAction* mnuFileSaveAs;
+    QAbstractButton* cmdEditCfg;
+    QComboBox* txtCfg; // the extra script
+};
 
 // The File menu commands that write the configuration without launching, and
 // the extra script chooser with its "Edit" button.
 class ConfigFileCommands : public QObject {
     Q_OBJECT
 public:
-    ConfigFileCommands(MainForm& ui, AppContext& app, ConfigSteps& steps,
+    ConfigFileCommands(const ConfigFileControls& ui, AppContext& app, ConfigSteps& steps,
                        QObject* parent = nullptr);
 
     ConfigSteps& steps() { return *m_steps; }
@@ -31,7 +42,7 @@ private:
     // program's own files, the scripts the configuration runs), or empty.
     QString refusedTarget(const QString& target) const;
 
-    MainForm& ui;
+    ConfigFileControls ui;
     AppContext& m_app;
     ConfigSteps* m_steps;
 };

@@ -115,7 +115,9 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
 
     m_validation = std::make_unique<Validation>(*ui, m_app, *m_settings);
     m_validation->installGuards();
-    m_configCommands = std::make_unique<ConfigFileCommands>(*ui, m_app, *this);
+    m_configCommands = std::make_unique<ConfigFileCommands>(
+        ConfigFileControls{ui->mnuFileMakeCfg, ui->mnuFileSaveAs, ui->cmdEditCfg, ui->txtCfg},
+        m_app, *this);
     m_launch =
         std::make_unique<LaunchController>(*m_formSettings, *ui->cmdStart, m_app, *this, *this);
     if (m_role == WindowRole::Main)
