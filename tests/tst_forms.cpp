@@ -103,6 +103,7 @@ void TestForms::initTestCase() {
     m_window = std::make_unique<halvane::MainWindow>(*m_platform->app);
     m_window->start();
     new halvane::SecretWindow(*m_window); // made on demand by the program
+    m_window->pathDialog().form(); // built when first shown
     m_readerRoots = {m_window.get(), &m_window->pathDialog()};
     for (int i = 0; i < m_window->form().SSTab1->count(); ++i)
         m_readerRoots.append(m_window->form().SSTab1->widget(i));

@@ -14,18 +14,27 @@ const QString Section = QStringLiteral("Settings");
 }
 
 PathDialog::PathDialog(AppContext& app, PathDialogHost& host, QWidget* owner)
-    : QDialog(owner), ui(std::make_unique<Ui::frmPath>()), m_app(app), m_host(host) {
-    ui->setupUi(this);
+    : QDialog(owner), m_app(app), m_host(host) {
     setModal(false);
+}
+
+PathDialog::~PathDialog() = default;
+
+// Most starts find a valid stored location and never show the dialog, so its
+// controls are built only when it is about to be shown or reached.
+Ui::frmPath& PathDialog::form() {
+    if (ui)
+        return *ui;
+    ui = std::make_unique<Ui::frmPath>();
+    ui->setupUi(this);
     connect(ui->cmdBrowse, &QAbstractButton::clicked, this, &PathDialog::cmdBrowse);
     connect(ui->cmdOkay, &QAbstractButton::clicked, this, &PathDialog::cmdOkay);
     connect(ui->cmdCancel, &QAbstractButton::clicked, this, &PathDialog::cmdCancel);
     connect(ui->cmdFreeGame, &QAbstractButton::clicked, this, &PathDialog::cmdFreeGame);
     connect(ui->txtPath, &QLineEdit::textChanged, this,
             [this](const QString& text) { ui->cmdOkay->setEnabled(!text.isEmpty()); });
+    return *ui;
 }
-
-PathDialog::~PathDialog() = default;
 
 bool PathDialog::readStoredLocation(AppState& state, const SettingsStore& store) {
     state.GameFolder = store.read(Section, QStringLiteral("Path"), QString());
@@ -52,10 +61,10 @@ void PathDialog::load() {
             return;
         }
         PathChosen = false;
-        ui->txtPath->clear();
+        form().txtPath->clear();
     } else {
-        ui->txtPath->setText(QDir::toNativeSeparators(state.GameFolder) + QDir::separator() +
-                             state.GameExeName);
+        form().txtPath->setText(QDir::toNativeSeparators(state.GameFolder) + QDir::separator() +
+                                state.GameExeName);
     }
     ui->cmdOkay->setEnabled(!ui->txtPath->text().isEmpty());
     ui->cmdFreeGame->setVisible(freeGameInstalled(freeGame));

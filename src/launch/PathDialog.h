@@ -42,7 +42,7 @@ public:
     static bool readStoredLocation(AppState& state, const SettingsStore& store);
 
     bool PathChosen = false;
-    Ui::frmPath& form() { return *ui; }
+    Ui::frmPath& form();
 
     // Where the free game is looked for, and the folder it is set up in;
     // game folders for other server programs are made beside that one.
