@@ -113,7 +113,9 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
     m_formSettings = std::make_unique<FormSettings>(*ui, m_botTables, m_app.state);
     m_config = std::make_unique<ConfigController>(*m_formSettings, *m_catalogue, m_app, *m_random);
 
-    m_validation = std::make_unique<Validation>(*ui, m_app, *m_settings);
+    m_validation = std::make_unique<Validation>(
+        ui->tabGeneral->form(), ui->tabBots->form(), ui->tabMaps->form(), ui->tabOptions->form(),
+        ui->tabAdvanced->form(), *ui->SSTab1, m_app, *m_settings);
     m_validation->installGuards();
     m_configCommands = std::make_unique<ConfigFileCommands>(
         ConfigFileControls{ui->mnuFileMakeCfg, ui->mnuFileSaveAs, ui->cmdEditCfg, ui->txtCfg},
