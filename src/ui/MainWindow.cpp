@@ -39,6 +39,7 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDir>
+#include <QMenu>
 #include <QWindow>
 
 namespace halvane {
@@ -113,7 +114,9 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
     m_formSettings = std::make_unique<FormSettings>(*ui, m_botTables, m_app.state);
     m_config = std::make_unique<ConfigController>(*m_formSettings, *m_catalogue, m_app, *m_random);
 
-    m_validation = std::make_unique<Validation>(*ui, m_app, *m_settings);
+    m_validation = std::make_unique<Validation>(
+        ui->tabGeneral->form(), ui->tabBots->form(), ui->tabMaps->form(), ui->tabOptions->form(),
+        ui->tabAdvanced->form(), *ui->SSTab1, m_app, *m_settings);
     m_validation->installGuards();
     m_configCommands = std::make_unique<ConfigFileCommands>(
         ConfigFileControls{ui->mnuFileMakeCfg, ui->mnuFileSaveAs, ui->cmdEditCfg, ui->txtCfg},
@@ -125,10 +128,13 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
             std::make_unique<ServerControl>(*this, *ui, ui->tabAdvanced->form(), m_app, *m_launch);
     else
         SkipSaveOnClose = true;
-    m_export = std::make_unique<ServerExport>(*this, m_app);
+    m_export = std::make_unique<ServerExport>(findChild<QMenu*>(QStringLiteral("mnuServer")), *this,
+                                              *m_formSettings, *m_formSettings, *m_catalogue,
+                                              *m_random, m_app);
     if (m_role == WindowRole::Main) {
         m_profiles = std::make_unique<ProfileCommands>(*this, m_app, *m_servers);
         m_servers->setProfileLauncher(m_profiles.get());
+        m_export->setCurrentProfile(m_profiles.get());
     }
 
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
