@@ -5,7 +5,7 @@
 #include "platform/PrivateFiles.h"
 #include "platform/WholeFile.h"
 #include "settings/SettingsController.h"
-#include "ui/MainForm.h"
+#include "settings/Validation.h"
 
 #include <QtTest>
 
@@ -65,7 +65,6 @@ private slots:
     void storedValueLoads();
     void enablingRules_data();
     void enablingRules();
-    void demoRecordingWarning();
     void secretsAreTheUsersAlone_data();
     void secretsAreTheUsersAlone();
 
@@ -84,10 +83,12 @@ void SettingsTest::emptyStoreSavesEveryDefaultUntilARefusal() {
           "Settings/CheckNewMaps=False", "Bots/Selected2=False", "Bots/Team 2=0",
           "Bots/Strength 2=1"})
         QVERIFY2(writes.contains(entry), entry);
-    // A refused write ends the save there.
+    // A refused write ends the save there, and fails the checks before a launch
+    // without a word.
     run.platform.store->failAtKey = "AdminName";
     QVERIFY(run.save().isEmpty());
     QVERIFY(run.platform.store->writes.last().startsWith("General/AdminName="));
+    QVERIFY(!run.window->validation().ValidateAll() && run.platform.messages.shown.isEmpty());
     // Closing says where and why the settings could not be stored, and still ends.
     run.platform.store->failAtKey.clear();
     QVERIFY(QFile::remove(run.platform.iniPath()) && QDir().mkpath(run.platform.iniPath()));
@@ -114,9 +115,18 @@ void SettingsTest::saveThenLoadReproducesEveryValue() {
     for (QComboBox* combo : run.window->findChildren<QComboBox*>())
         combo->setCurrentIndex(combo->currentIndex() == 1 ? 2 : 1);
     ui.txtCfg->setEditText("server.cfg");
-    run.platform.messages.answers = {MsgAnswer::Yes}; // keep demo recording on
+    // Turning demo recording on warns: "No" clears it again, "Yes" keeps it.
+    run.platform.messages.answers = {MsgAnswer::No, MsgAnswer::Yes};
+    ui.chkDemoRecording->setChecked(true);
+    QVERIFY(!ui.chkDemoRecording->isChecked());
     for (QCheckBox* check : run.window->findChildren<QCheckBox*>())
         check->setChecked(!check->isChecked());
+    QVERIFY(ui.chkDemoRecording->isChecked());
+    QCOMPARE(described(run.platform.messages),
+             QStringList(2, message("Warning",
+                                    "Turning this feature on is likely to cause severe performance "
+                                    "issues for your clients.\r\rAre you sure you want to do this?",
+                                    MsgButtons::YesNo, MsgIcon::Question)));
     ui.optClose->setChecked(true);
     ui.mnuSettingsMapCheck->setChecked(true);
     ui.SSTab1->setCurrentIndex(4);
@@ -129,6 +139,9 @@ void SettingsTest::saveThenLoadReproducesEveryValue() {
     QCOMPARE(run.window->form().SSTab1->currentIndex(), 0); // every run opens on the first tab
     run.window->settings().LoadSettings(); // ... but the load selects the stored one
     QCOMPARE(run.save(), saved);
+    run.platform.messages.clear();
+    run.ui().chkDemoRecording->setChecked(false); // clearing asks nothing
+    QCOMPARE(run.platform.messages.shown.size(), 0);
 }
 
 void SettingsTest::storedValueLoads() {
@@ -217,23 +230,6 @@ void SettingsTest::enablingRules() {
             button->setChecked(token.endsWith("=1"));
         }
     }
-}
-
-void SettingsTest::demoRecordingWarning() {
-    WindowFixture w;
-    QCheckBox& demo = *w.ui().chkDemoRecording;
-    w.platform.messages.answers = {MsgAnswer::No, MsgAnswer::Yes};
-    demo.setChecked(true); // "No" clears it again
-    QVERIFY(!demo.isChecked());
-    QCOMPARE(onlyMessage(w.platform.messages),
-             message("Warning",
-                     "Turning this feature on is likely to cause severe performance issues for "
-                     "your clients.\r\rAre you sure you want to do this?",
-                     MsgButtons::YesNo, MsgIcon::Question));
-    demo.setChecked(true); // "Yes" keeps it
-    QVERIFY(demo.isChecked());
-    demo.setChecked(false); // clearing asks nothing
-    QCOMPARE(w.platform.messages.shown.size(), 2);
 }
 
 void SettingsTest::secretsAreTheUsersAlone_data() {
