@@ -8,7 +8,6 @@
 #include "bots/RandomSource.h"
 #include "config/ConfigWriter.h"
 #include "maps/MapCatalogue.h"
-#include "ui_frmMain.h"
 
 #include <QDir>
 #include <QSet>
@@ -60,22 +59,20 @@ ServerSettings withBots(int count) {
     return s;
 }
 
-// The names a set script kicks and adds ("kick X" / "addbot X  L team").
-QSet<QString> namesAfter(const QString& path, const QString& command) {
-    QSet<QString> names;
-    for (const QString& line : QString::fromLatin1(readAll(path)).split("\r\n")) {
-        if (line.startsWith(command))
-            names.insert(line.mid(command.size()).section(' ', 0, 0));
-    }
-    return names;
-}
-
 // The lines of a file, without their line ends.
 QStringList linesOf(const QString& path) {
     QStringList lines = QString::fromLatin1(readAll(path)).split("\r\n");
     if (lines.last().isEmpty())
         lines.removeLast();
     return lines;
+}
+
+// The names a set script kicks and adds ("kick X" / "addbot X  L team").
+QSet<QString> namesAfter(const QString& path, const QString& command) {
+    QSet<QString> names;
+    for (const QString& line : linesOf(path).filter(QRegularExpression('^' + command)))
+        names.insert(line.mid(command.size()).section(' ', 0, 0));
+    return names;
 }
 
 // Compares a written file with its golden file.
