@@ -56,6 +56,44 @@ const std::tuple<const char*, QString, QString, QString> Stored[] = {
     {"minimize text", "Options/StartMin=often", "", "Error setting Shutdown options"},
 };
 
+// The steps of a scenario, in order: "control=value" sets a selector's position or a box
+// (1/0); "startup" leaves the flag the start-up sets for the first game type change;
+// "?control" must be usable, "?!control" not, either with "=1"/"=0" for its check state;
+// "?@panel" is the bot panel in front; "^button" clicks.
+const std::pair<const char*, const char*> Rules[] = {
+    {"game types",
+     "cmbGameType=2 ?chkFriendly ?chkAutoJoin ?chkAutoBalance cmbGameType=1 ?!chkFriendly "
+     "?!chkAutoJoin ?!chkAutoBalance cmbGameType=3 ?chkFriendly ?chkAutoBalance"},
+    {"team boxes keep values",
+     "cmbGameType=2 chkFriendly=1 chkAutoJoin=0 cmbGameType=1 ?!chkFriendly=1 ?!chkAutoJoin=0"},
+    {"start-up change does nothing else",
+     "cmbGameType=0 startup cmbGameType=2 ?!chkFriendly cmbGameType=3 ?chkFriendly"},
+    {"server types",
+     "cmbServerType=0 ?!txtNetIP ?!txtNetPort ?!Label12 ?!Frame1 cmbServerType=1 ?txtNetIP "
+     "?Label12 ?!Frame1 cmbServerType=2 ?txtNetPort ?Frame1 ?txtMaster_2"},
+    {"warm-up", "chkWarmUp=1 ?txtWarmUpTime chkWarmUp=0 ?!txtWarmUpTime"},
+    {"log file", "chkLogFile=1 chkLogFile=0 ?!Frame11 ?!txtLogFile ?!chkDateLog chkLogFile=1 "
+                 "chkDateLog=1 ?chkDateLog ?!txtLogFile chkDateLog=0 ?txtLogFile"},
+    {"minimize or close",
+     "chkStartState=1 optClose=1 optMinimize=1 ?optMinimize=1 ?optClose=0 ^optMinimize "
+     "?optMinimize=1 ^optClose ?optClose=1 ?optMinimize=0 ^optClose ?optClose=1 optClose=0 "
+     "?optMinimize=0 ?optClose=0 chkStartState=0 ?!optMinimize"},
+    {"password", "chkRequirePassword=1 ?txtServerPW ?txtPrivateClients chkRequirePassword=0 "
+                 "?!txtServerPW ?!lblPrivateClients"},
+    {"cd", "chkSpecifyCD=1 ?txtCDROM chkSpecifyCD=0 ?!txtCDROM"},
+    {"automatic bots", "cmbBotType=2 ?@picAutoBots ?picAutoBots ?cmbAutoBotSkill ?txtMinBots "
+                       "?!chkAutoSelectBots ?!txtRandomBots ?chkDisableBotChat ?chkNoBotJump "
+                       "?chkRocketJump cmbBotType=0 ?@picAutoBots ?!picAutoBots"},
+    {"user bots",
+     "cmbBotType=1 chkAutoSelectBots=1 ?@picManualBots ?!BotList ?txtRandomBots ?Label31 "
+     "chkAutoSelectBots=0 ?BotList ?!txtRandomBots ?!Label31 ?cmbBotTeam ?lblBotCount"},
+    {"bots disabled",
+     "cmbBotType=1 chkAutoSelectBots=1 cmbBotType=0 ?@picManualBots ?!BotList ?!cmbBotSkill "
+     "?!txtRandomBots ?!chkDisableBotChat ?!txtMinBots ?chkNoBotJump ?chkRocketJump"},
+    {"random skill", "cmbBotType=1 chkRandomBotSkill=1 ?!cmbBotSkill ?!Label16 cmbBotType=2 "
+                     "cmbBotType=1 ?!cmbBotSkill chkRandomBotSkill=0 ?cmbBotSkill ?Label16"},
+};
+
 class SettingsTest : public QObject {
     Q_OBJECT
 private slots:
@@ -63,7 +101,7 @@ private slots:
     void saveThenLoadReproducesEveryValue();
     void storedValueLoads_data() { addRows(Stored); }
     void storedValueLoads();
-    void enablingRules_data();
+    void enablingRules_data() { addRows(Rules); }
     void enablingRules();
     void secretsAreTheUsersAlone_data();
     void secretsAreTheUsersAlone();
@@ -162,52 +200,9 @@ void SettingsTest::storedValueLoads() {
     QCOMPARE(onlyMessage(run.platform.messages), "0 messages");
 }
 
-void SettingsTest::enablingRules_data() {
-    // In order: "control=value" sets a selector's position or a box (1/0);
-    // "startup" leaves the flag the start-up sets for the first game type
-    // change; "?control" must be usable, "?!control" not, either with "=1"/"=0"
-    // for its check state; "?@panel" is the bot panel in front; "^button" clicks.
-    QTest::addColumn<QString>("script");
-    QTest::newRow("game types") << "cmbGameType=2 ?chkFriendly ?chkAutoJoin ?chkAutoBalance "
-                                   "cmbGameType=1 ?!chkFriendly ?!chkAutoJoin ?!chkAutoBalance "
-                                   "cmbGameType=3 ?chkFriendly ?chkAutoBalance";
-    QTest::newRow("team boxes keep values") << "cmbGameType=2 chkFriendly=1 chkAutoJoin=0 "
-                                               "cmbGameType=1 ?!chkFriendly=1 ?!chkAutoJoin=0";
-    QTest::newRow("start-up change does nothing else")
-        << "cmbGameType=0 startup cmbGameType=2 ?!chkFriendly cmbGameType=3 ?chkFriendly";
-    QTest::newRow("server types") << "cmbServerType=0 ?!txtNetIP ?!txtNetPort ?!Label12 ?!Frame1 "
-                                     "cmbServerType=1 ?txtNetIP ?Label12 ?!Frame1 "
-                                     "cmbServerType=2 ?txtNetPort ?Frame1 ?txtMaster_2";
-    QTest::newRow("warm-up") << "chkWarmUp=1 ?txtWarmUpTime chkWarmUp=0 ?!txtWarmUpTime";
-    QTest::newRow("log file") << "chkLogFile=1 chkLogFile=0 ?!Frame11 ?!txtLogFile ?!chkDateLog "
-                                 "chkLogFile=1 chkDateLog=1 ?chkDateLog ?!txtLogFile chkDateLog=0 "
-                                 "?txtLogFile";
-    QTest::newRow("minimize or close")
-        << "chkStartState=1 optClose=1 optMinimize=1 ?optMinimize=1 ?optClose=0 ^optMinimize "
-           "?optMinimize=1 ^optClose ?optClose=1 ?optMinimize=0 ^optClose ?optClose=1 optClose=0 "
-           "?optMinimize=0 ?optClose=0 chkStartState=0 ?!optMinimize";
-    QTest::newRow("password") << "chkRequirePassword=1 ?txtServerPW ?txtPrivateClients "
-                                 "chkRequirePassword=0 ?!txtServerPW ?!lblPrivateClients";
-    QTest::newRow("cd") << "chkSpecifyCD=1 ?txtCDROM chkSpecifyCD=0 ?!txtCDROM";
-    QTest::newRow("automatic bots")
-        << "cmbBotType=2 ?@picAutoBots ?picAutoBots ?cmbAutoBotSkill ?txtMinBots "
-           "?!chkAutoSelectBots ?!txtRandomBots ?chkDisableBotChat ?chkNoBotJump ?chkRocketJump "
-           "cmbBotType=0 ?@picAutoBots ?!picAutoBots";
-    QTest::newRow("user bots") << "cmbBotType=1 chkAutoSelectBots=1 ?@picManualBots ?!BotList "
-                                  "?txtRandomBots ?Label31 chkAutoSelectBots=0 ?BotList "
-                                  "?!txtRandomBots ?!Label31 ?cmbBotTeam ?lblBotCount";
-    QTest::newRow("bots disabled")
-        << "cmbBotType=1 chkAutoSelectBots=1 cmbBotType=0 ?@picManualBots ?!BotList ?!cmbBotSkill "
-           "?!txtRandomBots ?!chkDisableBotChat ?!txtMinBots ?chkNoBotJump ?chkRocketJump";
-    QTest::newRow("random skill") << "cmbBotType=1 chkRandomBotSkill=1 ?!cmbBotSkill ?!Label16 "
-                                     "cmbBotType=2 cmbBotType=1 ?!cmbBotSkill chkRandomBotSkill=0 "
-                                     "?cmbBotSkill ?Label16";
-}
-
 void SettingsTest::enablingRules() {
-    QFETCH(QString, script);
     WindowFixture w;
-    for (const QString& token : script.split(' ')) {
+    for (const QString& token : QString(fetchRow(Rules).second).split(' ')) {
         QString name = token.section('=', 0, 0);
         name.remove('?').remove('!').remove('@').remove('^');
         QObject* object = token == "startup" ? w.window.get() : w.window->findChild<QObject*>(name);
