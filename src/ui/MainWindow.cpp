@@ -39,6 +39,7 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDir>
+#include <QMenu>
 #include <QWindow>
 
 namespace halvane {
@@ -127,10 +128,13 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
             std::make_unique<ServerControl>(*this, *ui, ui->tabAdvanced->form(), m_app, *m_launch);
     else
         SkipSaveOnClose = true;
-    m_export = std::make_unique<ServerExport>(*this, m_app);
+    m_export = std::make_unique<ServerExport>(findChild<QMenu*>(QStringLiteral("mnuServer")), *this,
+                                              *m_formSettings, *m_formSettings, *m_catalogue,
+                                              *m_random, m_app);
     if (m_role == WindowRole::Main) {
         m_profiles = std::make_unique<ProfileCommands>(*this, m_app, *m_servers);
         m_servers->setProfileLauncher(m_profiles.get());
+        m_export->setCurrentProfile(m_profiles.get());
     }
 
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
