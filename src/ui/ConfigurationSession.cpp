@@ -9,7 +9,6 @@
 #include "settings/Positions.h"
 #include "settings/Validation.h"
 #include "ui/FormSettings.h"
-#include "ui/MainForm.h"
 #include "ui/MainWindow.h"
 
 #include <QDateTime>
@@ -37,20 +36,22 @@ AppState gameOnly(const AppState& game) {
 // profile.
 class RecordedStart : public ServerStarter {
 public:
-    RecordedStart(ServerManager& manager, const MainForm& ui, const QString& scriptFolder,
+    RecordedStart(ServerManager& manager, const FormSettings& form, const QString& scriptFolder,
                   const QString& profileName)
-        : m_manager(manager), m_ui(ui), m_scriptFolder(scriptFolder), m_profileName(profileName) {}
+        : m_manager(manager), m_form(form), m_scriptFolder(scriptFolder),
+          m_profileName(profileName) {}
 
     StartResult startServer(const QString& program, const QStringList& arguments,
                             const QString& folder, const QString& commandLine) override {
-        return m_manager.launch({program, arguments, folder, commandLine, m_ui.txtNetIP->text(),
-                                 m_ui.txtNetPort->text(), m_ui.txtConsolePW->text(), m_scriptFolder,
-                                 m_profileName});
+        const LaunchOptions options = m_form.launchOptions();
+        return m_manager.launch({program, arguments, folder, commandLine, options.netIp,
+                                 options.netPort, m_form.serverSettings().consolePassword,
+                                 m_scriptFolder, m_profileName});
     }
 
 private:
     ServerManager& m_manager;
-    const MainForm& m_ui;
+    const FormSettings& m_form;
     const QString& m_scriptFolder;
     const QString& m_profileName;
 };
@@ -68,15 +69,14 @@ QStringList ConfigurationSession::load(const QStringList* maps) {
 }
 
 bool ConfigurationSession::validate() {
-    MainForm& ui = m_window->form();
-    if (ui.cmbBotType->currentIndex() == positions::UserDefinedBots &&
-        !ui.chkAutoSelectBots->isChecked())
+    const LaunchOptions options = m_window->formSettings().launchOptions();
+    if (options.botType == positions::UserDefinedBots && !options.autoSelectBots)
         m_window->config().MakeBotScript();
     return m_window->validation().ValidateAll();
 }
 
 QString ConfigurationSession::commandLine(const QString& scriptFolder) {
-    LaunchOptions options = launchOptionsFrom(m_window->form());
+    LaunchOptions options = m_window->formSettings().launchOptions();
     options.homePath = QDir::toNativeSeparators(scriptFolder);
     return buildCommandLine(options, QDateTime::currentDateTime());
 }
@@ -131,7 +131,8 @@ bool ConfigurationSession::launch(const QString& scriptFolder, ServerManager* ma
         return launch.cmdStart();
     // The profile's server is started through the manager, which records it
     // (folder and profile included); the window's own starter comes back after.
-    RecordedStart starter(*manager, m_window->form(), m_app.state.ScriptFolder, m_profileName);
+    RecordedStart starter(*manager, m_window->formSettings(), m_app.state.ScriptFolder,
+                          m_profileName);
     ServerStarter* const previous = launch.serverStarter();
     launch.setServerStarter(&starter);
     const bool started = launch.cmdStart();

@@ -59,6 +59,8 @@ public:
     void endProgram() override;
 
     MainForm& form() { return *ui; }
+    // The window's options as the script writers and the launch read them.
+    const FormSettings& formSettings() const { return *m_formSettings; }
     PathDialog& pathDialog() { return *m_pathDialog; }
     SettingsController& settings() { return *m_settings; }
     OptionInterlocks& interlocks() { return *m_interlocks; }
