@@ -1,18 +1,15 @@
 // "Launch the Server": the command line, its splitting into arguments, the duplicate question,
 // failures, and a real start of a stand-in game executable that records how it was started.
 #include "TestSupport.h"
-#include <csignal>
-#include <sys/wait.h>
 
-#include "app/AppInfo.h"
 #include "launch/CommandLine.h"
 #include "launch/LaunchController.h"
 #include "server/ServerControl.h"
 #include "server/ServerManager.h"
-#include "ui/MainForm.h"
-#include "ui/MainWindow.h"
 
 #include <QtTest>
+#include <cerrno>
+#include <sys/wait.h>
 
 using namespace halvane;
 using namespace halvane::test;
