@@ -16,8 +16,6 @@ using namespace halvane::test;
 
 namespace {
 
-const QDateTime Now{QDate(2000, 2, 5), QTime(17, 4, 40)};
-
 // The window's own launch steps, with the configuration write and the clock replaced.
 struct StandInSteps : LaunchSteps {
     explicit StandInSteps(LaunchSteps& wired) : wired(wired) {}
@@ -33,7 +31,7 @@ struct StandInSteps : LaunchSteps {
     QDateTime now() override { return at; }
     LaunchSteps& wired;
     std::function<bool(const QString&, bool, const QString&)> write;
-    QDateTime at = Now;
+    QDateTime at{QDate(2000, 2, 5), QTime(5, 3)};
 };
 
 // A game executable that writes its working folder and arguments, then ends.
@@ -225,7 +223,6 @@ void LaunchTest::realStartRunsTheWrittenLine() {
     steps->write = [this](const QString& path, bool withCommandLine, const QString& line) {
         return steps->wired.WriteConfig(path, withCommandLine, line);
     };
-    steps->at = QDateTime(QDate(2000, 2, 5), QTime(5, 3));
     ui->chkNOP->setChecked(true);
     // Quotes group words; shell characters are plain text to the game.
     const QString typed = "+set g_motd \"hello  there\" +set a `touch made1`&touch made2 "
