@@ -83,8 +83,6 @@ void ConfigCommandsTest::init() {
     ui->txtMaxPlayers->setText("8");
     ui->txtHunkMegs->setText("32");
     ui->cmbServerType->setCurrentIndex(2);
-    f->platform.messages.clear();
-    f->platform.store->writes.clear();
 }
 
 void ConfigCommandsTest::commands() {
