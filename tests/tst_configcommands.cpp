@@ -3,7 +3,6 @@
 #include "TestSupport.h"
 
 #include "config/ConfigFileCommands.h"
-#include "ui/MainForm.h"
 
 #include <QtTest>
 
@@ -89,9 +88,8 @@ void ConfigCommandsTest::commands() {
     const auto& [name, saveAs, faultName, answer, told] = fetchRow(Commands);
     const QString fault = faultName;
     const bool stored = !saveAs && fault != "invalid"; // settings stored: validation passed
-    const QString target = saveAs ? f->platform.root() + "/elsewhere/my server.cfg"
+    const QString target = saveAs ? f->platform.root() + "/my server.cfg"
                                   : f->platform.gameFolder() + "/baseq3/halvane.cfg";
-    QDir().mkpath(f->platform.root() + "/elsewhere");
     if (saveAs && fault != "cancel")
         f->platform.dialogs.choices = {FileChoice{true, target, "my server.cfg"}};
     if (fault == "invalid")
