@@ -254,33 +254,8 @@ void MainWindow::load() {
 
     // 4. The default map picture (maps/default.jpg).
     m_maps->showStartupPicture();
-    // 5.
-    m_maps->CheckMapDataFile();
-
-    // 6.
-    const auto checkNewMaps = parseTruth(m_app.platform.store.read(
-        QStringLiteral("Settings"), QStringLiteral("CheckNewMaps"), truthText(false)));
-    ui->mnuSettingsMapCheck->setChecked(checkNewMaps.value_or(false));
-
-    // 7.
-    m_maps->GetMapsFromBaseDir(m_searchArchivesAtStart && ui->mnuSettingsMapCheck->isChecked());
-    // 8.
-    m_bots->LoadBotList();
-    // 9.
-    m_maps->LoadMaps();
-
-    // 10.
-    LoadControls();
-    // 11.
-    m_settings->LoadSettings();
-    // 12.
-    ui->lblVersion->setText(AppInfo::versionCaption());
-    // 13.
-    m_bots->Countbots();
-    // 14.
-    m_interlocks->SetGameType();
-    // 15.
-    m_app.state.StartupInProgress = false;
+    // 5. to 15.
+    loadSteps(true, nullptr);
     // 16.
     ui->Label20->setText(AppInfo::productSiteAddress());
     ui->Label23->setText(AppInfo::authorMailAddress());
@@ -356,18 +331,39 @@ QStringList MainWindow::loadUnshown(const QStringList* selectedMaps) {
     m_loaded = true;
     SkipSaveOnClose = true;
     m_app.state.StartupInProgress = true;
+    return loadSteps(false, selectedMaps);
+}
+
+QStringList MainWindow::loadSteps(bool lookInGameFolder, const QStringList* selectedMaps) {
+    // 5.
     m_maps->CheckMapDataFile();
+    if (lookInGameFolder) {
+        // 6.
+        const auto checkNewMaps = parseTruth(m_app.platform.store.read(
+            QStringLiteral("Settings"), QStringLiteral("CheckNewMaps"), truthText(false)));
+        ui->mnuSettingsMapCheck->setChecked(checkNewMaps.value_or(false));
+        // 7.
+        m_maps->GetMapsFromBaseDir(m_searchArchivesAtStart && ui->mnuSettingsMapCheck->isChecked());
+    }
+    // 8.
     m_bots->LoadBotList();
+    // 9.
     QStringList unknown;
     if (selectedMaps)
         unknown = m_maps->LoadMaps(*selectedMaps);
     else
         m_maps->LoadMaps();
+    // 10.
     LoadControls();
+    // 11.
     m_settings->LoadSettings();
+    // 12.
     ui->lblVersion->setText(AppInfo::versionCaption());
+    // 13.
     m_bots->Countbots();
+    // 14.
     m_interlocks->SetGameType();
+    // 15.
     m_app.state.StartupInProgress = false;
     return unknown;
 }
