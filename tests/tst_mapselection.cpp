@@ -27,9 +27,8 @@ struct Window : WindowFixture {
                   p.writeFile(p.programFolder() + "/mapsel.txt", selection);
           }) {}
     MapsController& maps() { return window->maps(); }
-    MapCatalogue& catalogue() { return maps().catalogue(); }
     QString dataPath() const { return platform.programFolder() + "/maps.dat"; }
-    MapRecord record(int n) { return catalogue().snapshot().record(n); }
+    MapRecord record(int n) { return maps().catalogue().snapshot().record(n); }
     // SelMap's entries, its frame's title and the map shown.
     QStringList selection() {
         return entries(ui().SelMap) << ui().Frame15->title() << ui().lblMapFilename->text();
