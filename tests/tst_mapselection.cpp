@@ -27,30 +27,26 @@ struct Window : WindowFixture {
                   p.writeFile(p.programFolder() + "/mapsel.txt", selection);
           }) {}
     MapsController& maps() { return window->maps(); }
-    MapCatalogue& catalogue() { return maps().catalogue(); }
     QString dataPath() const { return platform.programFolder() + "/maps.dat"; }
-    MapRecord record(int n) { return catalogue().snapshot().record(n); }
+    MapRecord record(int n) { return maps().catalogue().snapshot().record(n); }
     // SelMap's entries, its frame's title and the map shown.
     QStringList selection() {
         return entries(ui().SelMap) << ui().Frame15->title() << ui().lblMapFilename->text();
     }
-    // The operator's steps: "a<row>", "s<row>" click MapList's, SelMap's entry ("a+<row>" with
-    // Ctrl, "a~<row>" with Shift), "-" clears SelMap's highlight, "menu" right-clicks MapList,
-    // "double" double-clicks it, "type<n>" picks a game type answering Yes, "edit" and "okay" use
-    // the map editor; any other word names a button.
+    // The operator's steps: "a<row>", "s<row>" click MapList's, SelMap's entry ("a+<row>": with
+    // Ctrl), "-" clears SelMap's highlight, "menu" right-clicks MapList, "double" double-clicks it,
+    // "type<n>" picks a game type answering Yes, "edit" and "okay" use the map editor; any other
+    // word names a button.
     void act(const QString& actions) {
-        for (const QString& action : actions.split(' ', Qt::SkipEmptyParts)) {
-            QListView* list = action[0] == 'a' ? ui().MapList : ui().SelMap;
+        for (const QString& action : actions.split(' ')) {
+            const QChar key = action.size() > 1 ? action[1] : QChar();
             if (action == "-") {
                 ui().SelMap->clearSelection();
             } else if (action == "menu") {
                 const QString shown = ui().lblMapFilename->text();
                 clickEntry(ui().MapList, 2, {}, Qt::RightButton);
-                QWidget* viewport = ui().MapList->viewport();
-                const QPoint at =
-                    ui().MapList->visualRect(ui().MapList->model()->index(2, 0)).center();
-                QContextMenuEvent menu(QContextMenuEvent::Mouse, at, viewport->mapToGlobal(at));
-                QApplication::sendEvent(viewport, &menu);
+                QContextMenuEvent menu(QContextMenuEvent::Mouse, QPoint(2, 2), QPoint(2, 2));
+                QApplication::sendEvent(ui().MapList->viewport(), &menu);
                 // It acts on the maps highlighted before the click and shows no other map.
                 QVERIFY(ui().mnuMapList->isVisible() && !ui().mnuMapEdit->isEnabled() &&
                         !ui().mnuMapDelete->isEnabled());
@@ -66,11 +62,10 @@ struct Window : WindowFixture {
                 ui().mnuMapEdit->trigger();
             } else if (action == "okay") {
                 maps().editor().form().Command2->click();
-            } else if (action.size() > 1 && action[1].isDigit()) {
-                clickEntry(list, action.mid(1).toInt());
-            } else if (action.size() > 1 && (action[1] == '+' || action[1] == '~')) {
-                clickEntry(list, action.mid(2).toInt(),
-                           action[1] == '+' ? Qt::ControlModifier : Qt::ShiftModifier);
+            } else if (key.isDigit() || key == '+') {
+                clickEntry(action[0] == 'a' ? ui().MapList : ui().SelMap,
+                           action.mid(key == '+' ? 2 : 1).toInt(),
+                           key == '+' ? Qt::ControlModifier : Qt::NoModifier);
             } else {
                 auto* button = window->findChild<QAbstractButton*>(action);
                 QVERIFY2(button, qPrintable(action));
@@ -130,7 +125,7 @@ const std::tuple<const char*, QString, QString, int, QString> Operations[] = {
     {"<< with nothing highlighted", "- cmdRemSelMap", "m1 m2 m3 m4 m5 5 Maps Selected m1", -1,
      Quiet},
     // Inserted after the highlighted selected map; the last one added is highlighted and shown.
-    {">> after the highlighted selected map", "a5 a~7 s1 menu cmdAddSelMap",
+    {">> after the highlighted selected map", "a5 a+6 a+7 s1 menu cmdAddSelMap",
      "m1 m2 mtourney mDM mctf m3 m4 m5 8 Maps Selected mtourney", 2, Quiet},
     {"double click appends in list order", "- a7 a+1 double",
      "m1 m2 m3 m4 m5 m2 mtourney 7 Maps Selected mtourney", 6, Quiet},
@@ -162,27 +157,26 @@ const std::tuple<const char*, QString, QString> Edits[] = {
     {"a damaged catalogue", "damage", "1|A new name that is much longer|a"},
 };
 
-// The file name typed, the message's title and text, the part of the name selected after.
-const std::tuple<const char*, QString, QString, QString, QString> EditorChecks[] = {
-    {"no file name", "", "Incomplete Information",
-     "You must specify at least a file name for the new map.", ""},
-    {"two dots", "my.map.bsp", "Warning", "The file name should not include a file extension!",
+// A file name the game's console would split in a rotation line: the message.
+QString splits(const QString& what) {
+    return "Warning|File Name cannot hold " + what +
+           ": the game would read the rest as another command.";
+}
+
+// The file name typed, the message's "title|text", the part of the name selected after.
+const std::tuple<const char*, QString, QString, QString> EditorChecks[] = {
+    {"no file name", "",
+     "Incomplete Information|You must specify at least a file name for the new map.", ""},
+    {"two dots", "my.map.bsp", "Warning|The file name should not include a file extension!",
      ".map.bsp"},
-    {"two words", "my map", "Warning", "Spaces are not allowed in map file names!", "my map"},
-    {"existing map", "A", "Get some rest!", "That map already exists!", ""},
-    // Names the game's console would split or cut short in a rotation line.
-    {"a semicolon", "q;quit", "Warning",
-     "File Name cannot hold a semicolon (;): the game would read the rest as another command.",
-     "q;quit"},
-    {"a quote", "q\"x", "Warning",
-     "File Name cannot hold a double quote (\"): the game would read the rest as another command.",
-     "q\"x"},
-    {"a tab", "q\tquit", "Warning",
-     "File Name cannot hold a control character (code 9): the game would read the rest as "
-     "another command.",
-     "q\tquit"},
-    {"a comment mark", "q//x", "Warning",
-     "File Name cannot hold a comment mark (//): the game would not read the rest.", "q//x"},
+    {"two words", "my map", "Warning|Spaces are not allowed in map file names!", "my map"},
+    {"existing map", "A", "Get some rest!|That map already exists!", ""},
+    {"a semicolon", "q;quit", splits("a semicolon (;)"), "q;quit"},
+    {"a quote", "q\"x", splits("a double quote (\")"), "q\"x"},
+    {"a tab", "q\tquit", splits("a control character (code 9)"), "q\tquit"},
+    {"a comment mark", "q//x",
+     "Warning|File Name cannot hold a comment mark (//): the game would not read the rest.",
+     "q//x"},
 };
 
 // What the operator does (see Window::act), the map shown after, and the one "Delete Map" then
@@ -349,7 +343,7 @@ void MapSelectionTest::useSettingsAsDefault() {
 }
 
 void MapSelectionTest::editorChecks() {
-    const auto& [name, file, title, text, selected] = fetchRow(EditorChecks);
+    const auto& [name, file, told, selected] = fetchRow(EditorChecks);
     Window w({"a"});
     const QByteArray before = readAll(w.dataPath());
     MapEditor& editor = w.maps().editor();
@@ -357,7 +351,8 @@ void MapSelectionTest::editorChecks() {
     editor.form().txtFileName->setText(file);
     editor.form().Command2->click();
     QCOMPARE(onlyMessage(w.platform.messages),
-             message(title, text, MsgButtons::Ok, MsgIcon::Information));
+             message(told.section('|', 0, 0), told.section('|', 1), MsgButtons::Ok,
+                     MsgIcon::Information));
     QCOMPARE(editor.form().txtFileName->selectedText(), selected);
     QVERIFY(editor.isVisible());
     QCOMPARE(readAll(w.dataPath()), before);
