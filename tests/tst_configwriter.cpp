@@ -81,6 +81,11 @@ void sameAsGolden(const QString& path, const QString& name) {
              qPrintable(name + ": " + firstDifference(actual, expected)));
 }
 
+QString botScriptError(const char* script) {
+    return message("Warning", QString("An error occured while creating the bot script") + script,
+                   MsgButtons::Ok, MsgIcon::Information);
+}
+
 MapRules rules(const char* time, const char* frag, const char* capture = "8") {
     return {frag, time, capture, "800", "320", "1000"};
 }
@@ -148,7 +153,6 @@ private slots:
     void botRotationClosesIntoCycle();
     void botSetSizes_data() { addRows(BotSets); }
     void botSetSizes();
-    void botScriptFailures();
 };
 
 void TestConfigWriter::workedExamples() {
@@ -233,7 +237,8 @@ void TestConfigWriter::failures() {
     QVERIFY(f.catalogue.RecordBuffer == shown);
 }
 
-// The fixed script replaces a longer file; bots not selected are left out.
+// The fixed script replaces a longer file; bots not selected are left out; a
+// folder in its place is reported.
 void TestConfigWriter::fixedBotScript() {
     Fixture f;
     ServerSettings s = withBots(5);
@@ -246,6 +251,9 @@ void TestConfigWriter::fixedBotScript() {
                   {"Two Words", true, 0, 0},   {"Grunt", true, 0, 0},
                   {"Major", true, 7, 4}};
     }
+    QVERIFY(QFile::remove(f.baseq3("srvbots.cfg")) && QDir().mkpath(f.baseq3("srvbots.cfg")));
+    f.bots.MakeBotScript(s);
+    QCOMPARE(onlyMessage(f.platform.messages), botScriptError(""));
 }
 
 void TestConfigWriter::botRotationClosesIntoCycle() {
@@ -263,6 +271,12 @@ void TestConfigWriter::botRotationClosesIntoCycle() {
             QCOMPARE(namesAfter(f.set(n), "kick "), namesAfter(f.set((n + 2) % 3), "addbot "));
         }
     }
+    // A file where the sets' folder goes: each set is reported by name.
+    Fixture f;
+    f.platform.writeFile(f.baseq3("srvbots"), "a file");
+    f.bots.startRotation();
+    f.bots.MakeRandomBotScript(withBots(4), 3, 5);
+    QCOMPARE(onlyMessage(f.platform.messages), botScriptError(" srvbots3.cfg"));
 }
 
 void TestConfigWriter::botSetSizes() {
@@ -278,22 +292,6 @@ void TestConfigWriter::botSetSizes() {
     QCOMPARE(namesAfter(f.set(0), "kick "), added); // a set of one map closes on itself
     for (const QString& name : added)
         QVERIFY2(name.mid(3).toInt() < 100, qPrintable(name));
-}
-
-void TestConfigWriter::botScriptFailures() {
-    Fixture f({0.5});
-    f.platform.writeFile(f.baseq3("srvbots"), "a file");
-    QVERIFY(QDir().mkpath(f.baseq3("srvbots.cfg")));
-    f.bots.MakeBotScript(withBots(2));
-    QCOMPARE(onlyMessage(f.platform.messages),
-             message("Warning", "An error occured while creating the bot script", MsgButtons::Ok,
-                     MsgIcon::Information));
-    f.platform.messages.clear();
-    f.bots.startRotation();
-    f.bots.MakeRandomBotScript(withBots(4), 3, 5);
-    QCOMPARE(onlyMessage(f.platform.messages),
-             message("Warning", "An error occured while creating the bot script srvbots3.cfg",
-                     MsgButtons::Ok, MsgIcon::Information));
 }
 
 QTEST_MAIN(TestConfigWriter)

@@ -1,6 +1,6 @@
-// Checks the Designer forms of the program's windows: every control the code and the tips
-// refer to exists with the right class and caption, a screen reader can name and reach every
-// control, and the main window fits the heights the status panel works with.
+// The program's windows as an operator meets them: each tab's caption, a screen reader
+// names and reaches every control, and the main window fits the heights the status panel
+// works with.
 
 #include "TestSupport.h"
 #include "server/ServerControl.h"
@@ -41,7 +41,7 @@ QList<QWidget*> focusable(QWidget* root) {
 // forms row by row.
 void readingOrder(QWidget* w, QList<QWidget*>& order);
 void readingOrder(QLayout* layout, QList<QWidget*>& order) {
-    std::vector<std::tuple<int, int, QLayoutItem*>> items;
+    std::vector<std::tuple<int, int, int, QLayoutItem*>> items; // row, column, layout order
     for (int i = 0; i < layout->count(); ++i) {
         int row = i, column = 0, span = 0;
         QFormLayout::ItemRole role = QFormLayout::LabelRole;
@@ -49,13 +49,10 @@ void readingOrder(QLayout* layout, QList<QWidget*>& order) {
             grid->getItemPosition(i, &row, &column, &span, &span);
         else if (auto* form = qobject_cast<QFormLayout*>(layout))
             form->getItemPosition(i, &row, &role), column = role;
-        items.emplace_back(row, column, layout->itemAt(i));
+        items.emplace_back(row, column, i, layout->itemAt(i));
     }
-    std::stable_sort(items.begin(), items.end(), [](const auto& a, const auto& b) {
-        return std::pair(std::get<0>(a), std::get<1>(a)) <
-               std::pair(std::get<0>(b), std::get<1>(b));
-    });
-    for (const auto& [row, column, item] : items) {
+    std::sort(items.begin(), items.end());
+    for (const auto& [row, column, index, item] : items) {
         if (item->widget())
             readingOrder(item->widget(), order);
         else if (item->layout())
@@ -108,8 +105,6 @@ void TestForms::initTestCase() {
         m_readerRoots.append(dialog);
     m_readerRoots.append(&m_window->servers().serverWindow());
 }
-
-// ------------------------------------------------------------------ controls and captions
 
 // Each tab's caption, and a frame that must sit on it.
 void TestForms::tabCaptions() {
@@ -189,8 +184,6 @@ void TestForms::accessibleTreeNamesEveryFocusable() {
         walk(QAccessible::queryAccessibleInterface(root), root->objectName());
     QVERIFY2(unnamed.isEmpty(), qPrintable(unnamed.join(' ')));
 }
-
-// ------------------------------------------------------------------ sizes
 
 // With the status panel closed every tab still shows all of its controls above the buttons,
 // which sit inside the window; the tip line is cut off but the status bar stays to be clicked.

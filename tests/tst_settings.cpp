@@ -249,12 +249,10 @@ void SettingsTest::secretsAreTheUsersAlone() {
                          : file == "halvane.cfg" ? run.platform.gameFolder() + "/baseq3/halvane.cfg"
                                                  : run.platform.root() + "/profile";
     QDir(settingsFolder).removeRecursively();
-    const auto open = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup | QFile::ReadOther;
-    if (leftOpen) {
+    if (leftOpen) { // rw-r--r-- in a folder rwxr-xr-x
         run.platform.writeFile(path, "seta rconpassword \"old\"\r\n");
-        QVERIFY(QFile::setPermissions(path, open) &&
-                QFile::setPermissions(QFileInfo(path).path(),
-                                      open | QFile::ExeOwner | QFile::ExeGroup | QFile::ExeOther));
+        QVERIFY(QFile::setPermissions(path, QFile::Permissions(0x6044)) &&
+                QFile::setPermissions(QFileInfo(path).path(), QFile::Permissions(0x7055)));
     }
     if (file == "settings") {
         QtSettingsStore store;

@@ -167,8 +167,6 @@ void ValidationTest::init() {
     f = std::make_unique<WindowFixture>();
     ui = &f->window->form();
     applyValues(*f->window, Baseline);
-    f->platform.messages.clear();
-    f->platform.store->writes.clear();
 }
 
 void ValidationTest::validateAll() {
