@@ -34,10 +34,7 @@ struct Fixture {
     }
     QString baseq3() const { return platform.gameFolder() + "/baseq3"; }
     void known(const QStringList& files) {
-        std::vector<MapRecord> records;
-        for (const QString& file : files)
-            records.push_back(makeMapRecord(file, file, MapRules::builtIn()));
-        catalogue.append(records);
+        platform.writeFile(catalogue.dataPath(), catalogueOf(files));
     }
     QStringList fileNames() {
         QStringList names;
@@ -60,61 +57,63 @@ QString leftOutNotice(const QString& count, const QString& names) {
                    MsgButtons::Ok, MsgIcon::Information);
 }
 
-// maps.dat ("<none>": no file at all), its records, a name and the number it is found at.
+// maps.dat ("<none>": no file, "<folder>": a folder of that name) and instmaps.dat ("": none); the
+// only message at start-up, whether maps.dat is then instmaps.dat's copy, else as it was; its
+// records, a name and the number it is found at.
+const QString Quiet = "0 messages";
 const QByteArray Three = catalogueOf({"q3dm1", "q3ctf1", "q3tourney2"});
+const QByteArray Installed = catalogueOf({"q3dm1", "q3dm2"}) + "tail";
 const QByteArray Garbage = [] {
     QByteArray bytes;
     for (int i = 0; i < 1000; ++i)
         bytes.append(char((i * 37 + 11) % 256));
     return bytes;
 }();
-const std::tuple<const char*, QByteArray, int, QString, int> Counts[] = {
-    {"missing file", "<none>", 0, "q3dm1", -1},
-    {"empty", QByteArray(), 0, "q3dm1", -1},
-    {"70 bytes", Three.left(70), 0, "q3dm1", -1},
-    {"141 bytes", Three.left(141), 1, "q3dm1", 1},
-    {"two records", Three.left(142), 2, "q3dm1", 1},
-    {"garbage", Garbage, 1000 / 71, "q3dm1", -1},
-    {"capitals", Three, 3, "Q3CTF1", 2},
-    {"spaces around", Three, 3, "  q3tourney2  ", 3},
-    {"part of a name", Three, 3, "q3dm", -1},
-    {"accented capitals", catalogueOf({"q3dm1", QStringLiteral(u"\u00c9TAPE")}), 2,
-     QStringLiteral(u"\u00e9tape"), 2},
-    {"no single byte", Three, 3, QStringLiteral(u"q3dm1\u0100"), -1},
-    {"duplicate gives the lower", catalogueOf({"a", "dup", "b", "DUP"}), 4, "dup", 2},
-    {"deleted slot never matches", catalogueOf({"", "q3dm1"}), 2, "q3dm1", 2},
-    {"blank finds the first deleted", catalogueOf({"q3dm1", "", ""}), 3, "   ", 2},
-    {"blank without deleted slots", Three, 3, "", -1},
-};
-
-// maps.dat (or "<none>", "<folder>"), instmaps.dat (empty: none), the only message ("" for
-// none) and maps.dat after the check.
-const QByteArray Installed = catalogueOf({"q3dm1", "q3dm2"}) + "tail";
-const std::tuple<const char*, QByteArray, QByteArray, QString, QByteArray> StartUps[] = {
-    {"missing, nothing installed", "<none>", "",
-     message("Warning!",
+const std::tuple<const char*, QByteArray, QByteArray, QString, bool, int, QString, int> MapFiles[] =
+    {
+        {"missing, nothing installed", "<none>", "",
+         message(
+             "Warning!",
              "Unable to find maps.dat!\r\rThis file contains all of the pre-installed maps, their "
              "names,\r\rand default environment settings.  Contact " +
                  AppInfo::supportContact() + " for assistance.",
              MsgButtons::Ok, MsgIcon::Critical),
-     ""},
-    {"missing, installed copied", "<none>", Installed, "", Installed},
-    {"first record wiped", QByteArray(71, ' ') + catalogueOf({"custom"}), Installed,
-     message("Notice",
+         false, 0, "q3dm1", -1},
+        {"missing, installed copied", "<none>", Installed, Quiet, true, 2, "q3dm2", 2},
+        {"first record wiped", QByteArray(71, ' ') + catalogueOf({"custom"}), Installed,
+         message(
+             "Notice",
              "A bug was found in previous versions of Halvane that has caused \rsome of the maps "
              "in your maps in your maps.dat (map data file) to be erased.  \r\rThis has been "
              "corrected.\r\rHowever, any custom maps that you had specified will need to be "
              "re-entered.",
              MsgButtons::Ok, MsgIcon::Information),
-     Installed},
-    // Never replaced, never written: it may hold the operator's own maps.
-    {"a folder of that name", "<folder>", Installed,
-     message("Warning!",
-             "maps.dat is there but cannot be read:\r\r<path>\rIt is a folder, not a file.\r\r"
-             "Halvane leaves it as it is and runs without maps. Make it readable and start "
-             "Halvane again to use its maps.",
-             MsgButtons::Ok, MsgIcon::Critical),
-     "<folder>"},
+         true, 2, "custom", -1},
+        // Never replaced, never written: it may hold the operator's own maps.
+        {"a folder of that name", "<folder>", Installed,
+         message("Warning!",
+                 "maps.dat is there but cannot be read:\r\r<path>\rIt is a folder, not a file.\r\r"
+                 "Halvane leaves it as it is and runs without maps. Make it readable and start "
+                 "Halvane again to use its maps.",
+                 MsgButtons::Ok, MsgIcon::Critical),
+         false, 0, "q3dm1", -1},
+        {"empty", QByteArray(), "", Quiet, false, 0, "q3dm1", -1},
+        {"70 bytes", Three.left(70), "", Quiet, false, 0, "q3dm1", -1},
+        {"141 bytes", Three.left(141), "", Quiet, false, 1, "q3dm1", 1},
+        {"two records", Three.left(142), "", Quiet, false, 2, "q3dm1", 1},
+        {"garbage", Garbage, "", Quiet, false, 1000 / 71, "q3dm1", -1},
+        {"capitals", Three, "", Quiet, false, 3, "Q3CTF1", 2},
+        {"spaces around", Three, "", Quiet, false, 3, "  q3tourney2  ", 3},
+        {"part of a name", Three, "", Quiet, false, 3, "q3dm", -1},
+        {"accented capitals", catalogueOf({"q3dm1", QStringLiteral(u"\u00c9TAPE")}), "", Quiet,
+         false, 2, QStringLiteral(u"\u00e9tape"), 2},
+        {"no single byte", Three, "", Quiet, false, 3, QStringLiteral(u"q3dm1\u0100"), -1},
+        {"duplicate gives the lower", catalogueOf({"a", "dup", "b", "DUP"}), "", Quiet, false, 4,
+         "dup", 2},
+        {"deleted slot never matches", catalogueOf({"", "q3dm1"}), "", Quiet, false, 2, "q3dm1", 2},
+        {"blank finds the first deleted", catalogueOf({"q3dm1", "", ""}), "", Quiet, false, 3,
+         "   ", 2},
+        {"blank without deleted slots", Three, "", Quiet, false, 3, "", -1},
 };
 
 // The line on which Cancel is pressed, the maps found and the entry lines shown.
@@ -139,10 +138,8 @@ class MapDataTest : public QObject {
     Q_OBJECT
 private slots:
     void recordLayoutByteForByte();
-    void countFollowsWholeRecords_data() { addRows(Counts); }
-    void countFollowsWholeRecords();
-    void startUpCheck_data() { addRows(StartUps); }
-    void startUpCheck();
+    void startUpCountAndLookUp_data() { addRows(MapFiles); }
+    void startUpCountAndLookUp();
     void archiveSearch_data() { addRows(Searches); }
     void archiveSearch();
     void zipReader_data() { addRows(Zips); }
@@ -164,26 +161,8 @@ void MapDataTest::recordLayoutByteForByte() {
              QByteArray("A display name of thirty-five abcdefghijklmnopqrst12315 8  800 320 1000"));
 }
 
-void MapDataTest::countFollowsWholeRecords() {
-    const auto& [row, content, records, name, found] = fetchRow(Counts);
-    TestPlatform platform;
-    const QString path = platform.programFolder() + "/maps.dat";
-    QFile::remove(path);
-    if (content != "<none>")
-        platform.writeFile(path, content);
-    MapCatalogue catalogue(platform.programFolder());
-    QCOMPARE(std::tuple(int(catalogue.CountMaps()), int(catalogue.snapshot().count()),
-                        int(catalogue.FindMap(name)), int(catalogue.snapshot().find(name))),
-             std::tuple(records, records, found, found));
-    QVERIFY(records == 0 || catalogue.readRecord(qint16(records)));
-    // Nothing is changed; counting creates a missing file.
-    QVERIFY(QFileInfo(path).isFile());
-    QCOMPARE(readAll(path), content == "<none>" ? QByteArray() : content);
-}
-
-void MapDataTest::startUpCheck() {
-    const auto& [row, data, installed, told, after] = fetchRow(StartUps);
-    QString shown = told;
+void MapDataTest::startUpCountAndLookUp() {
+    const auto& [row, data, installed, told, replaced, records, name, found] = fetchRow(MapFiles);
     TestPlatform platform;
     const QString path = platform.programFolder() + "/maps.dat";
     QFile::remove(path);
@@ -197,16 +176,21 @@ void MapDataTest::startUpCheck() {
     MapCatalogue catalogue(platform.programFolder());
     catalogue.CheckMapDataFile(platform.messages, AppInfo::supportContact());
     QCOMPARE(onlyMessage(platform.messages),
-             shown.isEmpty() ? "0 messages"
-                             : shown.replace("<path>", QDir::toNativeSeparators(path)));
-    if (data == "<folder>") // nothing found, nothing written
-        QVERIFY(catalogue.CountMaps() == 0 && !catalogue.append({makeMapRecord("x", "x", {})}) &&
-                !catalogue.backup());
-    QCOMPARE(QFileInfo(path).isDir() ? QByteArray("<folder>") : readAll(path), after);
+             QString(told).replace("<path>", QDir::toNativeSeparators(path)));
+    QCOMPARE(std::tuple(int(catalogue.CountMaps()), int(catalogue.snapshot().count()),
+                        int(catalogue.FindMap(name)), int(catalogue.snapshot().find(name))),
+             std::tuple(records, records, found, found));
+    QVERIFY(records == 0 || catalogue.readRecord(qint16(records)));
+    if (data == "<folder>") // nothing written
+        QVERIFY(!catalogue.append({makeMapRecord("x", "x", {})}) && !catalogue.backup());
+    QCOMPARE(QFileInfo(path).isDir() ? QByteArray("<folder>") : readAll(path), replaced ? installed
+                                                                               : data == "<none>"
+                                                                                   ? QByteArray()
+                                                                                   : data);
     QCOMPARE(readAll(platform.programFolder() + "/maps.bak"), "the operator's backup");
     // A damaged file is kept beside it.
     QCOMPARE(readAll(platform.programFolder() + "/maps-damaged.dat"),
-             data.startsWith(' ') ? data : QByteArray());
+             replaced && data != "<none>" ? data : QByteArray());
 }
 
 void MapDataTest::archiveSearch() {
@@ -259,9 +243,7 @@ void MapDataTest::zipReader() {
     const auto& [row, shape, listed, read] = fetchRow(Zips);
     TestPlatform platform;
     const QString folder = platform.programFolder(), path = folder + "/a.pk3";
-    QByteArray shot(5000, 'x');
-    for (int i = 0; i < shot.size(); ++i)
-        shot[i] = char(i * i % 251);
+    const QByteArray shot = Garbage.repeated(5);
     const QStringList names{"maps/a.bsp", "levelshots/a.jpg"};
     if (shape.startsWith("zip")) {
         for (const QString& name : names)
@@ -326,8 +308,7 @@ void MapDataTest::looseMapsAndImportList() {
 
 void MapDataTest::damagedInputs() {
     Fixture f;
-    f.known({"a"});
-    f.catalogue.deleteRecord(1);
+    f.known({""});
     f.platform.writeFile(f.baseq3() + "/maps", "a file where the folder should be");
     f.platform.writeFile(f.platform.programFolder() + "/maplist.txt", QByteArray(2000, '\n'));
     f.discovery.GetMapsFromBaseDir();
@@ -336,8 +317,7 @@ void MapDataTest::damagedInputs() {
     QVERIFY(f.platform.messages.shown.isEmpty());
     // A catalogue six maps short of full takes the new loose map and five of
     // the list's ten, which stay; discovery ends there and the list waits.
-    f.platform.writeFile(f.platform.programFolder() + "/maps.dat",
-                         catalogueOf(QStringList(32760, "filler")));
+    f.known(QStringList(32760, "filler"));
     QFile::remove(f.baseq3() + "/maps");
     f.platform.writeFile(f.baseq3() + "/maps/new.bsp", "IBSP");
     const QByteArray ten = "m1\r\nm2\r\nm3\r\nm4\r\nm5\r\nm6\r\nm7\r\nm8\r\nm9\r\nm10\r\n";

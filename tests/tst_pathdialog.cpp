@@ -12,16 +12,18 @@
 using namespace halvane;
 using namespace halvane::test;
 
-// A new user's ways to a game that the next start still finds: the free game's button, or a server
-// program not named quake3.exe (the engine's own, or the free game's) with the offered game folder
-// over it. The folder stored, below the test folder; "engine" when the choice is stored as made,
-// and asked for again at the next start.
+// A user's ways to a game that the next start still finds: the game's own program chosen with
+// Browse, the free game's button, or a server program not named quake3.exe (the engine's own, or
+// the free game's) with the offered game folder over it. The folder and program stored, below the
+// test folder; a program not named quake3.exe is stored as chosen and asked for at the next start.
 const std::tuple<const char*, const char*, MsgAnswer, const char*> Choices[] = {
-    {"free game button", "button", MsgAnswer::No, "data/openarena"},
-    {"another server program, folder made", "usr/bin/q3ded", MsgAnswer::Yes, "data/q3ded"},
+    {"the game's own program", "q3/quake3.exe", MsgAnswer::No, "q3/quake3.exe"},
+    {"free game button", "button", MsgAnswer::No, "data/openarena/quake3.exe"},
+    {"another server program, folder made", "usr/bin/q3ded", MsgAnswer::Yes,
+     "data/q3ded/quake3.exe"},
     {"the free game's engine, folder made", "usr/lib/ioquake3/ioq3ded", MsgAnswer::Yes,
-     "data/openarena"},
-    {"another server program as chosen", "usr/bin/q3ded", MsgAnswer::No, "usr/bin"},
+     "data/openarena/quake3.exe"},
+    {"another server program as chosen", "usr/bin/q3ded", MsgAnswer::No, "usr/bin/q3ded"},
 };
 
 // The location stored: folder/executable below the test folder.
@@ -38,7 +40,6 @@ class PathDialogTest : public QObject {
 private slots:
     void startUp_data() { addRows(Stored); }
     void startUp();
-    void browseThenOkayStoresLocationAndMenuReopens();
     void choiceLastsToTheNextStart_data() { addRows(Choices); }
     void choiceLastsToTheNextStart();
 };
@@ -70,40 +71,11 @@ void PathDialogTest::startUp() {
     QCOMPARE(platform.ini->read("Settings", "Path", "<none>"), path);
 }
 
-void PathDialogTest::browseThenOkayStoresLocationAndMenuReopens() {
-    TestPlatform platform;
-    const QString exe = QDir::toNativeSeparators(platform.root() + "/q3/quake3.exe");
-    platform.writeFile(exe, "#!/bin/sh\n");
-    platform.dialogs.choices = {FileChoice{false, {}, {}}, FileChoice{true, exe, "quake3.exe"}};
-    MainWindow window(*platform.app);
-    window.start();
-    PathDialog& dialog = window.pathDialog();
-    dialog.form().cmdBrowse->click(); // cancelled: nothing chosen
-    QVERIFY(platform.app->state.GameFolder.isEmpty() && !dialog.form().cmdOkay->isEnabled());
-    dialog.form().cmdBrowse->click();
-    QCOMPARE(platform.dialogs.calls.last().title + " " + platform.dialogs.calls.last().filter,
-             QStringLiteral("Select the Quake 3 Executable Executables (*.exe)|*.exe"));
-    QCOMPARE(dialog.form().txtPath->text(), exe);
-    QCOMPARE(platform.ini->read("Settings", "Path", "<none>"), QStringLiteral("<none>")); // not yet
-    dialog.form().cmdOkay->click();
-    QCOMPARE(platform.ini->read("Settings", "Path", ""),
-             QDir::toNativeSeparators(platform.root() + "/q3"));
-    QCOMPARE(platform.ini->read("Settings", "Exe", ""), QStringLiteral("quake3.exe"));
-    QVERIFY(!dialog.isVisible() && window.isLoaded() && window.isVisible());
-
-    // From the main window the dialog shows the stored location; Cancel goes back.
-    dialog.form().txtPath->clear();
-    window.form().mnuSettingsQ3Path->trigger();
-    QVERIFY(dialog.isVisible() && !window.isEnabled());
-    QCOMPARE(dialog.form().txtPath->text(), exe);
-    dialog.form().cmdCancel->click();
-    QVERIFY(!window.hasEnded() && window.isEnabled() && !dialog.isVisible());
-}
-
 void PathDialogTest::choiceLastsToTheNextStart() {
     const auto& [name, chosen, answer, stored] = fetchRow(Choices);
     TestPlatform platform;
     const QString root = platform.root() + "/";
+    platform.writeFile(root + "q3/quake3.exe", "#!/bin/sh\n");
     // A server program that says what it was started with.
     platform.writeFile(root + "usr/bin/q3ded", "#!/bin/sh\necho \"$@\" >\"$0.args\"\n");
     QFile::setPermissions(root + "usr/bin/q3ded", QFile::ReadOwner | QFile::ExeOwner);
@@ -119,30 +91,52 @@ void PathDialogTest::choiceLastsToTheNextStart() {
     Ui::frmPath& form = window->pathDialog().form();
     QVERIFY(form.cmdFreeGame->isVisible());
     platform.messages.answers = {answer};
-    if (QString(chosen) == "button") {
+    const bool button = QString(chosen) == "button";
+    if (button) {
         form.cmdFreeGame->click();
     } else {
-        platform.dialogs.choices = {{true, root + chosen, QFileInfo(chosen).fileName()}};
+        platform.dialogs.choices = {{false, {}, {}},
+                                    {true, root + chosen, QFileInfo(chosen).fileName()}};
+        form.cmdBrowse->click(); // cancelled: nothing chosen
+        QVERIFY(platform.app->state.GameFolder.isEmpty() && !form.cmdOkay->isEnabled());
         form.cmdBrowse->click();
+        QCOMPARE(platform.dialogs.calls.last().title + " " + platform.dialogs.calls.last().filter,
+                 QStringLiteral("Select the Quake 3 Executable Executables (*.exe)|*.exe"));
+        QCOMPARE(form.txtPath->text(), root + chosen);
     }
+    QCOMPARE(platform.ini->read("Settings", "Path", "<none>"), QStringLiteral("<none>")); // not yet
     form.cmdOkay->click();
-    QVERIFY(window->isLoaded());
-    QCOMPARE(platform.ini->read("Settings", "Path", ""), root + stored);
-    const bool made = QString(stored).startsWith("data/");
-    QCOMPARE(platform.messages.shown.size(), QString(chosen) == "button" ? 0 : 1);
-    if (QString(stored) == "data/openarena") { // the free game, ready to play
+    QVERIFY(window->isLoaded() && window->isVisible() && !window->pathDialog().isVisible());
+    const QString program = root + stored;
+    QCOMPARE(platform.ini->read("Settings", "Path", "") + '/' +
+                 platform.ini->read("Settings", "Exe", ""),
+             program);
+    QCOMPARE(platform.messages.shown.size(), QString(chosen).startsWith("usr/") ? 1 : 0);
+    if (program.contains("/openarena/")) { // the free game, ready to play
         QCOMPARE(entries(window->form().SelMap).value(0), QStringLiteral("oa_dm1"));
         QCOMPARE(window->form().txtHunkMegs->text(), QStringLiteral("64"));
-    } else if (made) { // the program runs with the game folder searched first
-        QCOMPARE(QProcess::execute(root + stored + "/quake3.exe", {"+set", "dedicated", "2"}), 0);
+    } else if (program.contains("/data/")) { // the program runs with the game folder searched first
+        QCOMPARE(QProcess::execute(program, {"+set", "dedicated", "2"}), 0);
         QCOMPARE(readAll(root + chosen + ".args"),
-                 "+set fs_homepath " + (root + stored).toUtf8() + " +set dedicated 2\n");
+                 "+set fs_homepath " + QFileInfo(program).path().toUtf8() + " +set dedicated 2\n");
     }
+
+    // From the main window the dialog shows the stored location, if the next start would find it;
+    // Cancel goes back.
+    const bool kept = program.endsWith("/quake3.exe");
+    form.txtPath->setText("x");
+    window->form().mnuSettingsQ3Path->trigger();
+    QVERIFY(window->pathDialog().isVisible() && !window->isEnabled());
+    QCOMPARE(form.txtPath->text(), kept ? program : "");
+    form.cmdCancel->click();
+    QVERIFY(!window->hasEnded() && window->isEnabled() && !window->pathDialog().isVisible());
+
     window.reset();
     platform.reopenStore();
+    platform.app->state = AppState{}; // as a new run has it
     window = open();
-    QCOMPARE(window->isLoaded(), made);
-    QCOMPARE(window->pathDialog().isVisible(), !made);
+    QCOMPARE(window->isLoaded(), kept);
+    QCOMPARE(window->pathDialog().isVisible(), !kept);
 }
 
 QTEST_MAIN(PathDialogTest)

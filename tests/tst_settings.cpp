@@ -5,7 +5,7 @@
 #include "platform/PrivateFiles.h"
 #include "platform/WholeFile.h"
 #include "settings/SettingsController.h"
-#include "ui/MainForm.h"
+#include "settings/Validation.h"
 
 #include <QtTest>
 
@@ -56,6 +56,44 @@ const std::tuple<const char*, QString, QString, QString> Stored[] = {
     {"minimize text", "Options/StartMin=often", "", "Error setting Shutdown options"},
 };
 
+// The steps of a scenario, in order: "control=value" sets a selector's position or a box
+// (1/0); "startup" leaves the flag the start-up sets for the first game type change;
+// "?control" must be usable, "?!control" not, either with "=1"/"=0" for its check state;
+// "?@panel" is the bot panel in front; "^button" clicks.
+const std::pair<const char*, const char*> Rules[] = {
+    {"game types",
+     "cmbGameType=2 ?chkFriendly ?chkAutoJoin ?chkAutoBalance cmbGameType=1 ?!chkFriendly "
+     "?!chkAutoJoin ?!chkAutoBalance cmbGameType=3 ?chkFriendly ?chkAutoBalance"},
+    {"team boxes keep values",
+     "cmbGameType=2 chkFriendly=1 chkAutoJoin=0 cmbGameType=1 ?!chkFriendly=1 ?!chkAutoJoin=0"},
+    {"start-up change does nothing else",
+     "cmbGameType=0 startup cmbGameType=2 ?!chkFriendly cmbGameType=3 ?chkFriendly"},
+    {"server types",
+     "cmbServerType=0 ?!txtNetIP ?!txtNetPort ?!Label12 ?!Frame1 cmbServerType=1 ?txtNetIP "
+     "?Label12 ?!Frame1 cmbServerType=2 ?txtNetPort ?Frame1 ?txtMaster_2"},
+    {"warm-up", "chkWarmUp=1 ?txtWarmUpTime chkWarmUp=0 ?!txtWarmUpTime"},
+    {"log file", "chkLogFile=1 chkLogFile=0 ?!Frame11 ?!txtLogFile ?!chkDateLog chkLogFile=1 "
+                 "chkDateLog=1 ?chkDateLog ?!txtLogFile chkDateLog=0 ?txtLogFile"},
+    {"minimize or close",
+     "chkStartState=1 optClose=1 optMinimize=1 ?optMinimize=1 ?optClose=0 ^optMinimize "
+     "?optMinimize=1 ^optClose ?optClose=1 ?optMinimize=0 ^optClose ?optClose=1 optClose=0 "
+     "?optMinimize=0 ?optClose=0 chkStartState=0 ?!optMinimize"},
+    {"password", "chkRequirePassword=1 ?txtServerPW ?txtPrivateClients chkRequirePassword=0 "
+                 "?!txtServerPW ?!lblPrivateClients"},
+    {"cd", "chkSpecifyCD=1 ?txtCDROM chkSpecifyCD=0 ?!txtCDROM"},
+    {"automatic bots", "cmbBotType=2 ?@picAutoBots ?picAutoBots ?cmbAutoBotSkill ?txtMinBots "
+                       "?!chkAutoSelectBots ?!txtRandomBots ?chkDisableBotChat ?chkNoBotJump "
+                       "?chkRocketJump cmbBotType=0 ?@picAutoBots ?!picAutoBots"},
+    {"user bots",
+     "cmbBotType=1 chkAutoSelectBots=1 ?@picManualBots ?!BotList ?txtRandomBots ?Label31 "
+     "chkAutoSelectBots=0 ?BotList ?!txtRandomBots ?!Label31 ?cmbBotTeam ?lblBotCount"},
+    {"bots disabled",
+     "cmbBotType=1 chkAutoSelectBots=1 cmbBotType=0 ?@picManualBots ?!BotList ?!cmbBotSkill "
+     "?!txtRandomBots ?!chkDisableBotChat ?!txtMinBots ?chkNoBotJump ?chkRocketJump"},
+    {"random skill", "cmbBotType=1 chkRandomBotSkill=1 ?!cmbBotSkill ?!Label16 cmbBotType=2 "
+                     "cmbBotType=1 ?!cmbBotSkill chkRandomBotSkill=0 ?cmbBotSkill ?Label16"},
+};
+
 class SettingsTest : public QObject {
     Q_OBJECT
 private slots:
@@ -63,9 +101,8 @@ private slots:
     void saveThenLoadReproducesEveryValue();
     void storedValueLoads_data() { addRows(Stored); }
     void storedValueLoads();
-    void enablingRules_data();
+    void enablingRules_data() { addRows(Rules); }
     void enablingRules();
-    void demoRecordingWarning();
     void secretsAreTheUsersAlone_data();
     void secretsAreTheUsersAlone();
 
@@ -84,10 +121,12 @@ void SettingsTest::emptyStoreSavesEveryDefaultUntilARefusal() {
           "Settings/CheckNewMaps=False", "Bots/Selected2=False", "Bots/Team 2=0",
           "Bots/Strength 2=1"})
         QVERIFY2(writes.contains(entry), entry);
-    // A refused write ends the save there.
+    // A refused write ends the save there, and fails the checks before a launch
+    // without a word.
     run.platform.store->failAtKey = "AdminName";
     QVERIFY(run.save().isEmpty());
     QVERIFY(run.platform.store->writes.last().startsWith("General/AdminName="));
+    QVERIFY(!run.window->validation().ValidateAll() && run.platform.messages.shown.isEmpty());
     // Closing says where and why the settings could not be stored, and still ends.
     run.platform.store->failAtKey.clear();
     QVERIFY(QFile::remove(run.platform.iniPath()) && QDir().mkpath(run.platform.iniPath()));
@@ -114,9 +153,18 @@ void SettingsTest::saveThenLoadReproducesEveryValue() {
     for (QComboBox* combo : run.window->findChildren<QComboBox*>())
         combo->setCurrentIndex(combo->currentIndex() == 1 ? 2 : 1);
     ui.txtCfg->setEditText("server.cfg");
-    run.platform.messages.answers = {MsgAnswer::Yes}; // keep demo recording on
+    // Turning demo recording on warns: "No" clears it again, "Yes" keeps it.
+    run.platform.messages.answers = {MsgAnswer::No, MsgAnswer::Yes};
+    ui.chkDemoRecording->setChecked(true);
+    QVERIFY(!ui.chkDemoRecording->isChecked());
     for (QCheckBox* check : run.window->findChildren<QCheckBox*>())
         check->setChecked(!check->isChecked());
+    QVERIFY(ui.chkDemoRecording->isChecked());
+    QCOMPARE(described(run.platform.messages),
+             QStringList(2, message("Warning",
+                                    "Turning this feature on is likely to cause severe performance "
+                                    "issues for your clients.\r\rAre you sure you want to do this?",
+                                    MsgButtons::YesNo, MsgIcon::Question)));
     ui.optClose->setChecked(true);
     ui.mnuSettingsMapCheck->setChecked(true);
     ui.SSTab1->setCurrentIndex(4);
@@ -129,6 +177,9 @@ void SettingsTest::saveThenLoadReproducesEveryValue() {
     QCOMPARE(run.window->form().SSTab1->currentIndex(), 0); // every run opens on the first tab
     run.window->settings().LoadSettings(); // ... but the load selects the stored one
     QCOMPARE(run.save(), saved);
+    run.platform.messages.clear();
+    run.ui().chkDemoRecording->setChecked(false); // clearing asks nothing
+    QCOMPARE(run.platform.messages.shown.size(), 0);
 }
 
 void SettingsTest::storedValueLoads() {
@@ -149,52 +200,9 @@ void SettingsTest::storedValueLoads() {
     QCOMPARE(onlyMessage(run.platform.messages), "0 messages");
 }
 
-void SettingsTest::enablingRules_data() {
-    // In order: "control=value" sets a selector's position or a box (1/0);
-    // "startup" leaves the flag the start-up sets for the first game type
-    // change; "?control" must be usable, "?!control" not, either with "=1"/"=0"
-    // for its check state; "?@panel" is the bot panel in front; "^button" clicks.
-    QTest::addColumn<QString>("script");
-    QTest::newRow("game types") << "cmbGameType=2 ?chkFriendly ?chkAutoJoin ?chkAutoBalance "
-                                   "cmbGameType=1 ?!chkFriendly ?!chkAutoJoin ?!chkAutoBalance "
-                                   "cmbGameType=3 ?chkFriendly ?chkAutoBalance";
-    QTest::newRow("team boxes keep values") << "cmbGameType=2 chkFriendly=1 chkAutoJoin=0 "
-                                               "cmbGameType=1 ?!chkFriendly=1 ?!chkAutoJoin=0";
-    QTest::newRow("start-up change does nothing else")
-        << "cmbGameType=0 startup cmbGameType=2 ?!chkFriendly cmbGameType=3 ?chkFriendly";
-    QTest::newRow("server types") << "cmbServerType=0 ?!txtNetIP ?!txtNetPort ?!Label12 ?!Frame1 "
-                                     "cmbServerType=1 ?txtNetIP ?Label12 ?!Frame1 "
-                                     "cmbServerType=2 ?txtNetPort ?Frame1 ?txtMaster_2";
-    QTest::newRow("warm-up") << "chkWarmUp=1 ?txtWarmUpTime chkWarmUp=0 ?!txtWarmUpTime";
-    QTest::newRow("log file") << "chkLogFile=1 chkLogFile=0 ?!Frame11 ?!txtLogFile ?!chkDateLog "
-                                 "chkLogFile=1 chkDateLog=1 ?chkDateLog ?!txtLogFile chkDateLog=0 "
-                                 "?txtLogFile";
-    QTest::newRow("minimize or close")
-        << "chkStartState=1 optClose=1 optMinimize=1 ?optMinimize=1 ?optClose=0 ^optMinimize "
-           "?optMinimize=1 ^optClose ?optClose=1 ?optMinimize=0 ^optClose ?optClose=1 optClose=0 "
-           "?optMinimize=0 ?optClose=0 chkStartState=0 ?!optMinimize";
-    QTest::newRow("password") << "chkRequirePassword=1 ?txtServerPW ?txtPrivateClients "
-                                 "chkRequirePassword=0 ?!txtServerPW ?!lblPrivateClients";
-    QTest::newRow("cd") << "chkSpecifyCD=1 ?txtCDROM chkSpecifyCD=0 ?!txtCDROM";
-    QTest::newRow("automatic bots")
-        << "cmbBotType=2 ?@picAutoBots ?picAutoBots ?cmbAutoBotSkill ?txtMinBots "
-           "?!chkAutoSelectBots ?!txtRandomBots ?chkDisableBotChat ?chkNoBotJump ?chkRocketJump "
-           "cmbBotType=0 ?@picAutoBots ?!picAutoBots";
-    QTest::newRow("user bots") << "cmbBotType=1 chkAutoSelectBots=1 ?@picManualBots ?!BotList "
-                                  "?txtRandomBots ?Label31 chkAutoSelectBots=0 ?BotList "
-                                  "?!txtRandomBots ?!Label31 ?cmbBotTeam ?lblBotCount";
-    QTest::newRow("bots disabled")
-        << "cmbBotType=1 chkAutoSelectBots=1 cmbBotType=0 ?@picManualBots ?!BotList ?!cmbBotSkill "
-           "?!txtRandomBots ?!chkDisableBotChat ?!txtMinBots ?chkNoBotJump ?chkRocketJump";
-    QTest::newRow("random skill") << "cmbBotType=1 chkRandomBotSkill=1 ?!cmbBotSkill ?!Label16 "
-                                     "cmbBotType=2 cmbBotType=1 ?!cmbBotSkill chkRandomBotSkill=0 "
-                                     "?cmbBotSkill ?Label16";
-}
-
 void SettingsTest::enablingRules() {
-    QFETCH(QString, script);
     WindowFixture w;
-    for (const QString& token : script.split(' ')) {
+    for (const QString& token : QString(fetchRow(Rules).second).split(' ')) {
         QString name = token.section('=', 0, 0);
         name.remove('?').remove('!').remove('@').remove('^');
         QObject* object = token == "startup" ? w.window.get() : w.window->findChild<QObject*>(name);
@@ -217,23 +225,6 @@ void SettingsTest::enablingRules() {
             button->setChecked(token.endsWith("=1"));
         }
     }
-}
-
-void SettingsTest::demoRecordingWarning() {
-    WindowFixture w;
-    QCheckBox& demo = *w.ui().chkDemoRecording;
-    w.platform.messages.answers = {MsgAnswer::No, MsgAnswer::Yes};
-    demo.setChecked(true); // "No" clears it again
-    QVERIFY(!demo.isChecked());
-    QCOMPARE(onlyMessage(w.platform.messages),
-             message("Warning",
-                     "Turning this feature on is likely to cause severe performance issues for "
-                     "your clients.\r\rAre you sure you want to do this?",
-                     MsgButtons::YesNo, MsgIcon::Question));
-    demo.setChecked(true); // "Yes" keeps it
-    QVERIFY(demo.isChecked());
-    demo.setChecked(false); // clearing asks nothing
-    QCOMPARE(w.platform.messages.shown.size(), 2);
 }
 
 void SettingsTest::secretsAreTheUsersAlone_data() {

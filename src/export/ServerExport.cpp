@@ -2,26 +2,20 @@
 
 #include "app/AppContext.h"
 #include "bots/BotScripts.h"
-#include "config/ConfigController.h"
 #include "config/ConfigWriter.h"
 #include "config/ConsoleText.h"
 #include "export/ExportFiles.h"
 #include "launch/CommandLine.h"
-#include "maps/MapsController.h"
+#include "launch/LaunchSteps.h"
 #include "platform/WholeFile.h"
+#include "profiles/Profile.h"
 #include "server/ServerProtocol.h"
 #include "settings/Positions.h"
-#include "settings/Validation.h"
-#include "ui/FormSettings.h"
-#include "ui/MainForm.h"
-#include "ui/MainWindow.h"
-#include "ui/ProfileCommands.h"
 
 #include <QDir>
 #include <QDirIterator>
 #include <QFileInfo>
 #include <QMenu>
-#include <QMenuBar>
 #include <QTemporaryDir>
 
 namespace halvane {
@@ -31,11 +25,14 @@ const QString Title = QStringLiteral("Export Server");
 
 } // namespace
 
-ServerExport::ServerExport(MainWindow& window, AppContext& app) : m_window(window), m_app(app) {
-    auto* menu = window.findChild<QMenu*>(QStringLiteral("mnuServer"));
-    if (!menu)
+ServerExport::ServerExport(QMenu* serverMenu, LaunchSteps& steps,
+                           const ServerSettingsSource& settings, const LaunchOptionsSource& launch,
+                           MapCatalogue& catalogue, RandomSource& random, AppContext& app)
+    : m_steps(steps), m_settings(settings), m_launch(launch), m_catalogue(catalogue),
+      m_random(random), m_app(app) {
+    if (!serverMenu)
         return;
-    QAction* action = menu->addAction(QStringLiteral("Export Server…"));
+    QAction* action = serverMenu->addAction(QStringLiteral("Export Server…"));
     action->setObjectName(QStringLiteral("mnuServerExport"));
     connect(action, &QAction::triggered, this, &ServerExport::mnuServerExport);
 }
@@ -61,10 +58,9 @@ void ServerExport::mnuServerExport() {
 }
 
 QString ServerExport::serverName() const {
-    const ProfileCommands* profiles = m_window.profileCommands();
-    const QString profile = profiles ? profiles->currentName() : QString();
+    const QString profile = m_profile ? m_profile->currentName() : QString();
     // The file names made of it keep letters and digits only (exporting::slug).
-    return profile.isEmpty() ? protocol::withoutColours(m_window.form().txtServerName->text())
+    return profile.isEmpty() ? protocol::withoutColours(m_settings.serverSettings().serverName)
                              : profile;
 }
 
@@ -79,13 +75,13 @@ bool ServerExport::exportTo(const QString& folder, const QString& name) {
         return fail(QStringLiteral("The folder ") + QDir::toNativeSeparators(parent) +
                     QStringLiteral(" does not exist."));
 
-    m_window.maps().CommitShownMap();
-    if (!m_window.validation().ValidateAll())
+    m_steps.CommitShownMap();
+    if (!m_steps.ValidateAll())
         return false; // the validation said why
     // Read after the validation, which may correct a box.
-    MainForm& ui = m_window.form();
-    const LaunchOptions options = launchOptionsFrom(ui);
-    const QString consolePassword = ui.txtConsolePW->text();
+    const LaunchOptions options = m_launch.launchOptions();
+    ServerSettings settings = m_settings.serverSettings();
+    const QString consolePassword = settings.consolePassword;
     // Both passwords go between double quotes into passwords.cfg.
     for (const auto& [caption, password] :
          {std::pair{QStringLiteral("Server Password"), options.serverPassword},
@@ -106,10 +102,9 @@ bool ServerExport::exportTo(const QString& folder, const QString& name) {
     state.GameFolder = staging.path();
     if (!QDir(staging.path()).mkdir(QStringLiteral("baseq3")))
         return fail(QStringLiteral("The folder ") + shown + QStringLiteral(" cannot be made."));
-    ServerSettings settings = m_window.config().snapshot();
     settings.consolePassword.clear(); // kept in passwords.cfg instead
-    BotScriptWriter bots(state, m_app.platform.messages, m_window.random());
-    ConfigWriter writer(state, m_app.platform.messages, m_window.mapCatalogue(), bots);
+    BotScriptWriter bots(state, m_app.platform.messages, m_random);
+    ConfigWriter writer(state, m_app.platform.messages, m_catalogue, bots);
     if (settings.botType == positions::UserDefinedBots && !settings.autoSelectBots)
         bots.MakeBotScript(settings);
     const QString config = state.gameFile(QStringLiteral("baseq3/halvane.cfg"));

@@ -14,6 +14,14 @@ struct Profile {
     QStringList maps;
 };
 
+// The profile a window's settings were last opened from or saved as, empty
+// when none: what an export of those settings is named after.
+class CurrentProfile {
+public:
+    virtual ~CurrentProfile() = default;
+    virtual QString currentName() const = 0;
+};
+
 // Why name cannot name a profile, as the end of a sentence ("it holds a
 // slash (/)"), or empty when it can. Names become file and folder names
 // and command-line words, so they stay short and plain.

@@ -5,12 +5,17 @@
 #include "config/ConsoleText.h"
 #include "settings/SettingsController.h"
 #include "settings/TextForms.h"
-#include "ui/MainForm.h"
+#include "ui_frmAdvanced.h"
+#include "ui_frmBots.h"
+#include "ui_frmGeneral.h"
+#include "ui_frmMaps.h"
+#include "ui_frmOptions.h"
 
 #include <QFocusEvent>
 #include <QHash>
 #include <QKeyEvent>
 #include <QSet>
+#include <QTabWidget>
 #include <cmath>
 
 namespace halvane {
@@ -61,8 +66,11 @@ bool typesNothing(const QKeyEvent* key) {
 }
 } // namespace
 
-Validation::Validation(MainForm& ui, AppContext& app, SettingsController& settings, QObject* parent)
-    : QObject(parent), ui(ui), m_app(app), m_settings(settings) {}
+Validation::Validation(Ui::frmGeneral& general, Ui::frmBots& bots, Ui::frmMaps& maps,
+                       Ui::frmOptions& options, Ui::frmAdvanced& advanced, QTabWidget& tabs,
+                       AppContext& app, SettingsController& settings, QObject* parent)
+    : QObject(parent), m_general(general), m_bots(bots), m_maps(maps), m_options(options),
+      m_advanced(advanced), m_tabs(tabs), m_app(app), m_settings(settings) {}
 
 const QStringList& Validation::numericBoxes() {
     static const QStringList boxes{
@@ -79,7 +87,7 @@ const QStringList& Validation::numericBoxes() {
 }
 
 void Validation::installGuards() {
-    QWidget* window = ui.SSTab1->window();
+    QWidget* window = m_tabs.window();
     // The boxes found in one pass over the window, not one search of the
     // whole window per name; a name two boxes share is searched for as
     // before.
@@ -107,8 +115,8 @@ void Validation::installGuards() {
             connect(box, &QLineEdit::textEdited, this, [this, box] { keepDigits(box); });
         }
     }
-    ui.txtLogFile->installEventFilter(this);
-    ui.txtPrivateClients->installEventFilter(this);
+    m_advanced.txtLogFile->installEventFilter(this);
+    m_advanced.txtPrivateClients->installEventFilter(this);
 }
 
 bool Validation::eventFilter(QObject* watched, QEvent* event) {
@@ -119,11 +127,12 @@ bool Validation::eventFilter(QObject* watched, QEvent* event) {
         const Qt::FocusReason reason = static_cast<QFocusEvent*>(event)->reason();
         const bool leaving =
             reason != Qt::ActiveWindowFocusReason && reason != Qt::PopupFocusReason;
-        if (leaving && (watched == ui.txtLogFile || watched == ui.txtPrivateClients)) {
+        if (leaving &&
+            (watched == m_advanced.txtLogFile || watched == m_advanced.txtPrivateClients)) {
             // Let the box finish leaving first (it drops its selection then),
             // so that the check's own selection and focus are what remain.
             watched->event(event);
-            if (watched == ui.txtLogFile)
+            if (watched == m_advanced.txtLogFile)
                 txtLogFileLostFocus();
             else
                 txtPrivateClientsLostFocus();
@@ -159,7 +168,7 @@ void Validation::keepDigits(QLineEdit* box) {
 
 void Validation::txtLogFileLostFocus() {
     static const QString forbidden = QStringLiteral("\\/:*?\"><|");
-    const QString text = ui.txtLogFile->text();
+    const QString text = m_advanced.txtLogFile->text();
     for (const QChar c : forbidden) {
         if (text.contains(c)) {
             m_app.platform.messages.tell(
@@ -167,22 +176,23 @@ void Validation::txtLogFileLostFocus() {
                 QStringLiteral("A filename cannot contain any of the following characters:\r\r"
                                "\\ / : * ? \" > < |"),
                 MsgIcon::Critical);
-            ui.txtLogFile->selectAll();
-            ui.txtLogFile->setFocus();
+            m_advanced.txtLogFile->selectAll();
+            m_advanced.txtLogFile->setFocus();
             return;
         }
     }
 }
 
 void Validation::txtPrivateClientsLostFocus() {
-    const double privateClients = valueOf(ui.txtPrivateClients);
-    const double maxPlayers = std::round(valueOf(ui.txtMaxPlayers));
+    const double privateClients = valueOf(m_advanced.txtPrivateClients);
+    const double maxPlayers = std::round(valueOf(m_general.txtMaxPlayers));
     if (privateClients > maxPlayers) {
         m_app.platform.messages.tell(
             Warning,
-            QStringLiteral("The number of private clients (") + ui.txtPrivateClients->text() +
+            QStringLiteral("The number of private clients (") +
+                m_advanced.txtPrivateClients->text() +
                 QStringLiteral(") exceeds the maxiumum number of players specified (") +
-                ui.txtMaxPlayers->text() +
+                m_general.txtMaxPlayers->text() +
                 QStringLiteral("). \r\rThis number should be the same, or less than the "
                                "maxiumum number of clients."),
             MsgIcon::Information);
@@ -197,15 +207,15 @@ void Validation::txtPrivateClientsLostFocus() {
 }
 
 void Validation::focusAdvancedBox(QLineEdit* box) {
-    ui.SSTab1->setCurrentIndex(AdvancedTab);
+    m_tabs.setCurrentIndex(AdvancedTab);
     box->setSelection(0, box->text().size());
     box->setFocus();
 }
 
 void Validation::focusBox(QWidget* box) {
-    for (int i = 0; i < ui.SSTab1->count(); ++i) {
-        if (ui.SSTab1->widget(i)->isAncestorOf(box))
-            ui.SSTab1->setCurrentIndex(i);
+    for (int i = 0; i < m_tabs.count(); ++i) {
+        if (m_tabs.widget(i)->isAncestorOf(box))
+            m_tabs.setCurrentIndex(i);
     }
     QLineEdit* edit = qobject_cast<QLineEdit*>(box);
     if (auto* combo = qobject_cast<QComboBox*>(box))
@@ -229,46 +239,47 @@ QWidget* Validation::unsafeBox(QString& message, bool commandLineToo) const {
     const auto combo = [](QComboBox* box, P place) {
         return Written{box, box->currentText(), place, true};
     };
-    const bool ownLogName = ui.chkLogFile->isChecked() && !ui.chkDateLog->isChecked();
-    const bool masters = ui.Frame1->isEnabled();
+    const bool ownLogName =
+        m_advanced.chkLogFile->isChecked() && !m_advanced.chkDateLog->isChecked();
+    const bool masters = m_options.Frame1->isEnabled();
     // In the order the values are written: halvane.cfg, the shown map's
     // rules (they go into the rotation lines), then the command line.
     const Written values[] = {
-        line(ui.txtLogFile, P::Quoted, ownLogName),
-        line(ui.txtMaxPlayers, P::Unquoted),
-        line(ui.txtServerName, P::Quoted),
-        line(ui.txtMOTD, P::Quoted),
-        line(ui.txtMinPing, P::Unquoted),
-        line(ui.txtMaxPing, P::Unquoted),
-        line(ui.txtPlayerRespawn, P::Unquoted),
-        line(ui.txtInactivity, P::Unquoted),
-        line(ui.txtWarmUpTime, P::Quoted, ui.chkWarmUp->isChecked()),
-        line(ui.txtConsolePW, P::Quoted),
-        line(ui.txtMaxRate, P::Unquoted),
-        line(ui.txtMaster_0, P::Unquoted, masters),
-        line(ui.txtMaster_1, P::Unquoted, masters),
-        line(ui.txtMaster_2, P::Unquoted, masters),
-        line(ui.txtMaster_3, P::Unquoted, masters),
-        line(ui.txtMaster_4, P::Unquoted, masters),
-        line(ui.txtRespawn, P::Unquoted),
-        line(ui.txtQuad, P::Unquoted),
-        line(ui.txtMinBots, P::Unquoted, ui.cmbBotType->currentIndex() == AutomaticBots),
-        combo(ui.txtCfg, P::Unquoted),
-        line(ui.txtMapTimeLimit, P::Rotation),
-        line(ui.txtMapFragLimit, P::Rotation),
-        line(ui.txtMapCapturelimit, P::Rotation),
-        line(ui.txtMapSpeed, P::Rotation),
-        line(ui.txtMapGravity, P::Rotation),
-        line(ui.txtMapKnockback, P::Rotation),
-        line(ui.txtHunkMegs, P::CommandLine),
-        line(ui.txtServerPW, P::CommandLine, ui.chkRequirePassword->isChecked()),
-        line(ui.txtNetIP, P::CommandLine),
-        line(ui.txtNetPort, P::CommandLine),
-        combo(ui.txtCmdParameters, P::Parameters),
-        line(ui.txtCDROM, P::CommandLine, ui.chkSpecifyCD->isChecked()),
-        line(ui.txtAdminName, P::CommandLine),
-        line(ui.txtAdminEmail, P::CommandLine),
-        line(ui.txtAdminURL, P::CommandLine),
+        line(m_advanced.txtLogFile, P::Quoted, ownLogName),
+        line(m_general.txtMaxPlayers, P::Unquoted),
+        line(m_general.txtServerName, P::Quoted),
+        line(m_general.txtMOTD, P::Quoted),
+        line(m_advanced.txtMinPing, P::Unquoted),
+        line(m_advanced.txtMaxPing, P::Unquoted),
+        line(m_general.txtPlayerRespawn, P::Unquoted),
+        line(m_general.txtInactivity, P::Unquoted),
+        line(m_options.txtWarmUpTime, P::Quoted, m_options.chkWarmUp->isChecked()),
+        line(m_advanced.txtConsolePW, P::Quoted),
+        line(m_advanced.txtMaxRate, P::Unquoted),
+        line(m_options.txtMaster_0, P::Unquoted, masters),
+        line(m_options.txtMaster_1, P::Unquoted, masters),
+        line(m_options.txtMaster_2, P::Unquoted, masters),
+        line(m_options.txtMaster_3, P::Unquoted, masters),
+        line(m_options.txtMaster_4, P::Unquoted, masters),
+        line(m_options.txtRespawn, P::Unquoted),
+        line(m_options.txtQuad, P::Unquoted),
+        line(m_bots.txtMinBots, P::Unquoted, m_bots.cmbBotType->currentIndex() == AutomaticBots),
+        combo(m_advanced.txtCfg, P::Unquoted),
+        line(m_maps.txtMapTimeLimit, P::Rotation),
+        line(m_maps.txtMapFragLimit, P::Rotation),
+        line(m_maps.txtMapCapturelimit, P::Rotation),
+        line(m_maps.txtMapSpeed, P::Rotation),
+        line(m_maps.txtMapGravity, P::Rotation),
+        line(m_maps.txtMapKnockback, P::Rotation),
+        line(m_advanced.txtHunkMegs, P::CommandLine),
+        line(m_advanced.txtServerPW, P::CommandLine, m_advanced.chkRequirePassword->isChecked()),
+        line(m_advanced.txtNetIP, P::CommandLine),
+        line(m_advanced.txtNetPort, P::CommandLine),
+        combo(m_advanced.txtCmdParameters, P::Parameters),
+        line(m_advanced.txtCDROM, P::CommandLine, m_advanced.chkSpecifyCD->isChecked()),
+        line(m_general.txtAdminName, P::CommandLine),
+        line(m_general.txtAdminEmail, P::CommandLine),
+        line(m_general.txtAdminURL, P::CommandLine),
     };
     for (const Written& value : values) {
         if (!value.written ||
@@ -313,85 +324,86 @@ bool Validation::ValidateAll() {
 bool Validation::checkAll(QString& failure) {
     MessageBoxes& messages = m_app.platform.messages;
 
-    if (ui.chkLogFile->isChecked() && !ui.chkDateLog->isChecked() &&
-        ui.txtLogFile->text().trimmed().isEmpty()) {
+    if (m_advanced.chkLogFile->isChecked() && !m_advanced.chkDateLog->isChecked() &&
+        m_advanced.txtLogFile->text().trimmed().isEmpty()) {
         messages.tell(
             QStringLiteral("Error"),
             QStringLiteral(
                 "You have chosen to specify a log filename, but no filename is specified"),
             MsgIcon::None);
-        focusAdvancedBox(ui.txtLogFile);
+        focusAdvancedBox(m_advanced.txtLogFile);
         return false;
     }
-    if (ui.txtServerName->text().isEmpty()) {
+    if (m_general.txtServerName->text().isEmpty()) {
         failure = QStringLiteral("Server name is required");
         return false;
     }
-    if (ui.txtMaxPlayers->text().isEmpty()) {
+    if (m_general.txtMaxPlayers->text().isEmpty()) {
         failure = QStringLiteral("Maxiumum Player value is required");
         return false;
     }
 
-    fillWhenEmpty(ui.txtMapFragLimit, QStringLiteral("0"));
-    fillWhenEmpty(ui.txtMapTimeLimit, QStringLiteral("0"));
-    fillWhenEmpty(ui.txtQuad, QStringLiteral("3"));
-    fillWhenEmpty(ui.txtRespawn, QStringLiteral("5"));
+    fillWhenEmpty(m_maps.txtMapFragLimit, QStringLiteral("0"));
+    fillWhenEmpty(m_maps.txtMapTimeLimit, QStringLiteral("0"));
+    fillWhenEmpty(m_options.txtQuad, QStringLiteral("3"));
+    fillWhenEmpty(m_options.txtRespawn, QStringLiteral("5"));
 
-    if (valueOf(ui.txtHunkMegs) < 12)
-        ui.txtHunkMegs->setText(QStringLiteral("12"));
+    if (valueOf(m_advanced.txtHunkMegs) < 12)
+        m_advanced.txtHunkMegs->setText(QStringLiteral("12"));
 
-    if (ui.cmbGameType->currentIndex() == CaptureTheFlag && valueOf(ui.txtHunkMegs) < 32) {
+    if (m_general.cmbGameType->currentIndex() == CaptureTheFlag &&
+        valueOf(m_advanced.txtHunkMegs) < 32) {
         if (messages.askYesNo(Warning,
                               QStringLiteral("The amount of allocated memory should be increased "
                                              "to at least 26 for CTF games.\r\rWould you like to "
                                              "set it to 32 beofre starting?"),
                               MsgIcon::Question))
-            ui.txtHunkMegs->setText(QStringLiteral("32"));
+            m_advanced.txtHunkMegs->setText(QStringLiteral("32"));
     }
 
-    const int serverType = ui.cmbServerType->currentIndex();
-    if (valueOf(ui.txtHunkMegs) > 64 &&
+    const int serverType = m_general.cmbServerType->currentIndex();
+    if (valueOf(m_advanced.txtHunkMegs) > 64 &&
         (serverType == PrivateServer || serverType == DedicatedServer)) {
         if (messages.askYesNo(Warning,
                               QStringLiteral("The amount of allocated memory (") +
-                                  ui.txtHunkMegs->text() +
+                                  m_advanced.txtHunkMegs->text() +
                                   QStringLiteral("MB) far exceeds the typical requirements, would "
                                                  "you like to change this first?"),
                               MsgIcon::None)) {
-            focusAdvancedBox(ui.txtHunkMegs);
+            focusAdvancedBox(m_advanced.txtHunkMegs);
             return false;
         }
     }
-    if (valueOf(ui.txtHunkMegs) < 56 && serverType == ListenServer) {
+    if (valueOf(m_advanced.txtHunkMegs) < 56 && serverType == ListenServer) {
         if (messages.askYesNo(Warning,
                               QStringLiteral("The amount of allocated memory (") +
-                                  ui.txtHunkMegs->text() +
+                                  m_advanced.txtHunkMegs->text() +
                                   QStringLiteral("MB) is lower than recommended for a listen "
                                                  "server, would you like to change this first?"),
                               MsgIcon::None)) {
-            focusAdvancedBox(ui.txtHunkMegs);
+            focusAdvancedBox(m_advanced.txtHunkMegs);
             return false;
         }
     }
 
-    if (ui.cmbBotType->currentIndex() == AutomaticBots &&
-        (valueOf(ui.txtMinBots) < 1 || valueOf(ui.txtMinBots) > 32)) {
+    if (m_bots.cmbBotType->currentIndex() == AutomaticBots &&
+        (valueOf(m_bots.txtMinBots) < 1 || valueOf(m_bots.txtMinBots) > 32)) {
         failure = QStringLiteral("You have selected autobots, but the number of bots is "
                                  "invalid.\r\rAcceptable values are 1 through 32.  (2-4 is "
                                  "recommended)");
         return false;
     }
 
-    zeroWhenNoNumber(ui.txtPlayerRespawn);
-    zeroWhenNoNumber(ui.txtInactivity);
+    zeroWhenNoNumber(m_general.txtPlayerRespawn);
+    zeroWhenNoNumber(m_general.txtInactivity);
 
-    const QString address = ui.txtNetIP->text();
+    const QString address = m_advanced.txtNetIP->text();
     if (!address.isEmpty() && address.size() < 8) {
         failure = QStringLiteral("The specified network IP address does not appear to be valid");
         return false;
     }
 
-    if (ui.chkSpecifyCD->isChecked() && ui.txtCDROM->text().size() != 2) {
+    if (m_advanced.chkSpecifyCD->isChecked() && m_advanced.txtCDROM->text().size() != 2) {
         failure = QStringLiteral("The drive letter you have specified for your CD ROM is "
                                  "invalid.\r\rEither uncheck the box next to it, or enter a valid "
                                  "drive letter (example: D:)");

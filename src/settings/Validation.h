@@ -4,10 +4,18 @@
 #include <QStringList>
 
 class QLineEdit;
+class QTabWidget;
+
+namespace Ui {
+class frmGeneral;
+class frmBots;
+class frmMaps;
+class frmOptions;
+class frmAdvanced;
+} // namespace Ui
 
 namespace halvane {
 
-struct MainForm;
 struct AppContext;
 class SettingsController;
 
@@ -17,9 +25,11 @@ class SettingsController;
 class Validation : public QObject {
     Q_OBJECT
 public:
-    // settings stores every option once the checks pass.
-    Validation(MainForm& ui, AppContext& app, SettingsController& settings,
-               QObject* parent = nullptr);
+    // The pages whose boxes are checked, and the tab control that shows the
+    // page of a refused box; settings stores every option once the checks pass.
+    Validation(Ui::frmGeneral& general, Ui::frmBots& bots, Ui::frmMaps& maps,
+               Ui::frmOptions& options, Ui::frmAdvanced& advanced, QTabWidget& tabs,
+               AppContext& app, SettingsController& settings, QObject* parent = nullptr);
 
     // True when every check passed and the settings were stored.
     bool ValidateAll();
@@ -56,7 +66,12 @@ private:
     void keepDigits(QLineEdit* box);
     bool refuseKey(QObject* watched, QEvent* event);
 
-    MainForm& ui;
+    Ui::frmGeneral& m_general;
+    Ui::frmBots& m_bots;
+    Ui::frmMaps& m_maps;
+    Ui::frmOptions& m_options;
+    Ui::frmAdvanced& m_advanced;
+    QTabWidget& m_tabs;
     AppContext& m_app;
     SettingsController& m_settings;
     QList<QObject*> m_numeric;

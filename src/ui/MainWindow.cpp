@@ -39,6 +39,7 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QDir>
+#include <QMenu>
 #include <QWindow>
 
 namespace halvane {
@@ -113,7 +114,9 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
     m_formSettings = std::make_unique<FormSettings>(*ui, m_botTables, m_app.state);
     m_config = std::make_unique<ConfigController>(*m_formSettings, *m_catalogue, m_app, *m_random);
 
-    m_validation = std::make_unique<Validation>(*ui, m_app, *m_settings);
+    m_validation = std::make_unique<Validation>(
+        ui->tabGeneral->form(), ui->tabBots->form(), ui->tabMaps->form(), ui->tabOptions->form(),
+        ui->tabAdvanced->form(), *ui->SSTab1, m_app, *m_settings);
     m_validation->installGuards();
     m_configCommands = std::make_unique<ConfigFileCommands>(
         ConfigFileControls{ui->mnuFileMakeCfg, ui->mnuFileSaveAs, ui->cmdEditCfg, ui->txtCfg},
@@ -125,10 +128,13 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
             std::make_unique<ServerControl>(*this, *ui, ui->tabAdvanced->form(), m_app, *m_launch);
     else
         SkipSaveOnClose = true;
-    m_export = std::make_unique<ServerExport>(*this, m_app);
+    m_export = std::make_unique<ServerExport>(findChild<QMenu*>(QStringLiteral("mnuServer")), *this,
+                                              *m_formSettings, *m_formSettings, *m_catalogue,
+                                              *m_random, m_app);
     if (m_role == WindowRole::Main) {
         m_profiles = std::make_unique<ProfileCommands>(*this, m_app, *m_servers);
         m_servers->setProfileLauncher(m_profiles.get());
+        m_export->setCurrentProfile(m_profiles.get());
     }
 
     connect(ui->cmdClose, &QAbstractButton::clicked, this, &QWidget::close);
@@ -248,33 +254,8 @@ void MainWindow::load() {
 
     // 4. The default map picture (maps/default.jpg).
     m_maps->showStartupPicture();
-    // 5.
-    m_maps->CheckMapDataFile();
-
-    // 6.
-    const auto checkNewMaps = parseTruth(m_app.platform.store.read(
-        QStringLiteral("Settings"), QStringLiteral("CheckNewMaps"), truthText(false)));
-    ui->mnuSettingsMapCheck->setChecked(checkNewMaps.value_or(false));
-
-    // 7.
-    m_maps->GetMapsFromBaseDir(m_searchArchivesAtStart && ui->mnuSettingsMapCheck->isChecked());
-    // 8.
-    m_bots->LoadBotList();
-    // 9.
-    m_maps->LoadMaps();
-
-    // 10.
-    LoadControls();
-    // 11.
-    m_settings->LoadSettings();
-    // 12.
-    ui->lblVersion->setText(AppInfo::versionCaption());
-    // 13.
-    m_bots->Countbots();
-    // 14.
-    m_interlocks->SetGameType();
-    // 15.
-    m_app.state.StartupInProgress = false;
+    // 5. to 15.
+    loadSteps(true, nullptr);
     // 16.
     ui->Label20->setText(AppInfo::productSiteAddress());
     ui->Label23->setText(AppInfo::authorMailAddress());
@@ -350,18 +331,39 @@ QStringList MainWindow::loadUnshown(const QStringList* selectedMaps) {
     m_loaded = true;
     SkipSaveOnClose = true;
     m_app.state.StartupInProgress = true;
+    return loadSteps(false, selectedMaps);
+}
+
+QStringList MainWindow::loadSteps(bool lookInGameFolder, const QStringList* selectedMaps) {
+    // 5.
     m_maps->CheckMapDataFile();
+    if (lookInGameFolder) {
+        // 6.
+        const auto checkNewMaps = parseTruth(m_app.platform.store.read(
+            QStringLiteral("Settings"), QStringLiteral("CheckNewMaps"), truthText(false)));
+        ui->mnuSettingsMapCheck->setChecked(checkNewMaps.value_or(false));
+        // 7.
+        m_maps->GetMapsFromBaseDir(m_searchArchivesAtStart && ui->mnuSettingsMapCheck->isChecked());
+    }
+    // 8.
     m_bots->LoadBotList();
+    // 9.
     QStringList unknown;
     if (selectedMaps)
         unknown = m_maps->LoadMaps(*selectedMaps);
     else
         m_maps->LoadMaps();
+    // 10.
     LoadControls();
+    // 11.
     m_settings->LoadSettings();
+    // 12.
     ui->lblVersion->setText(AppInfo::versionCaption());
+    // 13.
     m_bots->Countbots();
+    // 14.
     m_interlocks->SetGameType();
+    // 15.
     m_app.state.StartupInProgress = false;
     return unknown;
 }

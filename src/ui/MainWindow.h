@@ -114,6 +114,13 @@ private:
     void MakeBotScript() override;
 
     void load();
+    // Steps 5 to 15 of the start: the map data, the bots, the maps, the
+    // selector lists and the settings with their interlocks, in that order,
+    // for the operator's window and a window that is never shown alike. The
+    // game folder's new maps and their menu check (6 and 7) only with
+    // lookInGameFolder; selectedMaps in place of mapsel.txt, when given.
+    // Returns those of them the catalogue does not know, left out.
+    QStringList loadSteps(bool lookInGameFolder, const QStringList* selectedMaps);
     void unload();
     void cmdSetPath();
     void connectMenus();

@@ -18,15 +18,14 @@ class ServerControl;
 // The profile items of the "Server" menu: save the window's settings as a
 // profile, open one into the window, launch one as a server of its own,
 // rename and delete them.
-class ProfileCommands : public QObject, public ProfileLauncher {
+class ProfileCommands : public QObject, public ProfileLauncher, public CurrentProfile {
     Q_OBJECT
 public:
     ProfileCommands(MainWindow& window, AppContext& app, ServerControl& servers);
 
     ProfileStore& store() { return m_store; }
     void setStore(const ProfileStore& store) { m_store = store; }
-    // The profile the window's settings were last opened from or saved as.
-    const QString& currentName() const { return m_lastName; }
+    QString currentName() const override { return m_lastName; }
     // Tests put a recording stand-in here.
     void setPrompts(Prompts& prompts) { m_prompts = &prompts; }
 
