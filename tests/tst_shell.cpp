@@ -30,9 +30,8 @@ const std::tuple<const char*, int, int> Heights[] = {{"closed", 5790, 6450},
 class ShellTest : public QObject {
     Q_OBJECT
 private slots:
-    void startUpLoadsTheStoredSettings();
-    void shutDownSavesParametersBeforeSettings_data() { addRows(PanelStates); }
-    void shutDownSavesParametersBeforeSettings();
+    void startAndShutDownKeepTheirOrder_data() { addRows(PanelStates); }
+    void startAndShutDownKeepTheirOrder();
     void secondCopyEndsWithoutStoring();
     void savesOnABrokenDisk_data();
     void savesOnABrokenDisk();
@@ -48,8 +47,10 @@ struct Fixture : WindowFixture {
 };
 } // namespace
 
-// The lists are filled before the stored settings choose in them, and a start stores nothing.
-void ShellTest::startUpLoadsTheStoredSettings() {
+// A start fills the lists before the stored settings choose in them and stores nothing; the
+// shut-down stores the parameter lines before any of the settings.
+void ShellTest::startAndShutDownKeepTheirOrder() {
+    const bool open = std::get<1>(fetchRow(PanelStates));
     Fixture f([](TestPlatform& p) {
         p.ini->write("Settings", "CheckNewMaps", "True");
         p.ini->write("General", "GameType", "3");
@@ -57,17 +58,11 @@ void ShellTest::startUpLoadsTheStoredSettings() {
     QCOMPARE(f.ui().cmbGameType->currentIndex(), 3);
     QVERIFY(f.ui().mnuSettingsMapCheck->isChecked() && !f.platform.app->state.StartupInProgress &&
             f.platform.store->writes.isEmpty());
-}
-
-void ShellTest::shutDownSavesParametersBeforeSettings() {
-    const bool open = std::get<1>(fetchRow(PanelStates));
-    Fixture f;
     QVERIFY(f.panel().isOpen()); // the default is open
     if (!open)
         f.ui().mnuViewStatusBar->trigger();
     f.ui().txtCmdParameters->setEditText("+set sv_fps 30");
     f.window->close();
-    // The parameter lines are stored before any of the settings.
     const QStringList& writes = f.platform.store->writes;
     const qsizetype line = writes.indexOf("Advanced/Parameter0=+set sv_fps 30");
     QVERIFY(line >= 0 && line < writes.indexOf("Settings/LastTab=0"));
@@ -121,7 +116,6 @@ void ShellTest::savesOnABrokenDisk_data() {
 void ShellTest::savesOnABrokenDisk() {
     QFETCH(QString, fault);
     QFETCH(QString, save);
-    const QStringList kept = save.section('|', 2, 2).split(' ', Qt::SkipEmptyParts);
     TestPlatform platform;
     const QString disk = platform.root() + "/disk", program = disk + "/program";
     QDir().mkpath(disk);
@@ -186,10 +180,9 @@ void ShellTest::savesOnABrokenDisk() {
         window.form().cmdAddSelMap->click(); // a selection that takes room to store
         window.close();
     }
-    for (const ShownMessage& shown : platform.messages.shown)
-        said << shown.text;
+    said += described(platform.messages);
     QVERIFY2(said.join('\n').contains(save.section('|', 3)), qPrintable(said.join('\n')));
-    for (const QString& file : kept) {
+    for (const QString& file : save.section('|', 2, 2).split(' ', Qt::SkipEmptyParts)) {
         const QString path = disk + '/' + file;
         QVERIFY2((QFileInfo(path).isDir() ? "<folder>" : readAll(path)) == files.value(file),
                  qPrintable(file));
