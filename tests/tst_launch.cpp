@@ -1,25 +1,20 @@
 // "Launch the Server": the command line, its splitting into arguments, the duplicate question,
 // failures, and a real start of a stand-in game executable that records how it was started.
 #include "TestSupport.h"
-#include <csignal>
-#include <sys/wait.h>
 
-#include "app/AppInfo.h"
 #include "launch/CommandLine.h"
 #include "launch/LaunchController.h"
 #include "server/ServerControl.h"
 #include "server/ServerManager.h"
-#include "ui/MainForm.h"
-#include "ui/MainWindow.h"
 
 #include <QtTest>
+#include <cerrno>
+#include <sys/wait.h>
 
 using namespace halvane;
 using namespace halvane::test;
 
 namespace {
-
-const QDateTime Now{QDate(2000, 2, 5), QTime(17, 4, 40)};
 
 // The window's own launch steps, with the configuration write and the clock replaced.
 struct StandInSteps : LaunchSteps {
@@ -36,7 +31,7 @@ struct StandInSteps : LaunchSteps {
     QDateTime now() override { return at; }
     LaunchSteps& wired;
     std::function<bool(const QString&, bool, const QString&)> write;
-    QDateTime at = Now;
+    QDateTime at{QDate(2000, 2, 5), QTime(5, 3)};
 };
 
 // A game executable that writes its working folder and arguments, then ends.
@@ -228,7 +223,6 @@ void LaunchTest::realStartRunsTheWrittenLine() {
     steps->write = [this](const QString& path, bool withCommandLine, const QString& line) {
         return steps->wired.WriteConfig(path, withCommandLine, line);
     };
-    steps->at = QDateTime(QDate(2000, 2, 5), QTime(5, 3));
     ui->chkNOP->setChecked(true);
     // Quotes group words; shell characters are plain text to the game.
     const QString typed = "+set g_motd \"hello  there\" +set a `touch made1`&touch made2 "

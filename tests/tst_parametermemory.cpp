@@ -125,18 +125,13 @@ void ParameterMemoryTest::cdDriveLoading() {
     Fixture f;
     f.platform.ini->write("Advanced", "CDLetter", "E:");
     BrokenStore brokenStore(*f.platform.ini);
-    TestPlatform& p = f.platform;
-    AppContext app{{p.messages, p.dialogs, p.processes, p.shell, p.desktop,
-                    broken ? brokenStore : *p.store, *p.folder},
-                   AppState{}};
-    ParameterMemory loading(f.combo, f.specifyCd, f.cdDrive, app);
     f.cdDrive.setText("X:");
     f.cdDrive.setEnabled(!checked);
     f.specifyCd.setChecked(checked);
-    loading.loadCdDrive();
+    f.memory->loadCdDrive(broken ? brokenStore : *f.platform.store);
     QCOMPARE(std::pair(f.cdDrive.text(), f.cdDrive.isEnabled()),
              std::pair(QString(broken ? "C:" : "E:"), checked));
-    QCOMPARE(onlyMessage(p.messages),
+    QCOMPARE(onlyMessage(f.platform.messages),
              broken ? message("Warning!",
                               "Halvane was unable to locate a valid CD Rom drive.\r\rThe C: Drive "
                               "has been selected by default.",

@@ -2,7 +2,6 @@
 #include "TestSupport.h"
 
 #include "launch/PathDialog.h"
-#include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 #include "ui_frmPath.h"
 
