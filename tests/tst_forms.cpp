@@ -78,7 +78,6 @@ class TestForms : public QObject {
 
 private slots:
     void initTestCase();
-    void tabCaptions();
     void screenReaderMeetsEveryControl_data();
     void screenReaderMeetsEveryControl();
     void accessibleTreeNamesEveryFocusable();
@@ -104,19 +103,6 @@ void TestForms::initTestCase() {
     for (QDialog* dialog : m_window->findChildren<QDialog*>())
         m_readerRoots.append(dialog);
     m_readerRoots.append(&m_window->servers().serverWindow());
-}
-
-// Each tab's caption, and a frame that must sit on it.
-void TestForms::tabCaptions() {
-    const QStringList tabs{" &General  |Frame4", "&Bots |Frame16",       " &Maps  |Picture3",
-                           " &Options  |Frame1", " A&dvanced  |Frame10", " &About  |lblVersion"};
-    const QTabWidget* tab = m_window->form().SSTab1;
-    QCOMPARE(tab->count(), tabs.size());
-    for (int i = 0; i < tabs.size(); ++i) {
-        QCOMPARE(tab->tabText(i), tabs[i].section('|', 0, 0));
-        QVERIFY(
-            tab->widget(i)->isAncestorOf(m_window->findChild<QWidget*>(tabs[i].section('|', 1))));
-    }
 }
 
 // A screen reader names every control that takes the focus, and never two controls of a
@@ -185,8 +171,9 @@ void TestForms::accessibleTreeNamesEveryFocusable() {
     QVERIFY2(unnamed.isEmpty(), qPrintable(unnamed.join(' ')));
 }
 
-// With the status panel closed every tab still shows all of its controls above the buttons,
-// which sit inside the window; the tip line is cut off but the status bar stays to be clicked.
+// The tabs' captions; with the status panel closed every tab still shows all of its controls
+// above the buttons, which sit inside the window; the tip line is cut off but the status bar
+// stays to be clicked.
 void TestForms::windowFitsClosedHeight() {
     // A fresh window from the form alone, so nothing the program does sizes it.
     const auto window = std::make_unique<QMainWindow>();
@@ -199,10 +186,17 @@ void TestForms::windowFitsClosedHeight() {
     QCoreApplication::processEvents();
     QCOMPARE(window->height(), ClosedHeight); // else the layouts need more than it
     const int buttonTop = rectIn(form.cmdStart, window.get()).top();
+    // Each tab's caption, with a control that must sit on its page.
+    const std::pair<const char*, const char*> tabs[] = {
+        {" &General  ", "Frame4"}, {"&Bots ", "Frame16"},       {" &Maps  ", "Picture3"},
+        {" &Options  ", "Frame1"}, {" A&dvanced  ", "Frame10"}, {" &About  ", "lblVersion"}};
+    QCOMPARE(form.SSTab1->count(), 6);
     for (int index = 0; index < form.SSTab1->count(); ++index) {
         form.SSTab1->setCurrentIndex(index);
         QCoreApplication::processEvents();
         QWidget* page = form.SSTab1->widget(index);
+        QCOMPARE(form.SSTab1->tabText(index), tabs[index].first);
+        QVERIFY(page->isAncestorOf(window->findChild<QWidget*>(tabs[index].second)));
         // The page's size where its needs exceed it, shown with both sizes.
         QCOMPARE(page->minimumSizeHint().boundedTo(page->size()), page->minimumSizeHint());
         // The controls an operator reads or operates, named by the form: not Qt's internals.
@@ -220,10 +214,10 @@ void TestForms::windowFitsClosedHeight() {
                 qPrintable(w->objectName() + " is clipped, squeezed or reaches the buttons"));
         }
     }
-    const QRect tabs = rectIn(form.SSTab1, window.get());
+    const int tabsBottom = rectIn(form.SSTab1, window.get()).bottom();
     for (QWidget* button : {form.cmdStart, form.cmdClose, form.cmdSetPath}) {
         const QRect r = rectIn(button, window.get());
-        QVERIFY(r.top() > tabs.bottom() && r.bottom() < ClosedHeight);
+        QVERIFY(r.top() > tabsBottom && r.bottom() < ClosedHeight);
     }
     const int tipShown = form.scrTip->height();
     QVERIFY2(tipShown < form.txtTip->fontMetrics().height(),

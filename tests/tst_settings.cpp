@@ -146,10 +146,9 @@ void SettingsTest::saveThenLoadReproducesEveryValue() {
     Loaded run(5);
     MainForm& ui = run.ui();
     int i = 0;
-    for (QLineEdit* edit : run.window->findChildren<QLineEdit*>()) {
+    for (QLineEdit* edit : run.window->findChildren<QLineEdit*>())
         if (edit->objectName().startsWith("txt") && !edit->objectName().startsWith("txtMap"))
             edit->setText(QStringLiteral("v%1 x").arg(++i));
-    }
     for (QComboBox* combo : run.window->findChildren<QComboBox*>())
         combo->setCurrentIndex(combo->currentIndex() == 1 ? 2 : 1);
     ui.txtCfg->setEditText("server.cfg");
@@ -203,8 +202,7 @@ void SettingsTest::storedValueLoads() {
 void SettingsTest::enablingRules() {
     WindowFixture w;
     for (const QString& token : QString(fetchRow(Rules).second).split(' ')) {
-        QString name = token.section('=', 0, 0);
-        name.remove('?').remove('!').remove('@').remove('^');
+        const QString name = token.section('=', 0, 0).remove(QRegularExpression("[?!@^]"));
         QObject* object = token == "startup" ? w.window.get() : w.window->findChild<QObject*>(name);
         QVERIFY2(object, qPrintable(token));
         auto* button = qobject_cast<QAbstractButton*>(object);

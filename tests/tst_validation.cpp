@@ -145,6 +145,40 @@ const Check Checks[] = {
      "", QStringList{}, "", true, ""},
 };
 
+QString warning(const QString& text) {
+    return message("Warning", text, MsgButtons::Ok, MsgIcon::Information);
+}
+const QString BadName = message("Invalid filename",
+                                "A filename cannot contain any of the following characters:\r\r\\ "
+                                "/ : * ? \" > < |",
+                                MsgButtons::Ok, MsgIcon::Critical);
+const QString Exceeds = QStringLiteral(
+    "The number of private clients (%1) exceeds the maxiumum number of players specified "
+    "(%2). \r\rThis number should be the same, or less than the maxiumum number of clients.");
+// A box checked when the focus leaves it: its text, the most players, and
+// the message, "" for none; the text is kept either way.
+const std::tuple<const char*, const char*, const char*, const char*, QString> Leaving[] = {
+    {"log name plain", "txtLogFile", "server.log", "8", ""},
+    {"log name empty", "txtLogFile", "", "8", ""},
+    {"log name with \\", "txtLogFile", "a\\b.log", "8", BadName},
+    {"log name with /", "txtLogFile", "a/b.log", "8", BadName},
+    {"log name with :", "txtLogFile", "a:b.log", "8", BadName},
+    {"log name with *", "txtLogFile", "a*b.log", "8", BadName},
+    {"log name with ?", "txtLogFile", "a?b.log", "8", BadName},
+    {"log name with \"", "txtLogFile", "a\"b.log", "8", BadName},
+    {"log name with >", "txtLogFile", "a>b.log", "8", BadName},
+    {"log name with <", "txtLogFile", "a<b.log", "8", BadName},
+    {"log name with |", "txtLogFile", "a|b.log", "8", BadName},
+    {"1 0 of 6 is 10 of 6", "txtPrivateClients", "1 0", "6", warning(Exceeds.arg("1 0", "6"))},
+    {"0 of 6", "txtPrivateClients", "0", "6",
+     warning("Setting the number of private clients will remove the password required to "
+             "connect to your server for all clients.\r\rIf you wish to disable the password, "
+             "uncheck 'Require Password' instead.")},
+    {"6 of 6", "txtPrivateClients", "6", "6", ""},
+    {"7 of 6.6 rounds up", "txtPrivateClients", "7", "6.6", ""},
+    {"7 of 6.4 rounds down", "txtPrivateClients", "7", "6.4", warning(Exceeds.arg("7", "6.4"))},
+};
+
 } // namespace
 
 class ValidationTest : public QObject {
@@ -154,7 +188,7 @@ private slots:
     void validateAll_data() { addRows(Checks); }
     void validateAll();
     void numericBoxesAreFiltered();
-    void checkedOnLeaving_data();
+    void checkedOnLeaving_data() { addRows(Leaving); }
     void checkedOnLeaving();
 
 private:
@@ -246,47 +280,8 @@ void ValidationTest::numericBoxesAreFiltered() {
              std::tuple(QStringLiteral("1892"), 3, 0));
 }
 
-// A box checked when the focus leaves it: its text, the most players, and
-// the message, "" for none; the text is kept either way.
-void ValidationTest::checkedOnLeaving_data() {
-    QTest::addColumn<QString>("box");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("maxPlayers");
-    QTest::addColumn<QString>("told");
-    const auto row = [](const char* name, const char* box, const QString& text, const char* players,
-                        const QString& told) {
-        QTest::newRow(name) << QString(box) << text << QString(players) << told;
-    };
-    const auto warning = [](const QString& text) {
-        return message("Warning", text, MsgButtons::Ok, MsgIcon::Information);
-    };
-    row("log name plain", "txtLogFile", "server.log", "8", "");
-    row("log name empty", "txtLogFile", "", "8", "");
-    for (const char* c : {"\\", "/", ":", "*", "?", "\"", ">", "<", "|"})
-        row(qPrintable(QStringLiteral("log name with %1").arg(c)), "txtLogFile",
-            QStringLiteral("a%1b.log").arg(QLatin1String(c)), "8",
-            message("Invalid filename",
-                    "A filename cannot contain any of the following characters:\r\r\\ / : * ? "
-                    "\" > < |",
-                    MsgButtons::Ok, MsgIcon::Critical));
-    const QString exceeds = QStringLiteral(
-        "The number of private clients (%1) exceeds the maxiumum number of players specified "
-        "(%2). \r\rThis number should be the same, or less than the maxiumum number of clients.");
-    row("1 0 of 6 is 10 of 6", "txtPrivateClients", "1 0", "6", warning(exceeds.arg("1 0", "6")));
-    row("0 of 6", "txtPrivateClients", "0", "6",
-        warning("Setting the number of private clients will remove the password required to "
-                "connect to your server for all clients.\r\rIf you wish to disable the password, "
-                "uncheck 'Require Password' instead."));
-    row("6 of 6", "txtPrivateClients", "6", "6", "");
-    row("7 of 6.6 rounds up", "txtPrivateClients", "7", "6.6", "");
-    row("7 of 6.4 rounds down", "txtPrivateClients", "7", "6.4", warning(exceeds.arg("7", "6.4")));
-}
-
 void ValidationTest::checkedOnLeaving() {
-    QFETCH(QString, box);
-    QFETCH(QString, text);
-    QFETCH(QString, maxPlayers);
-    QFETCH(QString, told);
+    const auto& [name, box, text, maxPlayers, told] = fetchRow(Leaving);
     auto* edit = f->window->findChild<QLineEdit*>(box);
     ui->chkLogFile->setChecked(true);
     ui->chkRequirePassword->setChecked(true);
