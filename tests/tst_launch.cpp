@@ -99,7 +99,7 @@ private slots:
     void stateThatCannotBeKept();
 
 private:
-    // The window, ready to launch with the choices a test does not make itself.
+    // A new user's window, ready to launch with the choices a test does not make itself.
     void makeWindow(Processes& processes);
     // Servers started, the last one's task, messages shown, busy pointers left.
     std::tuple<int, int, int, int> quiet() const {
@@ -135,19 +135,11 @@ void LaunchTest::makeWindow(Processes& processes) {
     window = std::make_unique<MainWindow>(*app);
     window->showMainWindow();
     ui = &window->form();
-    ui->cmbGameType->setCurrentIndex(0);
-    ui->cmbServerType->setCurrentIndex(2);
     ui->cmbBotType->setCurrentIndex(1);
-    for (QCheckBox* box : {ui->chkAutoSelectBots, ui->chkNOP, ui->chkRequirePassword,
-                           ui->chkSpecifyCD, ui->chkLogFile, ui->chkStartState})
-        box->setChecked(false);
-    for (QLineEdit* box : {ui->txtNetIP, ui->txtAdminName, ui->txtAdminEmail, ui->txtAdminURL})
-        box->clear();
     ui->txtServerName->setText("Arena");
     ui->txtMaxPlayers->setText("8");
     ui->txtHunkMegs->setText("32");
     ui->txtNetPort->setText("27960");
-    ui->txtCmdParameters->setEditText("");
     steps = std::make_unique<StandInSteps>(window->launch().steps());
     window->launch().setSteps(*steps);
     steps->write = [this](const QString& path, bool withCommandLine, const QString& line) {
