@@ -130,7 +130,6 @@ void SettingsTest::emptyStoreSavesEveryDefaultUntilARefusal() {
     // Closing says where and why the settings could not be stored, and still ends.
     run.platform.store->failAtKey.clear();
     QVERIFY(QFile::remove(run.platform.iniPath()) && QDir().mkpath(run.platform.iniPath()));
-    run.platform.messages.clear();
     run.window->close();
     QCOMPARE(onlyMessage(run.platform.messages),
              message("Warning!",
@@ -229,10 +228,9 @@ void SettingsTest::secretsAreTheUsersAlone_data() {
     QTest::addColumn<QString>("file");
     QTest::addColumn<bool>("leftOpen"); // an earlier write left it (and its folder) open to all
     for (const char* file :
-         {"settings", "halvane.cfg", "whole-file save", "copy of a private file"}) {
-        QTest::newRow(qPrintable(QString(file) + ", new")) << QString(file) << false;
-        QTest::newRow(qPrintable(QString(file) + ", left open")) << QString(file) << true;
-    }
+         {"settings", "halvane.cfg", "whole-file save", "copy of a private file"})
+        for (const bool open : {false, true})
+            QTest::addRow("%s, %s", file, open ? "left open" : "new") << QString(file) << open;
 }
 
 // Files holding passwords: read and write for the owner only; the settings

@@ -207,7 +207,6 @@ void ValidationTest::validateAll() {
     const auto& [name, input, answers, messages, after, passed, focused] = fetchRow(Checks);
 
     applyValues(*f->window, input);
-    ui->SSTab1->setCurrentIndex(0);
     for (const QChar answer : QString(answers))
         f->platform.messages.answers << (answer == 'Y' ? MsgAnswer::Yes : MsgAnswer::No);
 
