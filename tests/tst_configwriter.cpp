@@ -9,8 +9,6 @@
 #include "config/ConfigWriter.h"
 #include "maps/MapCatalogue.h"
 
-#include <QDir>
-#include <QSet>
 #include <QtTest>
 
 using namespace halvane;
