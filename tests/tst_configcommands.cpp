@@ -79,9 +79,7 @@ void ConfigCommandsTest::init() {
     f = std::make_unique<WindowFixture>();
     ui = &f->window->form();
     ui->txtServerName->setText("Arena");
-    ui->txtMaxPlayers->setText("8");
     ui->txtHunkMegs->setText("32");
-    ui->cmbServerType->setCurrentIndex(2);
 }
 
 void ConfigCommandsTest::commands() {
