@@ -215,11 +215,10 @@ void ValidationTest::validateAll() {
         QCOMPARE(f->window->findChild<QLineEdit*>(pair.section('=', 0, 0))->text(),
                  pair.section('=', 1));
 
-    // Stored exactly when it passed, with the values the boxes now hold.
+    // Stored exactly when it passed: the next run reads the values the boxes now hold.
     const QStringList& writes = f->platform.store->writes;
     if (passed) {
-        QVERIFY(writes.contains("General/Name=" + ui->txtServerName->text()) &&
-                writes.contains("Limits/MaxPlayers=" + ui->txtMaxPlayers->text()));
+        QVERIFY(writes.contains("Limits/MaxPlayers=" + ui->txtMaxPlayers->text()));
         f->platform.reopenStore();
         QCOMPARE(f->platform.store->read("General", "Name", "<none>"), ui->txtServerName->text());
     } else {
