@@ -16,7 +16,7 @@ using namespace halvane::test;
 
 namespace {
 
-// The window's own launch steps, with the configuration write and the clock replaced.
+// The window's own launch steps, the configuration write watched (or broken) and the clock fixed.
 struct StandInSteps : LaunchSteps {
     explicit StandInSteps(LaunchSteps& wired) : wired(wired) {}
     void saveParameterList() override { wired.saveParameterList(); }
@@ -136,17 +136,13 @@ void LaunchTest::makeWindow(Processes& processes) {
     window->showMainWindow();
     ui = &window->form();
     ui->cmbBotType->setCurrentIndex(1);
-    ui->txtServerName->setText("Arena");
-    ui->txtMaxPlayers->setText("8");
     ui->txtHunkMegs->setText("32");
     ui->txtNetPort->setText("27960");
     steps = std::make_unique<StandInSteps>(window->launch().steps());
     window->launch().setSteps(*steps);
     steps->write = [this](const QString& path, bool withCommandLine, const QString& line) {
         writtenCommandLines << (withCommandLine ? line : "(without) " + line);
-        QFile file(path);
-        return file.open(QIODevice::WriteOnly) &&
-               file.write("// " + app->state.GameExeName.toLatin1() + line.toLatin1() + "\r\n") > 0;
+        return steps->wired.WriteConfig(path, withCommandLine, line);
     };
     platform->messages.clear();
     platform->store->writes.clear();
@@ -174,7 +170,7 @@ void LaunchTest::afterTheStart() {
     QCOMPARE(quiet(), std::tuple(1, 1000, 0, 0));
     // The settings were stored by the validation, the line remembered; no server ran before, so
     // nothing was asked.
-    QVERIFY(platform->store->writes.contains("General/Name=Arena"));
+    QVERIFY(platform->store->writes.contains("General/Name=My Quake 3 Arena Server"));
     QCOMPARE(platform->store->read("Advanced", "Parameter0", ""), QStringLiteral("+set typed 1"));
     QCOMPARE(ui->txtCmdParameters->count(), 1);
     QCOMPARE(platform->processes.activated, QList<qint64>{});
@@ -212,9 +208,6 @@ void LaunchTest::afterTheStart() {
 void LaunchTest::realStartRunsTheWrittenLine() {
     makeStandInGame(*platform);
     makeWindow(realProcesses);
-    steps->write = [this](const QString& path, bool withCommandLine, const QString& line) {
-        return steps->wired.WriteConfig(path, withCommandLine, line);
-    };
     ui->chkNOP->setChecked(true);
     // Quotes group words; shell characters are plain text to the game.
     const QString typed = "+set g_motd \"hello  there\" +set a `touch made1`&touch made2 "
