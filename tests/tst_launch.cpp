@@ -88,7 +88,6 @@ class LaunchTest : public QObject {
     Q_OBJECT
 private slots:
     void init();
-    void cleanup();
     void split_data() { addRows(Splits); }
     void split();
     void afterTheStart_data() { addRows(Afters); }
@@ -107,25 +106,22 @@ private:
                 int(platform->messages.shown.size()), platform->desktop.busyDepth};
     }
 
+    // Declared before the window, which uses them to its end.
+    QtProcesses realProcesses;
+    std::unique_ptr<StandInSteps> steps;
     std::unique_ptr<TestPlatform> platform;
     std::unique_ptr<AppContext> app; // the test platform, but with a chosen process starter
     std::unique_ptr<MainWindow> window;
     MainForm* ui = nullptr;
-    QtProcesses realProcesses;
     QStringList writtenCommandLines;
-    std::unique_ptr<StandInSteps> steps;
 };
 
 void LaunchTest::init() {
+    window.reset(); // the last test's, before what it was made over
+    app.reset();
     platform = std::make_unique<TestPlatform>();
     platform->makeGameFolder();
     writtenCommandLines.clear();
-}
-
-void LaunchTest::cleanup() {
-    window.reset();
-    app.reset();
-    platform.reset();
 }
 
 void LaunchTest::makeWindow(Processes& processes) {
