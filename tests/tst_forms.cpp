@@ -75,6 +75,13 @@ QRect rectIn(const QWidget* w, const QWidget* ancestor) {
 
 class TestForms : public QObject {
     Q_OBJECT
+public:
+    // The heights are defined for 96 DPI and the platform's default font.
+    static void initMain() {
+        qputenv("QT_FONT_DPI", "96");
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
 
 private slots:
     void initTestCase();
@@ -227,14 +234,5 @@ void TestForms::windowFitsClosedHeight() {
             bar.top() > rectIn(form.cmdStart, window.get()).bottom());
 }
 
-int main(int argc, char* argv[]) {
-    // The heights are defined for 96 DPI and the platform's default font.
-    qputenv("QT_FONT_DPI", "96");
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    TestForms test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_MAIN(TestForms)
 #include "tst_forms.moc"
