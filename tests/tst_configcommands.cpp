@@ -3,28 +3,27 @@
 #include "TestSupport.h"
 
 #include "config/ConfigFileCommands.h"
-#include "ui/MainForm.h"
 
 #include <QtTest>
 
 using namespace halvane;
 using namespace halvane::test;
 
-// The file chosen ("p:" program folder, "g:" game folder, "e:" elsewhere, where "link" is a link
-// to maps.dat and "scripts" one to srvmaps), and what it is: "" for a file written.
+// The file chosen, below the program folder, the game folder or elsewhere (where "link" is a
+// link to maps.dat and "scripts" one to srvmaps), and what it is: "" for a file written.
 const char Script[] =
     "a script that halvane.cfg runs (the map rotation or the bots), rewritten at each launch";
 const std::tuple<const char*, const char*, const char*> SaveAsTargets[] = {
-    {"catalogue", "p:maps.dat", "Halvane's own maps.dat"},
-    {"bot list", "p:botlist.txt", "Halvane's own botlist.txt"},
-    {"catalogue in capitals", "p:MAPS.DAT", "Halvane's own maps.dat"},
-    {"link to the catalogue", "e:link", "Halvane's own maps.dat"},
-    {"game", "g:quake3.exe", "the game's executable"},
-    {"new script in the rotation folder", "g:baseq3/SRVMAPS/mapset9.cfg", Script},
-    {"script through a linked folder", "e:scripts/mapset1.cfg", Script},
-    {"fixed bots", "g:baseq3/srvbots.cfg", Script},
-    {"the configuration itself", "g:baseq3/halvane.cfg", ""},
-    {"another script", "g:baseq3/server.cfg", ""},
+    {"catalogue", "program/maps.dat", "Halvane's own maps.dat"},
+    {"bot list", "program/botlist.txt", "Halvane's own botlist.txt"},
+    {"catalogue in capitals", "program/MAPS.DAT", "Halvane's own maps.dat"},
+    {"link to the catalogue", "elsewhere/link", "Halvane's own maps.dat"},
+    {"game", "game/quake3.exe", "the game's executable"},
+    {"new script in the rotation folder", "game/baseq3/SRVMAPS/mapset9.cfg", Script},
+    {"script through a linked folder", "elsewhere/scripts/mapset1.cfg", Script},
+    {"fixed bots", "game/baseq3/srvbots.cfg", Script},
+    {"the configuration itself", "game/baseq3/halvane.cfg", ""},
+    {"another script", "game/baseq3/server.cfg", ""},
 };
 
 // "Save config file As" or "Create halvane.cfg"; the fault ("", "invalid", "write fails", "cancel",
@@ -80,20 +79,15 @@ void ConfigCommandsTest::init() {
     f = std::make_unique<WindowFixture>();
     ui = &f->window->form();
     ui->txtServerName->setText("Arena");
-    ui->txtMaxPlayers->setText("8");
     ui->txtHunkMegs->setText("32");
-    ui->cmbServerType->setCurrentIndex(2);
-    f->platform.messages.clear();
-    f->platform.store->writes.clear();
 }
 
 void ConfigCommandsTest::commands() {
     const auto& [name, saveAs, faultName, answer, told] = fetchRow(Commands);
     const QString fault = faultName;
     const bool stored = !saveAs && fault != "invalid"; // settings stored: validation passed
-    const QString target = saveAs ? f->platform.root() + "/elsewhere/my server.cfg"
+    const QString target = saveAs ? f->platform.root() + "/my server.cfg"
                                   : f->platform.gameFolder() + "/baseq3/halvane.cfg";
-    QDir().mkpath(f->platform.root() + "/elsewhere");
     if (saveAs && fault != "cancel")
         f->platform.dialogs.choices = {FileChoice{true, target, "my server.cfg"}};
     if (fault == "invalid")
@@ -156,20 +150,13 @@ void ConfigCommandsTest::editButton() {
 void ConfigCommandsTest::saveAsRefusesFilesInUse() {
     const auto& [name, chosen, what] = fetchRow(SaveAsTargets);
     TestPlatform& p = f->platform;
-    const QString game = p.gameFolder(), program = p.programFolder();
-    for (const char* file : {"maps.dat", "maps.bak", "instmaps.dat", "mapsel.txt", "maplist.txt"})
-        p.writeFile(program + "/" + file, QByteArray("kept ") + file);
-    for (const char* file : {"baseq3/srvmaps/mapset0.cfg", "baseq3/srvmaps/mapset1.cfg",
-                             "baseq3/srvbots/botset0.cfg", "baseq3/srvbots.cfg"})
-        p.writeFile(game + "/" + file, QByteArray("kept ") + file);
+    // What the links lead to; any other file written shows in the comparison below.
+    for (const char* file : {"program/maps.dat", "game/baseq3/srvmaps/mapset1.cfg"})
+        p.writeFile(p.root() + '/' + file, QByteArray("kept ") + file);
     QDir().mkpath(p.root() + "/elsewhere");
-    QFile::link(program + "/maps.dat", p.root() + "/elsewhere/link");
-    QFile::link(game + "/baseq3/srvmaps", p.root() + "/elsewhere/scripts");
-    const QString prefix = QString(chosen).left(2);
-    const QString target = (prefix == "p:"   ? program
-                            : prefix == "g:" ? game
-                                             : p.root() + "/elsewhere") +
-                           "/" + QString(chosen).mid(2);
+    QFile::link(p.programFolder() + "/maps.dat", p.root() + "/elsewhere/link");
+    QFile::link(p.gameFolder() + "/baseq3/srvmaps", p.root() + "/elsewhere/scripts");
+    const QString target = p.root() + '/' + chosen;
     const auto disk = [&] {
         QMap<QString, QByteArray> files;
         for (QDirIterator it(p.root(), QDir::Files, QDirIterator::Subdirectories); it.hasNext();)

@@ -9,8 +9,6 @@
 #include "config/ConfigWriter.h"
 #include "maps/MapCatalogue.h"
 
-#include <QDir>
-#include <QSet>
 #include <QtTest>
 
 using namespace halvane;
@@ -19,14 +17,10 @@ using namespace halvane::test;
 namespace {
 
 // Hands out the draws a test chose, in order, repeating the last one.
-class ScriptedRandom : public RandomSource {
-public:
-    explicit ScriptedRandom(QList<double> draws) : m_draws(std::move(draws)) {}
-    double draw() override { return m_draws.size() > 1 ? m_draws.takeFirst() : m_draws.value(0); }
+struct ScriptedRandom : RandomSource {
+    double draw() override { return draws.size() > 1 ? draws.takeFirst() : draws.value(0); }
     void reseed() override {}
-
-private:
-    QList<double> m_draws;
+    QList<double> draws;
 };
 
 // The settings of the smallest configuration (43 lines).
@@ -81,6 +75,11 @@ void sameAsGolden(const QString& path, const QString& name) {
              qPrintable(name + ": " + firstDifference(actual, expected)));
 }
 
+QString botScriptError(const char* script) {
+    return message("Warning", QString("An error occured while creating the bot script") + script,
+                   MsgButtons::Ok, MsgIcon::Information);
+}
+
 MapRules rules(const char* time, const char* frag, const char* capture = "8") {
     return {frag, time, capture, "800", "320", "1000"};
 }
@@ -93,7 +92,8 @@ struct Fixture {
     BotScriptWriter bots{platform.app->state, platform.messages, random};
     ConfigWriter writer{platform.app->state, platform.messages, catalogue, bots};
 
-    explicit Fixture(QList<double> draws = {0.0}) : random(std::move(draws)) {
+    explicit Fixture(QList<double> draws = {0.0}) {
+        random.draws = std::move(draws);
         platform.makeGameFolder();
     }
     QString baseq3(const QString& name = QString()) const {
@@ -148,7 +148,6 @@ private slots:
     void botRotationClosesIntoCycle();
     void botSetSizes_data() { addRows(BotSets); }
     void botSetSizes();
-    void botScriptFailures();
 };
 
 void TestConfigWriter::workedExamples() {
@@ -233,7 +232,8 @@ void TestConfigWriter::failures() {
     QVERIFY(f.catalogue.RecordBuffer == shown);
 }
 
-// The fixed script replaces a longer file; bots not selected are left out.
+// The fixed script replaces a longer file; bots not selected are left out; a
+// folder in its place is reported.
 void TestConfigWriter::fixedBotScript() {
     Fixture f;
     ServerSettings s = withBots(5);
@@ -246,6 +246,9 @@ void TestConfigWriter::fixedBotScript() {
                   {"Two Words", true, 0, 0},   {"Grunt", true, 0, 0},
                   {"Major", true, 7, 4}};
     }
+    QVERIFY(QFile::remove(f.baseq3("srvbots.cfg")) && QDir().mkpath(f.baseq3("srvbots.cfg")));
+    f.bots.MakeBotScript(s);
+    QCOMPARE(onlyMessage(f.platform.messages), botScriptError(""));
 }
 
 void TestConfigWriter::botRotationClosesIntoCycle() {
@@ -263,6 +266,12 @@ void TestConfigWriter::botRotationClosesIntoCycle() {
             QCOMPARE(namesAfter(f.set(n), "kick "), namesAfter(f.set((n + 2) % 3), "addbot "));
         }
     }
+    // A file where the sets' folder goes: each set is reported by name.
+    Fixture f;
+    f.platform.writeFile(f.baseq3("srvbots"), "a file");
+    f.bots.startRotation();
+    f.bots.MakeRandomBotScript(withBots(4), 3, 5);
+    QCOMPARE(onlyMessage(f.platform.messages), botScriptError(" srvbots3.cfg"));
 }
 
 void TestConfigWriter::botSetSizes() {
@@ -278,22 +287,6 @@ void TestConfigWriter::botSetSizes() {
     QCOMPARE(namesAfter(f.set(0), "kick "), added); // a set of one map closes on itself
     for (const QString& name : added)
         QVERIFY2(name.mid(3).toInt() < 100, qPrintable(name));
-}
-
-void TestConfigWriter::botScriptFailures() {
-    Fixture f({0.5});
-    f.platform.writeFile(f.baseq3("srvbots"), "a file");
-    QVERIFY(QDir().mkpath(f.baseq3("srvbots.cfg")));
-    f.bots.MakeBotScript(withBots(2));
-    QCOMPARE(onlyMessage(f.platform.messages),
-             message("Warning", "An error occured while creating the bot script", MsgButtons::Ok,
-                     MsgIcon::Information));
-    f.platform.messages.clear();
-    f.bots.startRotation();
-    f.bots.MakeRandomBotScript(withBots(4), 3, 5);
-    QCOMPARE(onlyMessage(f.platform.messages),
-             message("Warning", "An error occured while creating the bot script srvbots3.cfg",
-                     MsgButtons::Ok, MsgIcon::Information));
 }
 
 QTEST_MAIN(TestConfigWriter)

@@ -2,7 +2,6 @@
 #include "TestSupport.h"
 
 #include "launch/PathDialog.h"
-#include "ui/MainWindow.h"
 #include "ui_frmMain.h"
 #include "ui_frmPath.h"
 
@@ -91,8 +90,7 @@ void PathDialogTest::choiceLastsToTheNextStart() {
     Ui::frmPath& form = window->pathDialog().form();
     QVERIFY(form.cmdFreeGame->isVisible());
     platform.messages.answers = {answer};
-    const bool button = QString(chosen) == "button";
-    if (button) {
+    if (QString(chosen) == "button") {
         form.cmdFreeGame->click();
     } else {
         platform.dialogs.choices = {{false, {}, {}},

@@ -5,11 +5,14 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHostAddress>
+#include <QNetworkDatagram>
 #include <QRegularExpression>
 #include <QThread>
 #include <QUdpSocket>
 
 namespace halvane::e2e {
+
+using namespace std::chrono_literals;
 
 static const QByteArray OutOfBand("\xff\xff\xff\xff", 4);
 
@@ -62,25 +65,18 @@ quint16 freeUdpPort() {
     return socket.bind(QHostAddress::LocalHost, 0) ? socket.localPort() : 0;
 }
 
-QStringList ServerStatus::playerNames() const {
-    QStringList names;
-    for (const Player& player : players)
-        names.append(player.name);
-    return names;
-}
-
 // "statusResponse", then \key\value\key\value..., then one line per player: score ping "name".
-ServerStatus parseStatus(const QByteArray& reply) {
+static ServerStatus parseStatus(const QByteArray& reply) {
     ServerStatus status;
     const QStringList lines = QString::fromLatin1(reply).split('\n');
     const QStringList pairs = lines.value(1).split('\\');
     for (qsizetype i = 1; i + 1 < pairs.size(); i += 2)
         status.info.insert(pairs[i], pairs[i + 1]);
-    static const QRegularExpression player(QStringLiteral("^(-?\\d+) +(-?\\d+) +\"(.*)\"$"));
+    static const QRegularExpression player(QStringLiteral("^-?\\d+ +-?\\d+ +\"(.*)\"$"));
     for (const QString& line : lines.mid(2)) {
         const QRegularExpressionMatch m = player.match(line.trimmed());
         if (m.hasMatch())
-            status.players.append({m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3)});
+            status.players.insert(m.captured(1));
     }
     return status;
 }
@@ -93,17 +89,13 @@ std::optional<QByteArray> query(quint16 port, const QByteArray& command,
     const QByteArray packet = OutOfBand + command;
     if (socket.writeDatagram(packet, QHostAddress::LocalHost, port) != packet.size())
         return std::nullopt;
-    QDeadlineTimer deadline(timeout);
-    while (!deadline.hasExpired()) {
+    for (QDeadlineTimer deadline(timeout); !deadline.hasExpired();) {
         if (!socket.hasPendingDatagrams() &&
             !socket.waitForReadyRead(int(qMax<qint64>(1, deadline.remainingTime()))))
             continue;
-        while (socket.hasPendingDatagrams()) {
-            QByteArray reply(int(socket.pendingDatagramSize()), '\0');
-            const qint64 size = socket.readDatagram(reply.data(), reply.size());
-            if (size >= 4 && reply.startsWith(OutOfBand))
-                return reply.mid(4, size - 4);
-        }
+        const QByteArray reply = socket.receiveDatagram().data();
+        if (reply.startsWith(OutOfBand))
+            return reply.mid(4);
     }
     return std::nullopt;
 }
@@ -114,29 +106,22 @@ std::optional<ServerStatus> getStatus(quint16 port, std::chrono::milliseconds ti
                                                         : std::nullopt;
 }
 
-std::optional<QString> rcon(quint16 port, const QString& password, const QString& command,
-                            std::chrono::milliseconds timeout) {
+std::optional<QString> rcon(quint16 port, const QString& password, const QString& command) {
     const auto reply =
-        query(port, QStringLiteral("rcon %1 %2").arg(password, command).toLatin1(), timeout);
+        query(port, QStringLiteral("rcon %1 %2").arg(password, command).toLatin1(), 2s);
     return reply && reply->startsWith("print") ? std::optional(QString::fromLatin1(reply->mid(6)))
                                                : std::nullopt;
 }
 
 std::optional<ServerStatus> waitForStatus(quint16 port,
                                           const std::function<bool(const ServerStatus&)>& ok,
-                                          std::chrono::milliseconds timeout,
                                           const std::function<bool()>& serverLives) {
-    std::optional<ServerStatus> last;
-    QDeadlineTimer deadline(timeout);
-    while (!deadline.hasExpired() && serverLives()) {
-        if (auto status = getStatus(port, std::chrono::milliseconds(500))) {
-            last = status;
-            if (ok(*status))
-                return last;
-        }
-        QThread::msleep(200);
+    for (QDeadlineTimer deadline(60s); !deadline.hasExpired() && serverLives();
+         QThread::msleep(200)) {
+        if (auto status = getStatus(port, 500ms); status && ok(*status))
+            return status;
     }
-    return last;
+    return std::nullopt;
 }
 
 } // namespace halvane::e2e

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QMap>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <chrono>
@@ -32,16 +33,10 @@ QString buildGameFolder(const QString& folder, const EngineFiles& files = {});
 // A UDP port on 127.0.0.1 that nothing listens on right now.
 quint16 freeUdpPort();
 
-// The server's answer to "getstatus": server info and the players.
+// The server's answer to "getstatus": server info and the players' names.
 struct ServerStatus {
     QMap<QString, QString> info; // cvar name -> value
-    struct Player {
-        int score = 0;
-        int ping = 0;
-        QString name;
-    };
-    QList<Player> players;
-    QStringList playerNames() const;
+    QSet<QString> players;
 };
 
 // Sends one out-of-band packet and returns the first answer, if any in time.
@@ -49,16 +44,13 @@ std::optional<QByteArray> query(quint16 port, const QByteArray& command,
                                 std::chrono::milliseconds timeout);
 std::optional<ServerStatus> getStatus(quint16 port,
                                       std::chrono::milliseconds timeout = std::chrono::seconds(1));
-ServerStatus parseStatus(const QByteArray& reply);
 // Runs a console command through rcon; returns the printed answer.
-std::optional<QString> rcon(quint16 port, const QString& password, const QString& command,
-                            std::chrono::milliseconds timeout = std::chrono::seconds(2));
+std::optional<QString> rcon(quint16 port, const QString& password, const QString& command);
 
-// Polls getstatus until the status satisfies the condition, the time runs
-// out or the server has ended; returns the last status seen.
+// Polls getstatus for up to a minute until the status satisfies the condition; none if it never
+// did or the server ended first.
 std::optional<ServerStatus> waitForStatus(quint16 port,
                                           const std::function<bool(const ServerStatus&)>& ok,
-                                          std::chrono::milliseconds timeout,
                                           const std::function<bool()>& serverLives);
 
 } // namespace halvane::e2e

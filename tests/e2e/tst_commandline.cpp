@@ -32,6 +32,15 @@ struct Result {
     QString out, err;
 };
 
+// Runs a configured process to its end.
+Result finish(QProcess& process, const QString& program, const QStringList& arguments) {
+    process.start(program, arguments);
+    process.waitForFinished(120000);
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
 // The executable copied into the test's program folder (its own files lie beside it) and run with a
 // home of the test's, on the stored settings of the test's INI file (or on the settings given).
 struct CommandLine {
@@ -60,11 +69,7 @@ struct CommandLine {
         QProcess process;
         process.setProcessEnvironment(env);
         process.setWorkingDirectory(platform.root());
-        process.start(platform.programFolder() + "/halvane", arguments);
-        process.waitForFinished(120000);
-        return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-                QString::fromUtf8(process.readAllStandardOutput()),
-                QString::fromUtf8(process.readAllStandardError())};
+        return finish(process, platform.programFolder() + "/halvane", arguments);
     }
 };
 
@@ -113,7 +118,6 @@ private slots:
     void launchStatusStopAndExport();
     void runScriptKeepsEveryWord();
     void exportOnAFullDisk();
-    void commandsOnAProfile();
 };
 
 // "Create halvane.cfg" in a window just started against write-config on the
@@ -177,8 +181,9 @@ void TestCommandLine::refusals() {
                  qPrintable(made));
 }
 
-// launch, status, stop and export on the settings the window stored, with
-// the real server answering on the loopback interface each time.
+// launch, status, stop and export on the settings the window stored and on a profile (its own
+// settings and maps, not the stored ones), with the real server answering on the loopback
+// interface each time.
 void TestCommandLine::launchStatusStopAndExport() {
     const QString missing = missingEngine();
     if (!missing.isEmpty())
@@ -194,8 +199,9 @@ void TestCommandLine::launchStatusStopAndExport() {
                              ";Network/NetPort=" +
                              QString::number(port);
     store(*p.ini, settings + ";General/Name=Halvane CLI e2e");
-    Profile profile; // the same with a host name and a map of its own
-    store(profile.settings, settings + ";General/Name=Halvane CLI profile");
+    Profile profile; // the same with a host name, a console password and a map of its own
+    store(profile.settings,
+          settings + ";General/Name=Halvane CLI profile;General/RconPassword=cli-side");
     profile.maps = {"oa_dm2"};
     QCOMPARE(ProfileStore(p.root() + "/config/Halvane/profiles").save("e2e", profile), QString());
     p.writeFile(p.programFolder() + "/maplist.txt", "oa_dm2\r\noa_dm3\r\n");
@@ -213,7 +219,7 @@ void TestCommandLine::launchStatusStopAndExport() {
             [&](const ServerStatus& s) {
                 return s.info.value("mapname") == map && s.info.value("sv_hostname") == host;
             },
-            60s, lives);
+            lives);
     };
     // The server window's list, open all the while, takes in what the command line starts
     // and stops.
@@ -259,6 +265,18 @@ void TestCommandLine::launchStatusStopAndExport() {
         QTRY_COMPARE_WITH_TIMEOUT(listed.find(id)->record.endReason, QStringLiteral("stopped"),
                                   10000);
     }
+
+    QVERIFY(QFile::remove(game + "/baseq3/halvane.cfg"));
+    result = cli.run({"write-config", "--profile", "e2e"});
+    QVERIFY2(result.code == 0, qPrintable(result.err));
+    const QByteArray config = test::readAll(game + "/baseq3/halvane.cfg");
+    QVERIFY2(config.contains("seta sv_hostname \"Halvane CLI profile\"\r\n"), config.constData());
+    result = cli.run({"export", "--profile", "e2e", "side"});
+    QVERIFY2(result.code == 0, qPrintable(result.err));
+    QVERIFY(
+        test::readAll(p.root() + "/side/baseq3/halvane.cfg").contains("\"Halvane CLI profile\""));
+    QVERIFY(test::readAll(p.root() + "/side/baseq3/passwords.cfg").contains("cli-side"));
+    QVERIFY(QFileInfo::exists(p.root() + "/side/halvane-e2e.service"));
 
     // The export, copied to a fresh place and started with its run-server.sh.
     result = cli.run({"export", p.root() + "/export"});
@@ -308,19 +326,17 @@ void TestCommandLine::launchStatusStopAndExport() {
     if (QStandardPaths::findExecutable("systemd-analyze").isEmpty())
         QSKIP("systemd-analyze is not installed: the unit is not verified");
     QProcess verify;
-    verify.start("systemd-analyze", {"verify", folder + "/halvane-halvane-cli-e2e.service"});
-    QVERIFY(verify.waitForFinished(60000));
-    QVERIFY2(verify.exitCode() == 0, verify.readAllStandardError().constData());
+    const Result unit =
+        finish(verify, "systemd-analyze", {"verify", folder + "/halvane-halvane-cli-e2e.service"});
+    QVERIFY2(unit.code == 0, qPrintable(unit.err));
 
     const QString validator = qEnvironmentVariable("HALVANE_MANIFEST_VALIDATOR");
     if (validator.isEmpty())
         QSKIP("no manifest validator: the Kubernetes schemas are not checked");
-    QProcess schemas;
-    schemas.start("node", {validator, folder + "/kubernetes.yaml"});
-    QVERIFY(schemas.waitForFinished(60000));
-    QVERIFY2(schemas.exitCode() == 0, schemas.readAllStandardError().constData());
-    QCOMPARE(schemas.readAllStandardOutput().trimmed(),
-             QByteArray("ConfigMap Secret Deployment Service"));
+    QProcess node;
+    const Result schemas = finish(node, "node", {validator, folder + "/kubernetes.yaml"});
+    QVERIFY2(schemas.code == 0, qPrintable(schemas.err));
+    QCOMPARE(schemas.out.trimmed(), QStringLiteral("ConfigMap Secret Deployment Service"));
 }
 
 // The operator's parameter line reaches the game through run-server.sh as the
@@ -336,9 +352,7 @@ void TestCommandLine::runScriptKeepsEveryWord() {
                            "+exec", "halvane.cfg"};
     const QString script = p.writeFile(p.root() + "/run-server.sh", exporting::runScript(input));
     QProcess run;
-    run.start("/bin/sh", {script});
-    QVERIFY(run.waitForFinished(30000));
-    QCOMPARE(QString::fromUtf8(run.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts),
+    QCOMPARE(finish(run, "/bin/sh", {script}).out.split('\n', Qt::SkipEmptyParts),
              exporting::serverArguments(input, QFileInfo(p.root()).canonicalFilePath(), true));
 }
 
@@ -364,31 +378,6 @@ void TestCommandLine::exportOnAFullDisk() {
              qPrintable(readOnly.err));
     QCOMPARE(QDir(disk).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList());
-}
-
-// --profile: the profile's own settings and maps, not the stored ones.
-void TestCommandLine::commandsOnAProfile() {
-    test::TestPlatform p;
-    p.makeGameFolder();
-    p.writeFile(p.programFolder() + "/maps.dat", test::catalogueOf({"q3dm1", "q3dm7"}));
-    Profile profile;
-    profile.settings.write("General", "Name", "Side Arena");
-    profile.settings.write("General", "RconPassword", "side-secret");
-    profile.maps = {"q3dm7"};
-    QCOMPARE(ProfileStore(p.root() + "/config/Halvane/profiles").save("Side Arena", profile),
-             QString());
-    CommandLine cli(p);
-    Result result = cli.run({"write-config", "--profile", "Side Arena"});
-    QVERIFY2(result.code == 0, qPrintable(result.err));
-    const QByteArray config = test::readAll(p.gameFolder() + "/baseq3/halvane.cfg");
-    // The profile's map, not mapsel.txt's.
-    QVERIFY2(config.contains("seta sv_hostname \"Side Arena\"\r\n") && config.contains("q3dm7"),
-             config.constData());
-    result = cli.run({"export", "--profile", "Side Arena", "side"});
-    QVERIFY2(result.code == 0, qPrintable(result.err));
-    QVERIFY(test::readAll(p.root() + "/side/baseq3/halvane.cfg").contains("\"Side Arena\""));
-    QVERIFY(test::readAll(p.root() + "/side/baseq3/passwords.cfg").contains("side-secret"));
-    QVERIFY(QFileInfo::exists(p.root() + "/side/halvane-side-arena.service"));
 }
 
 QTEST_MAIN(TestCommandLine)
