@@ -90,8 +90,7 @@ void PathDialogTest::choiceLastsToTheNextStart() {
     Ui::frmPath& form = window->pathDialog().form();
     QVERIFY(form.cmdFreeGame->isVisible());
     platform.messages.answers = {answer};
-    const bool button = QString(chosen) == "button";
-    if (button) {
+    if (QString(chosen) == "button") {
         form.cmdFreeGame->click();
     } else {
         platform.dialogs.choices = {{false, {}, {}},

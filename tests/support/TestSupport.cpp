@@ -51,13 +51,12 @@ void TestPlatform::makeGameFolder() {
     app->state.GameExeName = QStringLiteral("quake3.exe");
 }
 
-WindowFixture::WindowFixture(const std::function<void(TestPlatform&)>& prepare, bool shown) {
+WindowFixture::WindowFixture(const std::function<void(TestPlatform&)>& prepare) {
     platform.makeGameFolder();
     if (prepare)
         prepare(platform);
     window = std::make_unique<MainWindow>(*platform.app);
-    if (shown)
-        window->showMainWindow();
+    window->showMainWindow();
 }
 
 void WindowFixture::reopen() {
@@ -90,8 +89,6 @@ FreeGameSources fakeFreeGame(TestPlatform& platform) {
 }
 
 QString firstDifference(const QByteArray& actual, const QByteArray& expected) {
-    if (actual == expected)
-        return QString();
     const QList<QByteArray> a = actual.split('\n'), e = expected.split('\n');
     // Line i of lines, shown with its unprintable bytes escaped.
     const auto line = [](const QList<QByteArray>& lines, int i) {
@@ -105,7 +102,7 @@ QString firstDifference(const QByteArray& actual, const QByteArray& expected) {
                 .arg(i + 1)
                 .arg(line(a, i), line(e, i));
     }
-    return QStringLiteral("files differ");
+    return actual == expected ? QString() : QStringLiteral("files differ");
 }
 
 bool makeArchive(const QString& path, const QStringList& members,
