@@ -83,8 +83,9 @@ static ServerStatus parseStatus(const QByteArray& reply) {
     return status;
 }
 
-std::optional<QByteArray> query(quint16 port, const QByteArray& command,
-                                std::chrono::milliseconds timeout) {
+// Sends one out-of-band packet and returns the first answer, if any in time.
+static std::optional<QByteArray> query(quint16 port, const QByteArray& command,
+                                       std::chrono::milliseconds timeout) {
     QUdpSocket socket;
     if (!socket.bind(QHostAddress::LocalHost, 0))
         return std::nullopt;
@@ -102,8 +103,8 @@ std::optional<QByteArray> query(quint16 port, const QByteArray& command,
     return std::nullopt;
 }
 
-std::optional<ServerStatus> getStatus(quint16 port, std::chrono::milliseconds timeout) {
-    const auto reply = query(port, "getstatus", timeout);
+std::optional<ServerStatus> getStatus(quint16 port) {
+    const auto reply = query(port, "getstatus", 1s);
     return reply && reply->startsWith("statusResponse") ? std::optional(parseStatus(*reply))
                                                         : std::nullopt;
 }
@@ -115,12 +116,14 @@ std::optional<QString> rcon(quint16 port, const QString& password, const QString
                                                : std::nullopt;
 }
 
-std::optional<ServerStatus> waitForStatus(quint16 port,
-                                          const std::function<bool(const ServerStatus&)>& ok,
-                                          const std::function<bool()>& serverLives) {
+std::optional<ServerStatus> waitForMap(quint16 port, const QString& map,
+                                       const std::function<bool()>& serverLives,
+                                       const QSet<QString>& players) {
     for (QDeadlineTimer deadline(60s); !deadline.hasExpired() && serverLives();
          QThread::msleep(200)) {
-        if (auto status = getStatus(port, 500ms); status && ok(*status))
+        const auto status = getStatus(port);
+        if (status && status->info.value("mapname") == map &&
+            (players.isEmpty() || status->players == players))
             return status;
     }
     return std::nullopt;

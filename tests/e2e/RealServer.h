@@ -4,7 +4,6 @@
 #include <QSet>
 #include <QString>
 #include <QStringList>
-#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -31,18 +30,14 @@ struct ServerStatus {
     QSet<QString> players;
 };
 
-// Sends one out-of-band packet and returns the first answer, if any in time.
-std::optional<QByteArray> query(quint16 port, const QByteArray& command,
-                                std::chrono::milliseconds timeout);
-std::optional<ServerStatus> getStatus(quint16 port,
-                                      std::chrono::milliseconds timeout = std::chrono::seconds(1));
+std::optional<ServerStatus> getStatus(quint16 port);
 // Runs a console command through rcon; returns the printed answer.
 std::optional<QString> rcon(quint16 port, const QString& password, const QString& command);
 
-// Polls getstatus for up to a minute until the status satisfies the condition; none if it never
-// did or the server ended first.
-std::optional<ServerStatus> waitForStatus(quint16 port,
-                                          const std::function<bool(const ServerStatus&)>& ok,
-                                          const std::function<bool()>& serverLives);
+// Polls getstatus for up to a minute until the server plays the map, with exactly these players
+// when given; none if it never did or the server ended first.
+std::optional<ServerStatus> waitForMap(quint16 port, const QString& map,
+                                       const std::function<bool()>& serverLives,
+                                       const QSet<QString>& players = {});
 
 } // namespace halvane::e2e

@@ -51,7 +51,6 @@ struct CommandLine {
     Result run(const QStringList& arguments, const QByteArray& settings = {}) {
         platform.ini->flush();
         const QString config = platform.root() + "/config/Halvane/Halvane.ini";
-        QFile::remove(config);
         platform.writeFile(config,
                            settings.isEmpty() ? test::readAll(platform.iniPath()) : settings);
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -212,15 +211,6 @@ void TestCommandLine::launchStatusStopAndExport() {
         for (qint64 pid : started)
             ::kill(pid_t(pid), SIGKILL);
     });
-    const auto answers = [&](const QString& map, const QString& host,
-                             const std::function<bool()>& lives) {
-        return waitForStatus(
-            port,
-            [&](const ServerStatus& s) {
-                return s.info["mapname"] == map && s.info["sv_hostname"] == host;
-            },
-            lives);
-    };
     // The server window's list, open all the while, takes in what the command line starts
     // and stops.
     QtProcesses processes;
@@ -244,7 +234,8 @@ void TestCommandLine::launchStatusStopAndExport() {
             const QByteArray stat = test::readAll("/proc/" + QString::number(pid) + "/stat");
             return !stat.isEmpty() && stat.mid(stat.lastIndexOf(')') + 2, 1) != "Z";
         };
-        QVERIFY2(answers(map, host, lives), "the launched server does not answer");
+        QVERIFY2(waitForMap(port, map, lives).value_or(ServerStatus()).info["sv_hostname"] == host,
+                 "the launched server does not answer");
         QTRY_VERIFY_WITH_TIMEOUT(listed.find(id), 10000);
         QCOMPARE(listed.find(id)->record.profile, QString(profileName));
         const auto statusOf = [&]() {
@@ -310,11 +301,11 @@ void TestCommandLine::launchStatusStopAndExport() {
     exported.setStandardOutputFile(QProcess::nullDevice());
     exported.start(folder + "/run-server.sh");
     QVERIFY(exported.waitForStarted()); // and killed when the test ends
-    QVERIFY2(
-        answers("oa_dm3", "Halvane CLI e2e", [&] { return exported.state() == QProcess::Running; }),
-        "the exported server does not answer");
-    const auto status = getStatus(port);
-    QCOMPARE(status->info.value("g_needpass"), QStringLiteral("1"));
+    const auto status =
+        waitForMap(port, "oa_dm3", [&] { return exported.state() == QProcess::Running; });
+    QVERIFY2(status, "the exported server does not answer");
+    QCOMPARE(QStringList({status->info["sv_hostname"], status->info["g_needpass"]}),
+             QStringList({"Halvane CLI e2e", "1"}));
     const auto console = rcon(port, "cli-rcon", "serverinfo");
     QVERIFY2(console && console->contains("Halvane CLI e2e"), "the console password is not set");
     const auto join = rcon(port, "cli-rcon", "g_password");

@@ -286,9 +286,8 @@ void TestLaunchWindow::profilesRunSideBySide() {
     op.open(false, "oa_dm1\r\noa_dm2\r\noa_dm3\r\noa_dm4\r\n");
     if (QTest::currentTestFailed())
         return;
-    test::TestPlatform& platform = op.platform;
     ProfileCommands& profiles = op.window->profiles();
-    profiles.setStore(ProfileStore(platform.root() + "/profiles"));
+    profiles.setStore(ProfileStore(op.platform.root() + "/profiles"));
     FakePrompts prompts;
     profiles.setPrompts(prompts);
     MainForm& ui = op.ui();
@@ -325,12 +324,12 @@ void TestLaunchWindow::profilesRunSideBySide() {
             op.window->findChild<QAction*>("mnuProfileLaunch")->trigger();
         else
             list.cmdLaunchProfile->click();
-        QVERIFY2(platform.messages.shown.isEmpty(),
-                 qPrintable(test::onlyMessage(platform.messages)));
+        QVERIFY2(op.platform.messages.shown.isEmpty(),
+                 qPrintable(test::onlyMessage(op.platform.messages)));
         const LaunchRecord& record = op.window->servers().manager().servers().value(0).record;
         QCOMPARE(record.profile, side.name);
         QCOMPARE(list.lstServers->currentItem()->text(7), side.name); // its Profile column
-        const QDir servers(platform.root() + "/state/servers");
+        const QDir servers(op.platform.root() + "/state/servers");
         const QStringList own = servers.entryList({side.name + "-*"}, QDir::Dirs);
         QCOMPARE(own.size(), 1);
         side.scripts = servers.filePath(own.first());
@@ -339,24 +338,17 @@ void TestLaunchWindow::profilesRunSideBySide() {
     QVERIFY(!QFileInfo::exists(op.game + "/baseq3/halvane.cfg"));
     list.cmbProfile->setCurrentText("A"); // its port taken: asked first, a No launches nothing
     list.cmdLaunchProfile->click();
-    QVERIFY(test::onlyMessage(platform.messages).contains("already uses port"));
+    QVERIFY(test::onlyMessage(op.platform.messages).contains("already uses port"));
     QCOMPARE(op.window->servers().manager().servers().size(), 2);
 
     for (const Side& side : sides) {
         const auto lives = [&] { return alive(side.pid); };
-        const auto status = waitForStatus(
-            side.port, [&](const ServerStatus& st) { return st.info["mapname"] == side.maps[0]; },
-            lives);
+        const auto status = waitForMap(side.port, side.maps[0], lives);
         QCOMPARE(infoOf(status, {"sv_hostname"}), QStringList("Side " + side.name));
         QVERIFY(rcon(side.port, "e2e-" + side.name, "vstr nextmap"));
         const QSet<QString> bots = addedBots(side.scripts + "/baseq3/srvbots/botset1.cfg");
         QCOMPARE(bots.size(), side.bots);
-        QVERIFY2(waitForStatus(
-                     side.port,
-                     [&](const ServerStatus& st) {
-                         return st.info["mapname"] == side.maps[1] && st.players == bots;
-                     },
-                     lives),
+        QVERIFY2(waitForMap(side.port, side.maps[1], lives, bots),
                  qPrintable("profile " + side.name + " left its rotation"));
     }
 }
@@ -571,6 +563,7 @@ void TestLaunchWindow::restartsKeepTheirServer() {
     ui.cmdClose->click();
     QVERIFY(!window.isVisible());
     op.window->findChild<QAction*>("mnuServerStatus")->trigger();
+    QVERIFY(window.isVisible());
     QTest::keyClick(&window, Qt::Key_Escape);
     QVERIFY(!window.isVisible());
 }
