@@ -4,7 +4,6 @@
 
 #include "app/AppInfo.h"
 #include "ui/HelpMenu.h"
-#include "ui/StatusPanel.h"
 #include "ui_frmMain.h"
 
 #include <QSignalSpy>

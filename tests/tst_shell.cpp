@@ -40,25 +40,18 @@ private slots:
     void rollingOutLetsEventsRunAndShowsTheTipAbove6000();
 };
 
-namespace {
-struct Fixture : WindowFixture {
-    using WindowFixture::WindowFixture;
-    StatusPanel& panel() { return window->statusPanel(); }
-};
-} // namespace
-
 // A start fills the lists before the stored settings choose in them and stores nothing; the
 // shut-down stores the parameter lines before any of the settings.
 void ShellTest::startAndShutDownKeepTheirOrder() {
     const bool open = std::get<1>(fetchRow(PanelStates));
-    Fixture f([](TestPlatform& p) {
+    WindowFixture f([](TestPlatform& p) {
         p.ini->write("Settings", "CheckNewMaps", "True");
         p.ini->write("General", "GameType", "3");
     });
     QCOMPARE(f.ui().cmbGameType->currentIndex(), 3);
     QVERIFY(f.ui().mnuSettingsMapCheck->isChecked() && !f.platform.app->state.StartupInProgress &&
             f.platform.store->writes.isEmpty());
-    QVERIFY(f.panel().isOpen()); // the default is open
+    QVERIFY(f.window->statusPanel().isOpen()); // the default is open
     if (!open)
         f.ui().mnuViewStatusBar->trigger();
     f.ui().txtCmdParameters->setEditText("+set sv_fps 30");
@@ -71,13 +64,13 @@ void ShellTest::startAndShutDownKeepTheirOrder() {
     // The next start shows the status panel as it was left.
     QCOMPARE(f.platform.ini->read("Settings", "StatusBar", ""), open ? "True" : "False");
     f.reopen();
-    QCOMPARE(std::tuple(f.panel().isOpen(), f.panel().heightTwips(),
+    QCOMPARE(std::tuple(f.window->statusPanel().isOpen(), f.window->statusPanel().heightTwips(),
                         f.ui().mnuViewStatusBar->isChecked()),
              std::tuple(open, open ? 6450 : 5790, open));
 }
 
 void ShellTest::secondCopyEndsWithoutStoring() {
-    Fixture f([](TestPlatform& p) { p.desktop.otherCopy = true; });
+    WindowFixture f([](TestPlatform& p) { p.desktop.otherCopy = true; });
     QCOMPARE(onlyMessage(f.platform.messages),
              message("What have you been smoking?", "Halvane is already running", MsgButtons::Ok,
                      MsgIcon::Information));
@@ -103,12 +96,11 @@ void ShellTest::savesOnABrokenDisk_data() {
                 << fault << save;
     }
     // A record rewritten in place needs no room: only a read-only disk refuses it.
-    QTest::newRow("read-only: choose another map")
-        << "read-only"
-        << "choose||program/maps.dat|The rules shown for m1 could not be written";
-    QTest::newRow("read-only: add a map") << "read-only"
-                                          << "add||program/maps.dat|The map could not be written "
-                                             "to maps.dat:\r\rRead-only file system";
+    for (const char* save : {"choose||program/maps.dat|The rules shown for m1 could not be written",
+                             "add||program/maps.dat|The map could not be written to maps.dat:\r\r"
+                             "Read-only file system"})
+        QTest::addRow("read-only: %s", QByteArray(save).split('|')[0].constData())
+            << "read-only" << save;
 }
 
 // Every whole-file save on a disk that refuses it: the old file stays byte
@@ -192,65 +184,62 @@ void ShellTest::savesOnABrokenDisk() {
 
 void ShellTest::resizePlacesTheStatusPanel() {
     const auto& [name, twips, toggled] = fetchRow(Heights);
-    Fixture f;
+    WindowFixture f;
+    StatusPanel& panel = f.window->statusPanel();
     f.ui().scrTip->setVisible(true);
-    f.panel().setHeightTwips(twips);
+    panel.setHeightTwips(twips);
     const QWidget& window = *f.window;
     // The bar's top 920 twips above the height, counted with the caption the
     // rule's heights held (495 twips); the tip line 5870 twips shorter than
     // the window, ending at the bar; both as wide as the tabs.
     const int barTop = twipsToPixels(twips - 920 + 495, window), wide = f.ui().SSTab1->width();
     const QWidget& tip = *f.ui().scrTip;
-    QCOMPARE(
-        QList<int>({f.panel().heightTwips(), window.height(), f.ui().btnStatus->y(), tip.height(),
-                    tip.y() + tip.height(), tip.width(), f.ui().btnStatus->width()}),
-        QList<int>({twips, twipsToPixels(twips, window), barTop,
-                    qMax(0, twipsToPixels(twips - 5870, window)), barTop, wide, wide}));
+    QCOMPARE(QList<int>({panel.heightTwips(), window.height(), f.ui().btnStatus->y(), tip.height(),
+                         tip.y() + tip.height(), tip.width(), f.ui().btnStatus->width()}),
+             QList<int>({twips, twipsToPixels(twips, window), barTop,
+                         qMax(0, twipsToPixels(twips - 5870, window)), barTop, wide, wide}));
     // Nothing else moves: the tabs and the buttons keep their places, and
     // the tip line its top once it has a height.
-    f.panel().setHeightTwips(6450);
-    const auto places = [&] {
-        return QList({f.ui().SSTab1->geometry(), f.ui().cmdStart->geometry()});
-    };
-    const QList<QRect> before = places();
+    panel.setHeightTwips(6450);
+    const QRect tabs = f.ui().SSTab1->geometry(), start = f.ui().cmdStart->geometry();
     const int tipTop = f.ui().scrTip->y();
-    f.panel().setHeightTwips(twips);
-    QCOMPARE(places(), before);
+    panel.setHeightTwips(twips);
+    QCOMPARE(QList({f.ui().SSTab1->geometry(), f.ui().cmdStart->geometry()}), QList({tabs, start}));
     if (twips > 5870)
         QVERIFY(qAbs(f.ui().scrTip->y() - tipTop) <= 1); // rounding of two conversions
     // The bar's button rolls the panel and sets the menu item to match.
     const bool opens = toggled > twips;
     f.ui().mnuViewStatusBar->setChecked(!opens);
     f.ui().btnStatus->click();
-    QCOMPARE(std::tuple(f.panel().heightTwips(), f.ui().mnuViewStatusBar->isChecked(),
-                        f.panel().isOpen(), f.ui().txtTip->isVisible() || !opens),
+    QCOMPARE(std::tuple(panel.heightTwips(), f.ui().mnuViewStatusBar->isChecked(), panel.isOpen(),
+                        f.ui().txtTip->isVisible() || !opens),
              std::tuple(toggled, opens, opens, true));
 }
 
 void ShellTest::rollingOutLetsEventsRunAndShowsTheTipAbove6000() {
-    Fixture f;
-    f.panel().setHeightTwips(5790);
+    WindowFixture f;
+    StatusPanel& panel = f.window->statusPanel();
+    panel.setHeightTwips(5790);
     f.ui().scrTip->hide();
     // Timers fire while the panel rolls: the window stays usable. A second
     // click meanwhile is ignored rather than starting a second animation.
     QList<QPair<int, bool>> seen;
     QTimer timer;
-    timer.setInterval(0);
     connect(&timer, &QTimer::timeout, [&] {
-        seen << qMakePair(f.panel().heightTwips(), f.ui().scrTip->isVisible());
+        seen << qMakePair(panel.heightTwips(), f.ui().scrTip->isVisible());
         f.ui().btnStatus->click();
     });
-    timer.start();
+    timer.start(0);
     f.ui().btnStatus->click();
     timer.stop();
     QVERIFY(seen.size() > 10);
     QVERIFY(seen.first().first < seen.last().first);
     for (const auto& [height, visible] : seen)
         QVERIFY2(visible == (height > 6000), qPrintable(QString::number(height)));
-    QCOMPARE(f.panel().heightTwips(), 6450);
+    QCOMPARE(panel.heightTwips(), 6450);
     QVERIFY(f.ui().mnuViewStatusBar->isChecked() && f.ui().scrTip->isVisible());
     // Rolling in leaves it shown; at the closed height it has no height.
-    f.panel().Rollin();
+    panel.Rollin();
     QVERIFY(f.ui().scrTip->isVisible() && f.ui().scrTip->height() == 0);
 }
 

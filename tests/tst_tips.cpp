@@ -3,19 +3,17 @@
 #include "TestSupport.h"
 
 #include "app/AppInfo.h"
-#include "ui/Tips.h"
 #include "ui_frmMain.h"
 
 #include <QMouseEvent>
 #include <QtTest>
-#include <optional>
 
 using namespace halvane;
 using namespace halvane::test;
 
 const QString SiteLine =
     QStringLiteral("Visit the Halvane website at ") + AppInfo::productSiteAddress();
-// A control and its tip ("" for its own tip, not the window's).
+// A control and its tip ("" for its own tip, not the window's); text boxes among them.
 const std::tuple<const char*, QString, QString> ExactTips[] = {
     {"two blanks", "btnEditBotList",
      "Opens the bot list in Notepad.  Be sure to [ Refresh ] the list if you make any changes."},
@@ -32,6 +30,9 @@ const std::tuple<const char*, QString, QString> ExactTips[] = {
     {"label sharing its box's tip", "Label1", "Enter the name of your server"},
     {"list", "MapList", "Select the maps you want to use on your server"},
     {"master box", "txtMaster_3", ""},
+    {"name box", "txtServerName", "Enter the name of your server"},
+    {"map field", "txtMapFragLimit", ""},
+    {"advanced box", "txtHunkMegs", ""},
     {"check box", "chkVote",
      "Allows players to call for and vote on changes including: map, map restart, kick, and "
      "g_gametype"},
@@ -43,17 +44,12 @@ const std::tuple<const char*, QString, QString> ExactTips[] = {
      "select \"dedicated server\" for the server type on the general tab"},
 };
 
-const std::tuple<const char*> Boxes[] = {
-    {"txtServerName"}, {"txtMaster_4"}, {"txtMapFragLimit"}, {"txtHunkMegs"}};
-
 class TipsTest : public QObject {
     Q_OBJECT
 private slots:
     void exactTexts_data() { addRows(ExactTips); }
     void exactTexts();
     void builtTips();
-    void focusSelectsWholeText_data() { addRows(Boxes); }
-    void focusSelectsWholeText();
 
 private:
     WindowFixture m_fixture;
@@ -67,8 +63,7 @@ namespace {
 void reach(QWidget* widget) {
     for (QWidget* up = widget; up; up = up->parentWidget()) {
         up->setEnabled(true);
-        QWidget* parent = up->parentWidget();
-        if (auto* stack = qobject_cast<QStackedWidget*>(parent)) {
+        if (auto* stack = qobject_cast<QStackedWidget*>(up->parentWidget())) {
             stack->setCurrentWidget(up);
             if (auto* tabs = qobject_cast<QTabWidget*>(stack->parentWidget()))
                 tabs->setCurrentWidget(up);
@@ -77,20 +72,20 @@ void reach(QWidget* widget) {
 }
 
 // A point of the widget not covered by a child, where the move is its own.
-std::optional<QPoint> emptyPoint(const QWidget* widget) {
+QPoint emptyPoint(const QWidget* widget) {
     for (int y = 1; y < widget->height(); y += 3) {
         for (int x = 1; x < widget->width(); x += 3) {
             if (!widget->childAt(x, y))
                 return QPoint(x, y);
         }
     }
-    return std::nullopt;
+    return QPoint(1, 1);
 }
 } // namespace
 
 QString TipsTest::tipAfterMove(QWidget* widget) {
     m_fixture.window->form().txtTip->setText("(none)");
-    const QPointF at = emptyPoint(widget).value_or(QPoint(1, 1));
+    const QPointF at = emptyPoint(widget);
     QMouseEvent move(QEvent::MouseMove, at, widget->mapToGlobal(at), Qt::NoButton, Qt::NoButton,
                      Qt::NoModifier);
     QCoreApplication::sendEvent(widget, &move);
@@ -108,6 +103,23 @@ void TipsTest::exactTexts() {
     else
         QCOMPARE(tip, expected);
     QCOMPARE(tipAfterMove(widget), tip); // every move repeats it
+
+    // A text box selects its whole text when it receives the focus.
+    auto* box = qobject_cast<QLineEdit*>(widget);
+    if (!box)
+        return;
+    QApplication::setActiveWindow(m_fixture.window.get());
+    QVERIFY(QTest::qWaitForWindowActive(m_fixture.window.get()));
+    box->setReadOnly(false);
+    m_fixture.window->form().cmdStart->setFocus();
+    box->setText("old text");
+    box->deselect();
+    // Not by Tab, which a text box answers on its own by selecting.
+    box->setFocus(Qt::OtherFocusReason);
+    QVERIFY(box->hasFocus() && !box->text().isEmpty()); // cut to the box's length for map fields
+    QCOMPARE(box->selectedText(), box->text());
+    QTest::keyClicks(box, "7");
+    QCOMPARE(box->text(), QStringLiteral("7"));
 }
 
 void TipsTest::builtTips() {
@@ -120,11 +132,9 @@ void TipsTest::builtTips() {
     QVERIFY2(tip == before || tip == logTip(QDateTime::currentDateTime()), qPrintable(tip));
 
     ui.BotList->clear();
-    const QStringList bots{"Anarki", "Bitterman", "Crash", "Doom"};
-    for (int i = 0; i < bots.size(); ++i) {
-        auto* item = new QListWidgetItem(bots[i], ui.BotList);
-        item->setFlags(item->flags() | Qt::ItemIsUserCheckable);
-        item->setCheckState(i % 2 ? Qt::Checked : Qt::Unchecked); // Bitterman and Doom
+    for (const char* bot : {"Anarki", "Bitterman", "Crash", "Doom"}) { // Bitterman and Doom checked
+        auto* item = new QListWidgetItem(bot, ui.BotList);
+        item->setCheckState(ui.BotList->count() % 2 ? Qt::Unchecked : Qt::Checked);
     }
     QCOMPARE(tipAfterMove(ui.lblBotCount),
              QStringLiteral("2 bots selected - This is the total amount of bots that you have "
@@ -138,25 +148,6 @@ void TipsTest::builtTips() {
     ui.lblVersion->setText("Version 9.99");
     QCOMPARE(tipAfterMove(ui.lblVersion), QStringLiteral("Version information (Version 9.99)"));
     ui.lblVersion->setText(AppInfo::versionCaption());
-}
-
-void TipsTest::focusSelectsWholeText() {
-    const char* name = std::get<0>(fetchRow(Boxes));
-    auto* box = m_fixture.window->findChild<QLineEdit*>(name);
-    QVERIFY(box);
-    QApplication::setActiveWindow(m_fixture.window.get());
-    QVERIFY(QTest::qWaitForWindowActive(m_fixture.window.get()));
-    reach(box);
-    box->setReadOnly(false);
-    m_fixture.window->form().cmdStart->setFocus();
-    box->setText("old text");
-    box->deselect();
-    // Not by Tab, which a text box answers on its own by selecting.
-    box->setFocus(Qt::OtherFocusReason);
-    QVERIFY(box->hasFocus() && !box->text().isEmpty()); // cut to the box's length for map fields
-    QCOMPARE(box->selectedText(), box->text());
-    QTest::keyClicks(box, "7");
-    QCOMPARE(box->text(), QStringLiteral("7"));
 }
 
 QTEST_MAIN(TipsTest)

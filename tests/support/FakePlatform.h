@@ -21,10 +21,9 @@ class FakeMessageBoxes : public MessageBoxes {
 public:
     MsgAnswer show(const QString& title, const QString& text, MsgButtons buttons,
                    MsgIcon icon) override {
-        const ShownMessage message{title, text, buttons, icon};
-        shown.append(message);
+        shown.append({title, text, buttons, icon});
         if (onShow)
-            onShow(message);
+            onShow(shown.last());
         if (buttons == MsgButtons::Ok)
             return MsgAnswer::Ok;
         return answers.isEmpty() ? MsgAnswer::No : answers.takeFirst();

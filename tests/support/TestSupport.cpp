@@ -25,18 +25,16 @@ TestPlatform::TestPlatform() {
     wire();
 }
 
-void TestPlatform::wire() {
-    app.reset(new AppContext{{messages, dialogs, processes, shell, desktop, *store, *folder},
-                             AppState{}});
+void TestPlatform::wire(const AppState& state) {
+    app.reset(
+        new AppContext{{messages, dialogs, processes, shell, desktop, *store, *folder}, state});
 }
 
 void TestPlatform::reopenStore() {
     ini->flush();
     ini = std::make_unique<QtSettingsStore>(iniPath());
     store = std::make_unique<RecordingStore>(*ini);
-    const AppState state = app->state;
-    wire();
-    app->state = state;
+    wire(app->state);
 }
 
 void TestPlatform::makeGameFolder() {
@@ -159,11 +157,10 @@ void clickEntry(QAbstractItemView* list, int row, Qt::KeyboardModifiers modifier
                 Qt::MouseButton button) {
     // The tab pages that hold the list come to the front, as the operator
     // turns to them before a click.
-    for (QWidget* page = list; page; page = page->parentWidget()) {
-        for (QWidget* up = page->parentWidget(); up; up = up->parentWidget()) {
-            if (auto* tabs = qobject_cast<QTabWidget*>(up); tabs && tabs->indexOf(page) >= 0)
-                tabs->setCurrentWidget(page);
-        }
+    for (QWidget* page = list; page->parentWidget(); page = page->parentWidget()) {
+        auto* tabs = qobject_cast<QTabWidget*>(page->parentWidget()->parentWidget());
+        if (tabs && tabs->indexOf(page) >= 0)
+            tabs->setCurrentWidget(page);
     }
     const QModelIndex index = list->model()->index(row, 0);
     list->scrollTo(index);

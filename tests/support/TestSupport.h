@@ -72,7 +72,7 @@ public:
     std::unique_ptr<AppContext> app;
 
 private:
-    void wire();
+    void wire(const AppState& state = {});
     QTemporaryDir m_dir;
 };
 
