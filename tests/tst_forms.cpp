@@ -117,11 +117,10 @@ void TestForms::initTestCase() {
 void TestForms::screenReaderMeetsEveryControl_data() {
     QTest::addColumn<QWidget*>("root");
     QTest::addColumn<QWidget*>("control");
-    for (QWidget* root : std::as_const(m_readerRoots)) {
+    for (QWidget* root : std::as_const(m_readerRoots))
         for (QWidget* w : focusable(root))
             QTest::addRow("%s/%s", qPrintable(root->objectName()), qPrintable(w->objectName()))
                 << root << w;
-    }
 }
 
 void TestForms::screenReaderMeetsEveryControl() {
@@ -166,12 +165,11 @@ void TestForms::accessibleTreeNamesEveryFocusable() {
                 return;
             if (node->state().focusable && node->text(QAccessible::Name).trimmed().isEmpty())
                 unnamed << path;
-            for (int i = 0; i < node->childCount(); ++i) {
+            for (int i = 0; i < node->childCount(); ++i)
                 if (QAccessibleInterface* child = node->child(i))
                     walk(child, path + '/' +
                                     (child->object() ? child->object()->metaObject()->className()
                                                      : "item"));
-            }
         };
     for (QWidget* root : std::as_const(m_readerRoots))
         walk(QAccessible::queryAccessibleInterface(root), root->objectName());

@@ -15,28 +15,30 @@ namespace halvane::e2e {
 using namespace std::chrono_literals;
 
 static const QByteArray OutOfBand("\xff\xff\xff\xff", 4);
+static const QString Engine = QStringLiteral("/usr/lib/ioquake3/ioq3ded");
+static const QString DataFolder = QStringLiteral("/usr/share/games/openarena/baseoa");
+static const QString GameLibrary =
+    QStringLiteral("/usr/lib/openarena-server/baseoa/qagamex86_64.so");
 
-QString missingEngine(const EngineFiles& files) {
-    if (!QFileInfo(files.engine).isExecutable())
-        return QStringLiteral("no dedicated server engine at ") + files.engine;
-    if (QDir(files.dataFolder).entryList({QStringLiteral("*.pk3")}, QDir::Files).isEmpty())
-        return QStringLiteral("no OpenArena archives in ") + files.dataFolder;
-    if (!QFileInfo::exists(files.gameLibrary))
-        return QStringLiteral("no OpenArena game library at ") + files.gameLibrary;
+QString missingEngine() {
+    if (!QFileInfo(Engine).isExecutable())
+        return QStringLiteral("no dedicated server engine at ") + Engine;
+    if (QDir(DataFolder).entryList({QStringLiteral("*.pk3")}, QDir::Files).isEmpty())
+        return QStringLiteral("no OpenArena archives in ") + DataFolder;
+    if (!QFileInfo::exists(GameLibrary))
+        return QStringLiteral("no OpenArena game library at ") + GameLibrary;
     return QString();
 }
 
-QString buildGameFolder(const QString& folder, const EngineFiles& files) {
+QString buildGameFolder(const QString& folder) {
     const QDir root(folder);
     for (const char* sub : {"baseoa", "baseq3", "home"}) {
         if (!root.mkpath(QLatin1String(sub)))
             return QStringLiteral("cannot make ") + root.filePath(QLatin1String(sub));
     }
-    QStringList links;
-    const QDir data(files.dataFolder);
-    for (const QString& archive : data.entryList({QStringLiteral("*.pk3")}, QDir::Files))
-        links.append(data.filePath(archive));
-    links.append(files.gameLibrary);
+    QStringList links = {GameLibrary};
+    for (const QFileInfo& archive : QDir(DataFolder).entryInfoList({"*.pk3"}, QDir::Files))
+        links.append(archive.filePath());
     for (const QString& target : links) {
         const QString link =
             root.filePath(QStringLiteral("baseoa/") + QFileInfo(target).fileName());
@@ -50,7 +52,7 @@ QString buildGameFolder(const QString& folder, const EngineFiles& files) {
                        "exec %1 +set com_basegame baseoa +set fs_game baseq3 +set fs_basepath "
                        "'%2' +set fs_homepath '%2/home' +set com_legacyprotocol 71 +set "
                        "com_protocol 71 +set vm_game 0 \"$@\"\n")
-            .arg(files.engine, absolute);
+            .arg(Engine, absolute);
     QFile exe(root.filePath(QStringLiteral("quake3.exe")));
     if (!exe.open(QIODevice::WriteOnly | QIODevice::Truncate) ||
         exe.write(script.toUtf8()) != script.toUtf8().size())

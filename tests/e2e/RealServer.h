@@ -13,22 +13,14 @@
 // engine, and the server's UDP queries. Everything stays on the loopback interface.
 namespace halvane::e2e {
 
-// Where the engine and the game data are expected (Debian's packages
-// ioquake3-server and openarena-server).
-struct EngineFiles {
-    QString engine = QStringLiteral("/usr/lib/ioquake3/ioq3ded");
-    QString dataFolder = QStringLiteral("/usr/share/games/openarena/baseoa");
-    QString gameLibrary = QStringLiteral("/usr/lib/openarena-server/baseoa/qagamex86_64.so");
-};
-
-// Empty when the engine and the game data are installed; otherwise what is
-// missing, for the test's skip message.
-QString missingEngine(const EngineFiles& files = {});
+// Empty when the engine and the game data (Debian's packages ioquake3-server and
+// openarena-server) are installed; otherwise what is missing, for the test's skip message.
+QString missingEngine();
 
 // Builds a game folder: baseoa/ with links to the OpenArena archives and the game library, an empty
 // baseq3/ (where our scripts go), home/ for the engine's own files, and an executable quake3.exe
 // that runs the engine with baseq3 as the game folder. Returns an error text, empty on success.
-QString buildGameFolder(const QString& folder, const EngineFiles& files = {});
+QString buildGameFolder(const QString& folder);
 
 // A UDP port on 127.0.0.1 that nothing listens on right now.
 quint16 freeUdpPort();

@@ -217,7 +217,7 @@ void TestCommandLine::launchStatusStopAndExport() {
         return waitForStatus(
             port,
             [&](const ServerStatus& s) {
-                return s.info.value("mapname") == map && s.info.value("sv_hostname") == host;
+                return s.info["mapname"] == map && s.info["sv_hostname"] == host;
             },
             lives);
     };
@@ -269,14 +269,14 @@ void TestCommandLine::launchStatusStopAndExport() {
     QVERIFY(QFile::remove(game + "/baseq3/halvane.cfg"));
     result = cli.run({"write-config", "--profile", "e2e"});
     QVERIFY2(result.code == 0, qPrintable(result.err));
-    const QByteArray config = test::readAll(game + "/baseq3/halvane.cfg");
-    QVERIFY2(config.contains("seta sv_hostname \"Halvane CLI profile\"\r\n"), config.constData());
+    QVERIFY(test::readAll(game + "/baseq3/halvane.cfg")
+                .contains("seta sv_hostname \"Halvane CLI profile\"\r\n"));
     result = cli.run({"export", "--profile", "e2e", "side"});
     QVERIFY2(result.code == 0, qPrintable(result.err));
-    QVERIFY(
-        test::readAll(p.root() + "/side/baseq3/halvane.cfg").contains("\"Halvane CLI profile\""));
-    QVERIFY(test::readAll(p.root() + "/side/baseq3/passwords.cfg").contains("cli-side"));
-    QVERIFY(QFileInfo::exists(p.root() + "/side/halvane-e2e.service"));
+    const QString side = p.root() + "/side/";
+    QVERIFY(test::readAll(side + "baseq3/halvane.cfg").contains("\"Halvane CLI profile\""));
+    QVERIFY(test::readAll(side + "baseq3/passwords.cfg").contains("cli-side"));
+    QVERIFY(QFileInfo::exists(side + "halvane-e2e.service"));
 
     // The export, copied to a fresh place and started with its run-server.sh.
     result = cli.run({"export", p.root() + "/export"});
@@ -309,8 +309,7 @@ void TestCommandLine::launchStatusStopAndExport() {
     QProcess exported;
     exported.setStandardOutputFile(QProcess::nullDevice());
     exported.start(folder + "/run-server.sh");
-    QVERIFY(exported.waitForStarted());
-    started << exported.processId();
+    QVERIFY(exported.waitForStarted()); // and killed when the test ends
     QVERIFY2(
         answers("oa_dm3", "Halvane CLI e2e", [&] { return exported.state() == QProcess::Running; }),
         "the exported server does not answer");

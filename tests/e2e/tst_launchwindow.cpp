@@ -63,10 +63,26 @@ QSet<QString> addedBots(const QString& path) {
     return names;
 }
 
-// The server window's columns, and a column of the row chosen in it.
+// The server window's columns, and a column of the row of the server with that ID, or of the row
+// chosen.
 enum Column { Name, Address, Map, Type, Players, Uptime, State };
-QString chosen(const Ui::frmServer& ui, int column) {
-    return ui.lstServers->currentItem() ? ui.lstServers->currentItem()->text(column) : "";
+QString rowOf(const Ui::frmServer& ui, int column, const QString& id = {}) {
+    for (int i = 0; i < ui.lstServers->topLevelItemCount(); ++i) {
+        const QTreeWidgetItem* item = ui.lstServers->topLevelItem(i);
+        if (id.isEmpty() ? item == ui.lstServers->currentItem() : item->data(0, Qt::UserRole) == id)
+            return item->text(column);
+    }
+    return QString();
+}
+
+// Chooses these maps, and only these, in the list of maps to add.
+void selectMaps(MainForm& ui, const QStringList& maps) {
+    ui.MapList->clearSelection();
+    for (const QString& map : maps) {
+        const qsizetype row = test::entries(ui.MapList).indexOf(map);
+        QVERIFY2(row >= 0, qPrintable(map));
+        test::clickEntry(ui.MapList, int(row), Qt::ControlModifier);
+    }
 }
 
 void chooseMap(MainForm& ui, const QString& name, const QString& time, const QString& frag) {
@@ -124,8 +140,7 @@ void Operator::open(bool freeGameButton, const QByteArray& maps) {
     platform.writeFile(platform.programFolder() + "/botlist.txt",
                        "Sarge\r\nMajor\r\nGrism\r\nKyonshi\r\nGargoyle\r\n");
     if (!freeGameButton) {
-        const QString built = buildGameFolder(game);
-        QVERIFY2(built.isEmpty(), qPrintable(built));
+        QCOMPARE(buildGameFolder(game), QString());
         platform.writeFile(platform.programFolder() + "/maplist.txt", maps);
         platform.dialogs.choices = {{true, game + "/quake3.exe", "quake3.exe"}};
     }
@@ -160,12 +175,7 @@ void Operator::launch(bool freeGameButton) {
     ui.txtConsolePW->setText("e2e-window");
     ui.txtRandomBots->setText("3");
 
-    ui.MapList->clearSelection();
-    for (const char* map : {"oa_dm1", "oa_dm2"}) {
-        const qsizetype row = test::entries(ui.MapList).indexOf(map);
-        QVERIFY2(row >= 0, map);
-        test::clickEntry(ui.MapList, int(row), Qt::ControlModifier);
-    }
+    selectMaps(ui, {"oa_dm1", "oa_dm2"});
     if (!freeGameButton) // which chose the free game's first maps already
         ui.cmdAddSelMap->click();
     chooseMap(ui, "oa_dm2", "30", "70");
@@ -211,7 +221,7 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
     ServerWindow& window = op.window->servers().serverWindow();
     QVERIFY(window.isVisible() && !window.isModal());
     Ui::frmServer& ui = window.form();
-    const auto row = [&](int column) { return chosen(ui, column); };
+    const auto row = [&](int column) { return rowOf(ui, column); };
     const auto players = [&] { return asSet(test::entries(ui.lstPlayers)); };
     const auto pid = [&] { return op.window->servers().manager().servers().value(0).record.pid; };
 
@@ -263,7 +273,7 @@ void TestLaunchWindow::serverWindowSteersTheServer() {
     QVERIFY(op.window->hasEnded());
     op.openHalvane();
     op.window->findChild<QAction*>("mnuServerStatus")->trigger();
-    QTRY_COMPARE_WITH_TIMEOUT(chosen(op.window->servers().serverWindow().form(), State), "running",
+    QTRY_COMPARE_WITH_TIMEOUT(rowOf(op.window->servers().serverWindow().form(), State), "running",
                               30000);
     QCOMPARE(op.window->servers().manager().servers().value(0).record.pid, survivor);
 }
@@ -300,10 +310,7 @@ void TestLaunchWindow::profilesRunSideBySide() {
         ui.txtConsolePW->setText("e2e-" + side.name);
         ui.txtRandomBots->setText(QString::number(side.bots));
         ui.cmdMapClearAll->click();
-        ui.MapList->clearSelection();
-        for (const QString& map : side.maps)
-            test::clickEntry(ui.MapList, int(test::entries(ui.MapList).indexOf(map)),
-                             Qt::ControlModifier);
+        selectMaps(ui, side.maps);
         ui.cmdAddSelMap->click();
         prompts.answers = {side.name};
         op.window->findChild<QAction*>("mnuProfileSave")->trigger();
@@ -387,10 +394,8 @@ struct OtherHost {
         return linked ? QString() : "cannot join it by a veth pair " + near + " and " + far;
     }
     ~OtherHost() {
-        if (server.state() != QProcess::NotRunning) {
-            server.kill();
-            server.waitForFinished(10000);
-        }
+        server.kill();
+        server.waitForFinished(10000);
         if (made)
             ip({"netns", "del", name}); // and the veth pair with it
         ip({"link", "del", near});      // should it not have been moved yet
@@ -408,19 +413,15 @@ void TestLaunchWindow::serverOnAnotherHost() {
         QSKIP(qPrintable(made));
     test::TestPlatform platform;
     const QString game = platform.root() + "/oa";
-    const QString built = buildGameFolder(game);
-    QVERIFY2(built.isEmpty(), qPrintable(built));
+    QCOMPARE(buildGameFolder(game), QString());
     // Announced to no master server: nothing but this namespace is contacted.
     QStringList arguments = {"netns", "exec", host.name, game + "/quake3.exe"};
-    const QStringList settings = {"dedicated",   "1",       "net_ip",       host.farAddress,
-                                  "net_port",    "27960",   "rconpassword", "e2e-far",
-                                  "sv_hostname", "Far e2e", "com_hunkmegs", "64"};
-    for (qsizetype i = 0; i + 1 < settings.size(); i += 2)
-        arguments << "+set" << settings[i] << settings[i + 1];
-    for (int i = 1; i <= 5; ++i)
-        arguments << "+set" << QStringLiteral("sv_master%1").arg(i) << "";
-    arguments << "+map"
-              << "oa_dm1";
+    for (const QString& set :
+         QStringList{"net_ip " + host.farAddress, "dedicated 1", "net_port 27960",
+                     "rconpassword e2e-far", "sv_hostname Far e2e", "com_hunkmegs 64",
+                     "sv_master1 ", "sv_master2 ", "sv_master3 ", "sv_master4 ", "sv_master5 "})
+        arguments << "+set" << set.section(' ', 0, 0) << set.section(' ', 1);
+    arguments << QStringList{"+map", "oa_dm1"};
     host.server.setStandardOutputFile(QProcess::nullDevice());
     host.server.setStandardErrorFile(QProcess::nullDevice());
     host.server.start("ip", arguments);
@@ -437,7 +438,7 @@ void TestLaunchWindow::serverOnAnotherHost() {
     dialog->form().txtAddPort->setText("27960");
     dialog->form().txtAddPassword->setText("e2e-far");
     dialog->form().btnAddServer->button(QDialogButtonBox::Ok)->click();
-    const auto row = [&](int column) { return chosen(ui, column); };
+    const auto row = [&](int column) { return rowOf(ui, column); };
     QTRY_VERIFY_WITH_TIMEOUT(row(Map) == "oa_dm1", 60000);
     QCOMPARE(QStringList({row(Name), row(Address)}),
              QStringList({"Far e2e", host.farAddress + ":27960"}));
@@ -472,15 +473,9 @@ void TestLaunchWindow::restartsKeepTheirServer() {
     ServerManager& manager = op.window->servers().manager();
     Ui::frmServer& ui = window.form();
     const QString first = manager.servers().value(0).record.id;
+    const auto problem = [&] { return ui.lblProblem->text(); };
     const auto record = [&](const QString& id) { return manager.find(id)->record; };
-    const auto row = [&](const QString& id, int column) {
-        for (int i = 0; i < ui.lstServers->topLevelItemCount(); ++i) {
-            const QTreeWidgetItem* item = ui.lstServers->topLevelItem(i);
-            if (item->data(0, Qt::UserRole) == id)
-                return item->text(column);
-        }
-        return QString();
-    };
+    const auto row = [&](const QString& id, int column) { return rowOf(ui, column, id); };
     QTRY_VERIFY_WITH_TIMEOUT(row(first, Map) == "oa_dm1", 60000);
     // The columns grow to fit what the server answered.
     QVERIFY(ui.lstServers->columnWidth(Name) >
@@ -535,8 +530,8 @@ void TestLaunchWindow::restartsKeepTheirServer() {
     op.platform.shell.succeed = false;
     ui.cmdOpenLog->click();
     QCOMPARE(op.platform.shell.opened.value(0), earlier);
-    QVERIFY2(ui.lblProblem->text().contains("the log file " + earlier + " could not be opened"),
-             qPrintable(ui.lblProblem->text()));
+    QVERIFY2(problem().contains("the log file " + earlier + " could not be opened"),
+             qPrintable(problem()));
 
     // Hung: every start of it stopped before it can answer.
     manager.setLimits({3, 5, 1, 1, 1, 2});
@@ -553,8 +548,7 @@ void TestLaunchWindow::restartsKeepTheirServer() {
              qPrintable(row(first, State)));
     QCOMPARE(hung.size(), 3); // the start that had answered, then two that never did
     QCOMPARE(row(first, Name), QStringLiteral("Halvane window e2e"));
-    QVERIFY2(ui.lblProblem->text().contains("Its log " + record(first).logFile),
-             qPrintable(ui.lblProblem->text()));
+    QVERIFY2(problem().contains("Its log " + record(first).logFile), qPrintable(problem()));
     QCOMPARE(record(second).monitorRestarts, 0);
     QVERIFY(getStatus(opened));
 
@@ -562,16 +556,15 @@ void TestLaunchWindow::restartsKeepTheirServer() {
     ui.cmdRestart->click();
     const QString gone =
         "Could not start the server again: the game folder " + op.game + " does not exist any more";
-    QVERIFY2(ui.lblProblem->text().split('\n').contains(gone), qPrintable(ui.lblProblem->text()));
+    QVERIFY2(problem().split('\n').contains(gone), qPrintable(problem()));
     QVERIFY(!record(first).running());
     QVERIFY(QDir().rename(op.game + "-gone", op.game)); // back, but a script of the copy gone
     const QString scripts = record(first).scripts;
     QVERIFY(QFile::remove(scripts + "/baseq3/halvane.cfg"));
     ui.cmdRestart->click();
-    QVERIFY2(ui.lblProblem->text().contains("the copy of the scripts it was launched with, " +
-                                            scripts + ", is incomplete: " + scripts +
-                                            "/baseq3/halvane.cfg is missing"),
-             qPrintable(ui.lblProblem->text()));
+    QVERIFY2(problem().contains("the copy of the scripts it was launched with, " + scripts +
+                                ", is incomplete: " + scripts + "/baseq3/halvane.cfg is missing"),
+             qPrintable(problem()));
     QVERIFY(!record(first).running() && getStatus(opened));
     ui.cmdRemove->click(); // its scripts go with it, the other's stay
     QVERIFY(!QFileInfo::exists(scripts) && QFileInfo::exists(record(second).scripts));
