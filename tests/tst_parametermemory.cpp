@@ -68,10 +68,9 @@ void ParameterMemoryTest::saving() {
     afterwards.resize(11);
     const auto parameter = [](int i) { return QStringLiteral("Parameter%1").arg(i); };
     WindowFixture f([&](TestPlatform& p) {
-        for (int i = 0; i < stored.size(); ++i) {
+        for (int i = 0; i < stored.size(); ++i)
             if (!stored[i].isEmpty())
                 p.ini->write("Advanced", parameter(i), stored[i]);
-        }
         p.ini->write("Advanced", "CDLine", "old line");
     });
     QComboBox& box = *f.ui().txtCmdParameters;

@@ -35,8 +35,8 @@ QByteArray recordLine(const QString& id, qint64 pid, qint64 start) {
     return launchRecordBytes({r});
 }
 
-// What the game printed, and the port it listens on: "" while that is not
-// known yet (no line after the socket's, which may still fail to bind).
+// What the game printed, and the port it listens on: "" while that is not known yet (no line
+// after the socket's, which may still fail to bind).
 const std::tuple<const char*, QByteArray, const char*> Opened[] = {
     {"confirmed", "Opening IP socket: 127.0.0.1:27961\nHunk_Clear: ok\n", "27961"},
     {"the port taken: the game moved on",
@@ -221,8 +221,7 @@ void ServerTest::records() {
     test::TestPlatform platform;
     const QString state = platform.root() + "/state";
     const QByteArray file = QByteArray(bytes).replace("<state>", state.toUtf8());
-    // Each record's scripts, a stray folder as old, one just made, and
-    // a link out of the state folder.
+    // Each record's scripts, a stray folder as old, one just made, a link out of the state folder.
     QStringList folders{state + "/servers/stray", state + "/servers/new", state + "/outside"};
     const QList<LaunchRecord> records = parseLaunchRecords(file).records;
     for (const LaunchRecord& r : records)
@@ -297,10 +296,9 @@ void ServerTest::addresses() {
         QVERIFY2(!parseIpv4(bad), qPrintable(bad));
 }
 
-// A stand-in on 127.0.0.1 that answers more, longer or other than asked, or
-// a log that is a pipe: the window shows what it should and each pass over
-// the socket reads a bounded number of datagrams. Servers Halvane did not
-// start are added in the window by their address, and listed without it.
+// A stand-in on 127.0.0.1 that answers more, longer or other than asked, or a log that is a pipe:
+// the window shows what it should, each pass over the socket reading a bounded number of datagrams.
+// Servers Halvane did not start are added in the window by address and listed without it.
 void ServerTest::hostilePeer() {
     const auto& [row, way, shown, problem] = test::fetchRow(Peers);
     const QString peer = way; // the lambdas below take it
