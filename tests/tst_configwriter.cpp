@@ -9,8 +9,6 @@
 #include "config/ConfigWriter.h"
 #include "maps/MapCatalogue.h"
 
-#include <QDir>
-#include <QSet>
 #include <QtTest>
 
 using namespace halvane;
@@ -19,14 +17,10 @@ using namespace halvane::test;
 namespace {
 
 // Hands out the draws a test chose, in order, repeating the last one.
-class ScriptedRandom : public RandomSource {
-public:
-    explicit ScriptedRandom(QList<double> draws) : m_draws(std::move(draws)) {}
-    double draw() override { return m_draws.size() > 1 ? m_draws.takeFirst() : m_draws.value(0); }
+struct ScriptedRandom : RandomSource {
+    double draw() override { return draws.size() > 1 ? draws.takeFirst() : draws.value(0); }
     void reseed() override {}
-
-private:
-    QList<double> m_draws;
+    QList<double> draws;
 };
 
 // The settings of the smallest configuration (43 lines).
@@ -98,7 +92,8 @@ struct Fixture {
     BotScriptWriter bots{platform.app->state, platform.messages, random};
     ConfigWriter writer{platform.app->state, platform.messages, catalogue, bots};
 
-    explicit Fixture(QList<double> draws = {0.0}) : random(std::move(draws)) {
+    explicit Fixture(QList<double> draws = {0.0}) {
+        random.draws = std::move(draws);
         platform.makeGameFolder();
     }
     QString baseq3(const QString& name = QString()) const {

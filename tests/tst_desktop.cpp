@@ -14,8 +14,6 @@ using namespace halvane::test;
 
 namespace {
 
-const QByteArray OfferedMaps = "oa_dm10\r\noa_dm2\r\noa_ctf4ish\r\noa_dm1\r\n";
-
 // A folder its user cannot write to while this lives: by its permissions, and
 // for root, whom they do not stop, by a read-only mount of it over itself.
 struct ReadOnlyFolder {
@@ -49,33 +47,52 @@ const std::tuple<const char*, QString, QString, QString, bool, bool> Installs[] 
     {"system prefix", "/usr/bin", "/usr/share/halvane", "/usr/share", false, true},
 };
 
-// What is missing below the test folder; "" for a location already stored.
-const std::tuple<const char*, const char*> Missing[] = {
-    {"location already stored", ""},
-    {"no engine", "/usr/lib/ioquake3/ioq3ded"},
-    {"no archives", "/usr/share/baseoa"},
-    {"no game code", "/usr/lib/openarena-server/qagamex86_64.so"},
+// What is missing below the test folder ("stored" for a location already stored, "" for nothing),
+// and the operator's mapsel.txt before the first run (none when empty).
+const std::tuple<const char*, const char*, QByteArray> FirstRuns[] = {
+    {"free game installed", "", ""},
+    {"operator's rotation kept", "", "q3dm17\r\n"},
+    {"location already stored", "stored", ""},
+    {"no engine", "/usr/lib/ioquake3/ioq3ded", ""},
+    {"no archives", "/usr/share/baseoa", ""},
+    {"no game code", "/usr/lib/openarena-server/qagamex86_64.so", ""},
 };
 
 class DesktopTest : public QObject {
     Q_OBJECT
 private slots:
+    void firstRunPreparesTheFreeGame_data() { addRows(FirstRuns); }
     void firstRunPreparesTheFreeGame();
-    void firstRunStoresNothing_data() { addRows(Missing); }
-    void firstRunStoresNothing();
-    void firstRunKeepsTheOperatorsRotation();
     void programFolderOfEveryInstall_data() { addRows(Installs); }
     void programFolderOfEveryInstall();
 };
 
+// Whatever is missing, nothing is stored or made; otherwise the game's folder is made with a
+// starter script that sh reads as one word, whatever the folder's name.
 void DesktopTest::firstRunPreparesTheFreeGame() {
+    const auto& [name, missing, rotation] = fetchRow(FirstRuns);
     TestPlatform platform;
     const FreeGameSources sources = fakeFreeGame(platform);
-    const QString folder = platform.root() + "/o'neil game"; // one word for sh all the same
+    const QString folder = platform.root() + "/o'neil game", program = platform.programFolder();
     platform.ini->write("Settings", "Path", "/gone"); // a location the next start would forget
-    QCOMPARE(prepareFirstRun(*platform.store, folder, sources, platform.programFolder()).outcome,
-             FirstRunResult::Prepared);
-
+    if (!rotation.isEmpty())
+        platform.writeFile(program + "/mapsel.txt", rotation);
+    const bool stored = QString(missing) == "stored";
+    if (stored)
+        platform.makeGameFolder();
+    else if (*missing && !QFile::remove(platform.root() + missing))
+        QDir(platform.root() + missing).removeRecursively();
+    const FirstRunResult result = prepareFirstRun(*platform.store, folder, sources, program);
+    if (*missing) {
+        QCOMPARE(result.outcome, stored ? FirstRunResult::AlreadyStored : FirstRunResult::Failed);
+        QVERIFY2(result.message.contains(stored ? "Set Quake 3 path (Ctrl+P), press \"Use the "
+                                                  "installed free game\" and then Okay."
+                                                : "ioquake3-server and openarena-server."),
+                 qPrintable(result.message));
+        QVERIFY(platform.store->writes.isEmpty() && !QFileInfo::exists(folder));
+        return;
+    }
+    QCOMPARE(result.outcome, FirstRunResult::Prepared);
     QCOMPARE(QDir(folder + "/baseoa").entryList(QDir::Files | QDir::System),
              QStringList({"pak0.pk3", "pak1-maps.pk3", "qagamex86_64.so"}));
     QCOMPARE(QFileInfo(folder + "/baseoa/pak0.pk3").symLinkTarget(),
@@ -94,38 +111,11 @@ void DesktopTest::firstRunPreparesTheFreeGame() {
     const QByteArray actual = readAll(folder + "/quake3.exe");
     QVERIFY2(actual == script, qPrintable(firstDifference(actual, script)));
     // Every map of the archives offered for import; the first three
-    // deathmatch maps by number as the rotation.
-    QCOMPARE(readAll(platform.programFolder() + "/maplist.txt"), OfferedMaps);
-    QCOMPARE(readAll(platform.programFolder() + "/mapsel.txt"),
-             QByteArray("oa_dm1\r\noa_dm2\r\noa_dm10\r\n"));
-}
-
-void DesktopTest::firstRunStoresNothing() {
-    const QString missing = std::get<1>(fetchRow(Missing));
-    TestPlatform platform;
-    const FreeGameSources sources = fakeFreeGame(platform);
-    if (missing.isEmpty())
-        platform.makeGameFolder();
-    else if (!QFile::remove(platform.root() + missing))
-        QDir(platform.root() + missing).removeRecursively();
-    const QString folder = platform.root() + "/openarena";
-    const FirstRunResult result =
-        prepareFirstRun(*platform.store, folder, sources, platform.programFolder());
-    QCOMPARE(result.outcome,
-             missing.isEmpty() ? FirstRunResult::AlreadyStored : FirstRunResult::Failed);
-    QVERIFY(result.message.contains(missing.isEmpty() ? "Set Quake 3 path (Ctrl+P), press \"Use "
-                                                        "the installed free game\" and then Okay."
-                                                      : "ioquake3-server and openarena-server."));
-    QVERIFY(platform.store->writes.isEmpty() && !QFileInfo::exists(folder));
-}
-
-void DesktopTest::firstRunKeepsTheOperatorsRotation() {
-    TestPlatform platform;
-    platform.writeFile(platform.programFolder() + "/mapsel.txt", "q3dm17\r\n");
-    prepareFirstRun(*platform.store, platform.root() + "/openarena", fakeFreeGame(platform),
-                    platform.programFolder());
-    QCOMPARE(readAll(platform.programFolder() + "/mapsel.txt"), QByteArray("q3dm17\r\n"));
-    QCOMPARE(readAll(platform.programFolder() + "/maplist.txt"), OfferedMaps);
+    // deathmatch maps by number as the rotation, unless the operator has one.
+    QCOMPARE(readAll(program + "/maplist.txt"),
+             QByteArray("oa_dm10\r\noa_dm2\r\noa_ctf4ish\r\noa_dm1\r\n"));
+    QCOMPARE(readAll(program + "/mapsel.txt"),
+             rotation.isEmpty() ? QByteArray("oa_dm1\r\noa_dm2\r\noa_dm10\r\n") : rotation);
 }
 
 // The first start fills the user's folder from the installed files, the

@@ -75,10 +75,16 @@ QRect rectIn(const QWidget* w, const QWidget* ancestor) {
 
 class TestForms : public QObject {
     Q_OBJECT
+public:
+    // The heights are defined for 96 DPI and the platform's default font.
+    static void initMain() {
+        qputenv("QT_FONT_DPI", "96");
+        if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
 
 private slots:
     void initTestCase();
-    void tabCaptions();
     void screenReaderMeetsEveryControl_data();
     void screenReaderMeetsEveryControl();
     void accessibleTreeNamesEveryFocusable();
@@ -106,29 +112,15 @@ void TestForms::initTestCase() {
     m_readerRoots.append(&m_window->servers().serverWindow());
 }
 
-// Each tab's caption, and a frame that must sit on it.
-void TestForms::tabCaptions() {
-    const QStringList tabs{" &General  |Frame4", "&Bots |Frame16",       " &Maps  |Picture3",
-                           " &Options  |Frame1", " A&dvanced  |Frame10", " &About  |lblVersion"};
-    const QTabWidget* tab = m_window->form().SSTab1;
-    QCOMPARE(tab->count(), tabs.size());
-    for (int i = 0; i < tabs.size(); ++i) {
-        QCOMPARE(tab->tabText(i), tabs[i].section('|', 0, 0));
-        QVERIFY(
-            tab->widget(i)->isAncestorOf(m_window->findChild<QWidget*>(tabs[i].section('|', 1))));
-    }
-}
-
 // A screen reader names every control that takes the focus, and never two controls of a
 // tab or window alike; Tab moves on to the control the eye reads next.
 void TestForms::screenReaderMeetsEveryControl_data() {
     QTest::addColumn<QWidget*>("root");
     QTest::addColumn<QWidget*>("control");
-    for (QWidget* root : std::as_const(m_readerRoots)) {
+    for (QWidget* root : std::as_const(m_readerRoots))
         for (QWidget* w : focusable(root))
             QTest::addRow("%s/%s", qPrintable(root->objectName()), qPrintable(w->objectName()))
                 << root << w;
-    }
 }
 
 void TestForms::screenReaderMeetsEveryControl() {
@@ -173,20 +165,20 @@ void TestForms::accessibleTreeNamesEveryFocusable() {
                 return;
             if (node->state().focusable && node->text(QAccessible::Name).trimmed().isEmpty())
                 unnamed << path;
-            for (int i = 0; i < node->childCount(); ++i) {
+            for (int i = 0; i < node->childCount(); ++i)
                 if (QAccessibleInterface* child = node->child(i))
                     walk(child, path + '/' +
                                     (child->object() ? child->object()->metaObject()->className()
                                                      : "item"));
-            }
         };
     for (QWidget* root : std::as_const(m_readerRoots))
         walk(QAccessible::queryAccessibleInterface(root), root->objectName());
     QVERIFY2(unnamed.isEmpty(), qPrintable(unnamed.join(' ')));
 }
 
-// With the status panel closed every tab still shows all of its controls above the buttons,
-// which sit inside the window; the tip line is cut off but the status bar stays to be clicked.
+// The tabs' captions; with the status panel closed every tab still shows all of its controls
+// above the buttons, which sit inside the window; the tip line is cut off but the status bar
+// stays to be clicked.
 void TestForms::windowFitsClosedHeight() {
     // A fresh window from the form alone, so nothing the program does sizes it.
     const auto window = std::make_unique<QMainWindow>();
@@ -199,10 +191,17 @@ void TestForms::windowFitsClosedHeight() {
     QCoreApplication::processEvents();
     QCOMPARE(window->height(), ClosedHeight); // else the layouts need more than it
     const int buttonTop = rectIn(form.cmdStart, window.get()).top();
+    // Each tab's caption, with a control that must sit on its page.
+    const std::pair<const char*, const char*> tabs[] = {
+        {" &General  ", "Frame4"}, {"&Bots ", "Frame16"},       {" &Maps  ", "Picture3"},
+        {" &Options  ", "Frame1"}, {" A&dvanced  ", "Frame10"}, {" &About  ", "lblVersion"}};
+    QCOMPARE(form.SSTab1->count(), 6);
     for (int index = 0; index < form.SSTab1->count(); ++index) {
         form.SSTab1->setCurrentIndex(index);
         QCoreApplication::processEvents();
         QWidget* page = form.SSTab1->widget(index);
+        QCOMPARE(form.SSTab1->tabText(index), tabs[index].first);
+        QVERIFY(page->isAncestorOf(window->findChild<QWidget*>(tabs[index].second)));
         // The page's size where its needs exceed it, shown with both sizes.
         QCOMPARE(page->minimumSizeHint().boundedTo(page->size()), page->minimumSizeHint());
         // The controls an operator reads or operates, named by the form: not Qt's internals.
@@ -220,10 +219,10 @@ void TestForms::windowFitsClosedHeight() {
                 qPrintable(w->objectName() + " is clipped, squeezed or reaches the buttons"));
         }
     }
-    const QRect tabs = rectIn(form.SSTab1, window.get());
+    const int tabsBottom = rectIn(form.SSTab1, window.get()).bottom();
     for (QWidget* button : {form.cmdStart, form.cmdClose, form.cmdSetPath}) {
         const QRect r = rectIn(button, window.get());
-        QVERIFY(r.top() > tabs.bottom() && r.bottom() < ClosedHeight);
+        QVERIFY(r.top() > tabsBottom && r.bottom() < ClosedHeight);
     }
     const int tipShown = form.scrTip->height();
     QVERIFY2(tipShown < form.txtTip->fontMetrics().height(),
@@ -233,14 +232,5 @@ void TestForms::windowFitsClosedHeight() {
             bar.top() > rectIn(form.cmdStart, window.get()).bottom());
 }
 
-int main(int argc, char* argv[]) {
-    // The heights are defined for 96 DPI and the platform's default font.
-    qputenv("QT_FONT_DPI", "96");
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    TestForms test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+QTEST_MAIN(TestForms)
 #include "tst_forms.moc"

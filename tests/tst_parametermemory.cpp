@@ -1,12 +1,9 @@
-// The remembered parameter lines (most recent first, ten offered) and the CD
-// drive box, against a real settings file.
+// The remembered parameter lines (most recent first, ten offered) and the CD drive box, in the
+// window over a real settings file.
 #include "TestSupport.h"
 
 #include "launch/ParameterMemory.h"
 
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLineEdit>
 #include <QtTest>
 #include <stdexcept>
 
@@ -33,44 +30,12 @@ struct BrokenStore : RecordingStore {
     }
 };
 
-// The parameter box, the CD boxes and the memory over a real settings file.
-struct Fixture {
-    TestPlatform platform;
-    QComboBox combo;
-    QCheckBox specifyCd;
-    QLineEdit cdDrive;
-    std::unique_ptr<ParameterMemory> memory = remake();
-    Fixture() { combo.setEditable(true); }
-    // The memory over the store as it is now: reopening the store makes a new one.
-    std::unique_ptr<ParameterMemory> remake() {
-        return std::make_unique<ParameterMemory>(combo, specifyCd, cdDrive, *platform.app);
-    }
-    void store(const QStringList& parameters, const QString& cdLine) {
-        for (int i = 0; i < parameters.size(); ++i) {
-            if (!parameters[i].isEmpty())
-                platform.ini->write("Advanced", QStringLiteral("Parameter%1").arg(i),
-                                    parameters[i]);
-        }
-        platform.ini->write("Advanced", "CDLine", cdLine);
-        platform.ini->flush();
-    }
-    // The lines offered, then the box's text.
-    QStringList offered() { return entries(combo.view()) << combo.currentText(); }
-    QStringList storedParameters() {
-        platform.reopenStore();
-        QStringList result;
-        for (int i = 0; i < 11; ++i)
-            result << platform.store->read("Advanced", QStringLiteral("Parameter%1").arg(i), "");
-        return result;
-    }
-};
-
 } // namespace
 
 const QStringList Eleven = {"", "b", "", "d", "", "", "", "", "", "j", "k"};
 
 // Parameter0.. before, what the operator launches with, Parameter0.. afterwards and the list
-// offered after reloading.
+// offered again.
 const std::tuple<const char*, QStringList, QString, QStringList, QStringList> Savings[] = {
     {"equal to Parameter4: nothing moves", lines(0, 9), "+set line 4", lines(0, 9), lines(0, 9)},
     {"letter case counts", {"abc"}, "ABC", {"ABC", "abc"}, {"ABC", "abc"}},
@@ -101,35 +66,43 @@ void ParameterMemoryTest::saving() {
     const auto& [name, stored, text, after, offeredNext] = fetchRow(Savings);
     QStringList afterwards = after; // Parameter0..10, "" when empty
     afterwards.resize(11);
-
-    Fixture f;
-    f.store(stored, "old line");
-    f.memory->loadParameterList();
-    f.combo.setEditText(text);
+    const auto parameter = [](int i) { return QStringLiteral("Parameter%1").arg(i); };
+    WindowFixture f([&](TestPlatform& p) {
+        for (int i = 0; i < stored.size(); ++i)
+            if (!stored[i].isEmpty())
+                p.ini->write("Advanced", parameter(i), stored[i]);
+        p.ini->write("Advanced", "CDLine", "old line");
+    });
+    QComboBox& box = *f.ui().txtCmdParameters;
+    box.setEditText(text);
     f.platform.store->writes.clear();
-    f.memory->saveParameterList();
+    // As a launch does: the line remembered, then the list offered again over the one shown.
+    LaunchSteps& launch = *f.window;
+    launch.saveParameterList();
+    launch.loadParameterList();
 
     // "CDLine" holds the text as typed, blanks included, every time.
     QVERIFY(f.platform.store->writes.contains("Advanced/CDLine=" + text));
-    QCOMPARE(f.storedParameters(), afterwards);
-    QCOMPARE(f.platform.store->read("Advanced", "CDLine", "<none>"), text);
-
-    // What the launch shows right after saving.
-    f.memory = f.remake();
-    f.memory->loadParameterList();
-    QCOMPARE(f.offered(), offeredNext + QStringList{text});
+    const QtSettingsStore file(f.platform.iniPath());
+    QStringList parameters;
+    for (int i = 0; i < 11; ++i)
+        parameters << file.read("Advanced", parameter(i), "");
+    QCOMPARE(parameters, afterwards);
+    QCOMPARE(entries(box.view()) << box.currentText(), offeredNext + QStringList{text});
 }
 
 void ParameterMemoryTest::cdDriveLoading() {
     const auto& [name, checked, broken] = fetchRow(CdDrives);
-    Fixture f;
-    f.platform.ini->write("Advanced", "CDLetter", "E:");
+    WindowFixture f([](TestPlatform& p) { p.ini->write("Advanced", "CDLetter", "E:"); });
+    MainForm& ui = f.ui();
+    ParameterMemory memory(*ui.txtCmdParameters, *ui.chkSpecifyCD, *ui.txtCDROM, *f.platform.app);
     BrokenStore brokenStore(*f.platform.ini);
-    f.cdDrive.setText("X:");
-    f.cdDrive.setEnabled(!checked);
-    f.specifyCd.setChecked(checked);
-    f.memory->loadCdDrive(broken ? brokenStore : *f.platform.store);
-    QCOMPARE(std::pair(f.cdDrive.text(), f.cdDrive.isEnabled()),
+    ui.chkSpecifyCD->setChecked(checked);
+    ui.txtCDROM->setText("X:");
+    ui.txtCDROM->setEnabled(!checked);
+    f.platform.messages.clear();
+    memory.loadCdDrive(broken ? brokenStore : *f.platform.store);
+    QCOMPARE(std::pair(ui.txtCDROM->text(), ui.txtCDROM->isEnabled()),
              std::pair(QString(broken ? "C:" : "E:"), checked));
     QCOMPARE(onlyMessage(f.platform.messages),
              broken ? message("Warning!",

@@ -11,10 +11,10 @@
 using namespace halvane;
 using namespace halvane::test;
 
-// A user's ways to a game that the next start still finds: the game's own program chosen with
-// Browse, the free game's button, or a server program not named quake3.exe (the engine's own, or
-// the free game's) with the offered game folder over it. The folder and program stored, below the
-// test folder; a program not named quake3.exe is stored as chosen and asked for at the next start.
+// A user's ways to a game: the game's own program chosen with Browse, the free game's button, or a
+// server program not named quake3.exe (the engine's, or the free game's) with the offered game
+// folder made over it or not. The folder and program stored, below the test folder; the next start
+// finds only a quake3.exe.
 const std::tuple<const char*, const char*, MsgAnswer, const char*> Choices[] = {
     {"the game's own program", "q3/quake3.exe", MsgAnswer::No, "q3/quake3.exe"},
     {"free game button", "button", MsgAnswer::No, "data/openarena/quake3.exe"},
@@ -90,8 +90,7 @@ void PathDialogTest::choiceLastsToTheNextStart() {
     Ui::frmPath& form = window->pathDialog().form();
     QVERIFY(form.cmdFreeGame->isVisible());
     platform.messages.answers = {answer};
-    const bool button = QString(chosen) == "button";
-    if (button) {
+    if (QString(chosen) == "button") {
         form.cmdFreeGame->click();
     } else {
         platform.dialogs.choices = {{false, {}, {}},

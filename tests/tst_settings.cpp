@@ -112,7 +112,6 @@ private:
 
 void SettingsTest::emptyStoreSavesEveryDefaultUntilARefusal() {
     Loaded run(3);
-    QVERIFY(run.platform.messages.shown.isEmpty());
     const QStringList writes = run.save();
     // Defaults as the operator first sees them, a bot's too; the start-state options are truths.
     for (const char* entry :
@@ -122,7 +121,7 @@ void SettingsTest::emptyStoreSavesEveryDefaultUntilARefusal() {
           "Bots/Strength 2=1"})
         QVERIFY2(writes.contains(entry), entry);
     // A refused write ends the save there, and fails the checks before a launch
-    // without a word.
+    // without a word (nor any from the start or the save before).
     run.platform.store->failAtKey = "AdminName";
     QVERIFY(run.save().isEmpty());
     QVERIFY(run.platform.store->writes.last().startsWith("General/AdminName="));
@@ -130,7 +129,6 @@ void SettingsTest::emptyStoreSavesEveryDefaultUntilARefusal() {
     // Closing says where and why the settings could not be stored, and still ends.
     run.platform.store->failAtKey.clear();
     QVERIFY(QFile::remove(run.platform.iniPath()) && QDir().mkpath(run.platform.iniPath()));
-    run.platform.messages.clear();
     run.window->close();
     QCOMPARE(onlyMessage(run.platform.messages),
              message("Warning!",
@@ -146,10 +144,9 @@ void SettingsTest::saveThenLoadReproducesEveryValue() {
     Loaded run(5);
     MainForm& ui = run.ui();
     int i = 0;
-    for (QLineEdit* edit : run.window->findChildren<QLineEdit*>()) {
+    for (QLineEdit* edit : run.window->findChildren<QLineEdit*>())
         if (edit->objectName().startsWith("txt") && !edit->objectName().startsWith("txtMap"))
             edit->setText(QStringLiteral("v%1 x").arg(++i));
-    }
     for (QComboBox* combo : run.window->findChildren<QComboBox*>())
         combo->setCurrentIndex(combo->currentIndex() == 1 ? 2 : 1);
     ui.txtCfg->setEditText("server.cfg");
@@ -203,8 +200,7 @@ void SettingsTest::storedValueLoads() {
 void SettingsTest::enablingRules() {
     WindowFixture w;
     for (const QString& token : QString(fetchRow(Rules).second).split(' ')) {
-        QString name = token.section('=', 0, 0);
-        name.remove('?').remove('!').remove('@').remove('^');
+        const QString name = token.section('=', 0, 0).remove(QRegularExpression("[?!@^]"));
         QObject* object = token == "startup" ? w.window.get() : w.window->findChild<QObject*>(name);
         QVERIFY2(object, qPrintable(token));
         auto* button = qobject_cast<QAbstractButton*>(object);
@@ -231,10 +227,9 @@ void SettingsTest::secretsAreTheUsersAlone_data() {
     QTest::addColumn<QString>("file");
     QTest::addColumn<bool>("leftOpen"); // an earlier write left it (and its folder) open to all
     for (const char* file :
-         {"settings", "halvane.cfg", "whole-file save", "copy of a private file"}) {
-        QTest::newRow(qPrintable(QString(file) + ", new")) << QString(file) << false;
-        QTest::newRow(qPrintable(QString(file) + ", left open")) << QString(file) << true;
-    }
+         {"settings", "halvane.cfg", "whole-file save", "copy of a private file"})
+        for (const bool open : {false, true})
+            QTest::addRow("%s, %s", file, open ? "left open" : "new") << QString(file) << open;
 }
 
 // Files holding passwords: read and write for the owner only; the settings

@@ -19,57 +19,43 @@ using namespace halvane::test;
 
 // The status panel when closing.
 const std::tuple<const char*, bool> PanelStates[] = {{"panel open", true}, {"panel closed", false}};
-const std::tuple<const char*, int> Heights[] = {
-    {"closed", 5790}, {"tip appears", 6006}, {"threshold", 6250}, {"open", 6450}};
-// Below 6250 opens in steps of 6 to the last step under 6456; from 6250 on it closes in
-// steps of 6 to the last step not under 5790.
-const std::tuple<const char*, int, int, bool> Toggles[] = {{"6249 opens", 6249, 6453, true},
-                                                           {"6250 closes", 6250, 5794, false}};
+// A height, and where the bar's button takes it: below 6250 it opens in steps of 6 to the last
+// step under 6456; from 6250 on it closes in steps of 6 to the last step not under 5790.
+const std::tuple<const char*, int, int> Heights[] = {{"closed", 5790, 6450},
+                                                     {"tip appears", 6006, 6450},
+                                                     {"6249 opens", 6249, 6453},
+                                                     {"threshold closes", 6250, 5794},
+                                                     {"open", 6450, 5790}};
 
 class ShellTest : public QObject {
     Q_OBJECT
 private slots:
-    void startUpLoadsTheStoredSettings();
-    void shutDownSavesParametersBeforeSettings_data() { addRows(PanelStates); }
-    void shutDownSavesParametersBeforeSettings();
+    void startAndShutDownKeepTheirOrder_data() { addRows(PanelStates); }
+    void startAndShutDownKeepTheirOrder();
     void secondCopyEndsWithoutStoring();
     void savesOnABrokenDisk_data();
     void savesOnABrokenDisk();
     void resizePlacesTheStatusPanel_data() { addRows(Heights); }
     void resizePlacesTheStatusPanel();
-    void toggleAtThreshold_data() { addRows(Toggles); }
-    void toggleAtThreshold();
     void rollingOutLetsEventsRunAndShowsTheTipAbove6000();
 };
 
-namespace {
-struct Fixture : WindowFixture { // shown by each test, after its own preparations
-    Fixture() : WindowFixture({}, false) {}
-    StatusPanel& panel() { return window->statusPanel(); }
-};
-} // namespace
-
-// The lists are filled before the stored settings choose in them, and a start stores nothing.
-void ShellTest::startUpLoadsTheStoredSettings() {
-    Fixture f;
-    f.platform.ini->write("Settings", "CheckNewMaps", "True");
-    f.platform.ini->write("General", "GameType", "3");
-    f.window->showMainWindow();
+// A start fills the lists before the stored settings choose in them and stores nothing; the
+// shut-down stores the parameter lines before any of the settings.
+void ShellTest::startAndShutDownKeepTheirOrder() {
+    const bool open = std::get<1>(fetchRow(PanelStates));
+    WindowFixture f([](TestPlatform& p) {
+        p.ini->write("Settings", "CheckNewMaps", "True");
+        p.ini->write("General", "GameType", "3");
+    });
     QCOMPARE(f.ui().cmbGameType->currentIndex(), 3);
     QVERIFY(f.ui().mnuSettingsMapCheck->isChecked() && !f.platform.app->state.StartupInProgress &&
             f.platform.store->writes.isEmpty());
-}
-
-void ShellTest::shutDownSavesParametersBeforeSettings() {
-    const bool open = std::get<1>(fetchRow(PanelStates));
-    Fixture f;
-    f.window->showMainWindow();
-    QVERIFY(f.panel().isOpen()); // the default is open
+    QVERIFY(f.window->statusPanel().isOpen()); // the default is open
     if (!open)
         f.ui().mnuViewStatusBar->trigger();
     f.ui().txtCmdParameters->setEditText("+set sv_fps 30");
     f.window->close();
-    // The parameter lines are stored before any of the settings.
     const QStringList& writes = f.platform.store->writes;
     const qsizetype line = writes.indexOf("Advanced/Parameter0=+set sv_fps 30");
     QVERIFY(line >= 0 && line < writes.indexOf("Settings/LastTab=0"));
@@ -78,15 +64,13 @@ void ShellTest::shutDownSavesParametersBeforeSettings() {
     // The next start shows the status panel as it was left.
     QCOMPARE(f.platform.ini->read("Settings", "StatusBar", ""), open ? "True" : "False");
     f.reopen();
-    QCOMPARE(std::tuple(f.panel().isOpen(), f.panel().heightTwips(),
+    QCOMPARE(std::tuple(f.window->statusPanel().isOpen(), f.window->statusPanel().heightTwips(),
                         f.ui().mnuViewStatusBar->isChecked()),
              std::tuple(open, open ? 6450 : 5790, open));
 }
 
 void ShellTest::secondCopyEndsWithoutStoring() {
-    Fixture f;
-    f.platform.desktop.otherCopy = true;
-    f.window->showMainWindow();
+    WindowFixture f([](TestPlatform& p) { p.desktop.otherCopy = true; });
     QCOMPARE(onlyMessage(f.platform.messages),
              message("What have you been smoking?", "Halvane is already running", MsgButtons::Ok,
                      MsgIcon::Information));
@@ -112,12 +96,11 @@ void ShellTest::savesOnABrokenDisk_data() {
                 << fault << save;
     }
     // A record rewritten in place needs no room: only a read-only disk refuses it.
-    QTest::newRow("read-only: choose another map")
-        << "read-only"
-        << "choose||program/maps.dat|The rules shown for m1 could not be written";
-    QTest::newRow("read-only: add a map") << "read-only"
-                                          << "add||program/maps.dat|The map could not be written "
-                                             "to maps.dat:\r\rRead-only file system";
+    for (const char* save : {"choose||program/maps.dat|The rules shown for m1 could not be written",
+                             "add||program/maps.dat|The map could not be written to maps.dat:\r\r"
+                             "Read-only file system"})
+        QTest::addRow("read-only: %s", QByteArray(save).split('|')[0].constData())
+            << "read-only" << save;
 }
 
 // Every whole-file save on a disk that refuses it: the old file stays byte
@@ -125,7 +108,6 @@ void ShellTest::savesOnABrokenDisk_data() {
 void ShellTest::savesOnABrokenDisk() {
     QFETCH(QString, fault);
     QFETCH(QString, save);
-    const QStringList kept = save.section('|', 2, 2).split(' ', Qt::SkipEmptyParts);
     TestPlatform platform;
     const QString disk = platform.root() + "/disk", program = disk + "/program";
     QDir().mkpath(disk);
@@ -190,10 +172,9 @@ void ShellTest::savesOnABrokenDisk() {
         window.form().cmdAddSelMap->click(); // a selection that takes room to store
         window.close();
     }
-    for (const ShownMessage& shown : platform.messages.shown)
-        said << shown.text;
+    said += described(platform.messages);
     QVERIFY2(said.join('\n').contains(save.section('|', 3)), qPrintable(said.join('\n')));
-    for (const QString& file : kept) {
+    for (const QString& file : save.section('|', 2, 2).split(' ', Qt::SkipEmptyParts)) {
         const QString path = disk + '/' + file;
         QVERIFY2((QFileInfo(path).isDir() ? "<folder>" : readAll(path)) == files.value(file),
                  qPrintable(file));
@@ -202,75 +183,63 @@ void ShellTest::savesOnABrokenDisk() {
 }
 
 void ShellTest::resizePlacesTheStatusPanel() {
-    const int twips = std::get<1>(fetchRow(Heights));
-    Fixture f;
-    f.window->showMainWindow();
+    const auto& [name, twips, toggled] = fetchRow(Heights);
+    WindowFixture f;
+    StatusPanel& panel = f.window->statusPanel();
     f.ui().scrTip->setVisible(true);
-    f.panel().setHeightTwips(twips);
+    panel.setHeightTwips(twips);
     const QWidget& window = *f.window;
     // The bar's top 920 twips above the height, counted with the caption the
     // rule's heights held (495 twips); the tip line 5870 twips shorter than
     // the window, ending at the bar; both as wide as the tabs.
     const int barTop = twipsToPixels(twips - 920 + 495, window), wide = f.ui().SSTab1->width();
     const QWidget& tip = *f.ui().scrTip;
-    QCOMPARE(
-        QList<int>({f.panel().heightTwips(), window.height(), f.ui().btnStatus->y(), tip.height(),
-                    tip.y() + tip.height(), tip.width(), f.ui().btnStatus->width()}),
-        QList<int>({twips, twipsToPixels(twips, window), barTop,
-                    qMax(0, twipsToPixels(twips - 5870, window)), barTop, wide, wide}));
+    QCOMPARE(QList<int>({panel.heightTwips(), window.height(), f.ui().btnStatus->y(), tip.height(),
+                         tip.y() + tip.height(), tip.width(), f.ui().btnStatus->width()}),
+             QList<int>({twips, twipsToPixels(twips, window), barTop,
+                         qMax(0, twipsToPixels(twips - 5870, window)), barTop, wide, wide}));
     // Nothing else moves: the tabs and the buttons keep their places, and
     // the tip line its top once it has a height.
-    f.panel().setHeightTwips(6450);
-    const auto places = [&] {
-        return QList({f.ui().SSTab1->geometry(), f.ui().cmdStart->geometry()});
-    };
-    const QList<QRect> before = places();
+    panel.setHeightTwips(6450);
+    const QRect tabs = f.ui().SSTab1->geometry(), start = f.ui().cmdStart->geometry();
     const int tipTop = f.ui().scrTip->y();
-    f.panel().setHeightTwips(twips);
-    QCOMPARE(places(), before);
+    panel.setHeightTwips(twips);
+    QCOMPARE(QList({f.ui().SSTab1->geometry(), f.ui().cmdStart->geometry()}), QList({tabs, start}));
     if (twips > 5870)
         QVERIFY(qAbs(f.ui().scrTip->y() - tipTop) <= 1); // rounding of two conversions
-}
-
-void ShellTest::toggleAtThreshold() {
-    const auto& [name, from, to, checked] = fetchRow(Toggles);
-    Fixture f;
-    f.window->showMainWindow();
-    f.panel().setHeightTwips(from);
-    f.ui().mnuViewStatusBar->setChecked(!checked);
+    // The bar's button rolls the panel and sets the menu item to match.
+    const bool opens = toggled > twips;
+    f.ui().mnuViewStatusBar->setChecked(!opens);
     f.ui().btnStatus->click();
-    QCOMPARE(std::tuple(f.panel().heightTwips(), f.ui().mnuViewStatusBar->isChecked(),
-                        f.panel().isOpen()),
-             std::tuple(to, checked, checked));
-    if (checked)
-        QVERIFY(f.ui().txtTip->isVisible());
+    QCOMPARE(std::tuple(panel.heightTwips(), f.ui().mnuViewStatusBar->isChecked(), panel.isOpen(),
+                        f.ui().txtTip->isVisible() || !opens),
+             std::tuple(toggled, opens, opens, true));
 }
 
 void ShellTest::rollingOutLetsEventsRunAndShowsTheTipAbove6000() {
-    Fixture f;
-    f.window->showMainWindow();
-    f.panel().setHeightTwips(5790);
+    WindowFixture f;
+    StatusPanel& panel = f.window->statusPanel();
+    panel.setHeightTwips(5790);
     f.ui().scrTip->hide();
     // Timers fire while the panel rolls: the window stays usable. A second
     // click meanwhile is ignored rather than starting a second animation.
     QList<QPair<int, bool>> seen;
     QTimer timer;
-    timer.setInterval(0);
     connect(&timer, &QTimer::timeout, [&] {
-        seen << qMakePair(f.panel().heightTwips(), f.ui().scrTip->isVisible());
+        seen << qMakePair(panel.heightTwips(), f.ui().scrTip->isVisible());
         f.ui().btnStatus->click();
     });
-    timer.start();
+    timer.start(0);
     f.ui().btnStatus->click();
     timer.stop();
     QVERIFY(seen.size() > 10);
     QVERIFY(seen.first().first < seen.last().first);
     for (const auto& [height, visible] : seen)
         QVERIFY2(visible == (height > 6000), qPrintable(QString::number(height)));
-    QCOMPARE(f.panel().heightTwips(), 6450);
+    QCOMPARE(panel.heightTwips(), 6450);
     QVERIFY(f.ui().mnuViewStatusBar->isChecked() && f.ui().scrTip->isVisible());
     // Rolling in leaves it shown; at the closed height it has no height.
-    f.panel().Rollin();
+    panel.Rollin();
     QVERIFY(f.ui().scrTip->isVisible() && f.ui().scrTip->height() == 0);
 }
 

@@ -5,35 +5,40 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QHostAddress>
+#include <QNetworkDatagram>
 #include <QRegularExpression>
 #include <QThread>
 #include <QUdpSocket>
 
 namespace halvane::e2e {
 
-static const QByteArray OutOfBand("\xff\xff\xff\xff", 4);
+using namespace std::chrono_literals;
 
-QString missingEngine(const EngineFiles& files) {
-    if (!QFileInfo(files.engine).isExecutable())
-        return QStringLiteral("no dedicated server engine at ") + files.engine;
-    if (QDir(files.dataFolder).entryList({QStringLiteral("*.pk3")}, QDir::Files).isEmpty())
-        return QStringLiteral("no OpenArena archives in ") + files.dataFolder;
-    if (!QFileInfo::exists(files.gameLibrary))
-        return QStringLiteral("no OpenArena game library at ") + files.gameLibrary;
+static const QByteArray OutOfBand("\xff\xff\xff\xff", 4);
+static const QString Engine = QStringLiteral("/usr/lib/ioquake3/ioq3ded");
+static const QString DataFolder = QStringLiteral("/usr/share/games/openarena/baseoa");
+static const QString GameLibrary =
+    QStringLiteral("/usr/lib/openarena-server/baseoa/qagamex86_64.so");
+
+QString missingEngine() {
+    if (!QFileInfo(Engine).isExecutable())
+        return QStringLiteral("no dedicated server engine at ") + Engine;
+    if (QDir(DataFolder).entryList({QStringLiteral("*.pk3")}, QDir::Files).isEmpty())
+        return QStringLiteral("no OpenArena archives in ") + DataFolder;
+    if (!QFileInfo::exists(GameLibrary))
+        return QStringLiteral("no OpenArena game library at ") + GameLibrary;
     return QString();
 }
 
-QString buildGameFolder(const QString& folder, const EngineFiles& files) {
+QString buildGameFolder(const QString& folder) {
     const QDir root(folder);
     for (const char* sub : {"baseoa", "baseq3", "home"}) {
         if (!root.mkpath(QLatin1String(sub)))
             return QStringLiteral("cannot make ") + root.filePath(QLatin1String(sub));
     }
-    QStringList links;
-    const QDir data(files.dataFolder);
-    for (const QString& archive : data.entryList({QStringLiteral("*.pk3")}, QDir::Files))
-        links.append(data.filePath(archive));
-    links.append(files.gameLibrary);
+    QStringList links = {GameLibrary};
+    for (const QFileInfo& archive : QDir(DataFolder).entryInfoList({"*.pk3"}, QDir::Files))
+        links.append(archive.filePath());
     for (const QString& target : links) {
         const QString link =
             root.filePath(QStringLiteral("baseoa/") + QFileInfo(target).fileName());
@@ -47,7 +52,7 @@ QString buildGameFolder(const QString& folder, const EngineFiles& files) {
                        "exec %1 +set com_basegame baseoa +set fs_game baseq3 +set fs_basepath "
                        "'%2' +set fs_homepath '%2/home' +set com_legacyprotocol 71 +set "
                        "com_protocol 71 +set vm_game 0 \"$@\"\n")
-            .arg(files.engine, absolute);
+            .arg(Engine, absolute);
     QFile exe(root.filePath(QStringLiteral("quake3.exe")));
     if (!exe.open(QIODevice::WriteOnly | QIODevice::Truncate) ||
         exe.write(script.toUtf8()) != script.toUtf8().size())
@@ -62,81 +67,66 @@ quint16 freeUdpPort() {
     return socket.bind(QHostAddress::LocalHost, 0) ? socket.localPort() : 0;
 }
 
-QStringList ServerStatus::playerNames() const {
-    QStringList names;
-    for (const Player& player : players)
-        names.append(player.name);
-    return names;
-}
-
 // "statusResponse", then \key\value\key\value..., then one line per player: score ping "name".
-ServerStatus parseStatus(const QByteArray& reply) {
+static ServerStatus parseStatus(const QByteArray& reply) {
     ServerStatus status;
     const QStringList lines = QString::fromLatin1(reply).split('\n');
     const QStringList pairs = lines.value(1).split('\\');
     for (qsizetype i = 1; i + 1 < pairs.size(); i += 2)
         status.info.insert(pairs[i], pairs[i + 1]);
-    static const QRegularExpression player(QStringLiteral("^(-?\\d+) +(-?\\d+) +\"(.*)\"$"));
+    static const QRegularExpression player(QStringLiteral("^-?\\d+ +-?\\d+ +\"(.*)\"$"));
     for (const QString& line : lines.mid(2)) {
         const QRegularExpressionMatch m = player.match(line.trimmed());
         if (m.hasMatch())
-            status.players.append({m.captured(1).toInt(), m.captured(2).toInt(), m.captured(3)});
+            status.players.insert(m.captured(1));
     }
     return status;
 }
 
-std::optional<QByteArray> query(quint16 port, const QByteArray& command,
-                                std::chrono::milliseconds timeout) {
+// Sends one out-of-band packet and returns the first answer, if any in time.
+static std::optional<QByteArray> query(quint16 port, const QByteArray& command,
+                                       std::chrono::milliseconds timeout) {
     QUdpSocket socket;
     if (!socket.bind(QHostAddress::LocalHost, 0))
         return std::nullopt;
     const QByteArray packet = OutOfBand + command;
     if (socket.writeDatagram(packet, QHostAddress::LocalHost, port) != packet.size())
         return std::nullopt;
-    QDeadlineTimer deadline(timeout);
-    while (!deadline.hasExpired()) {
+    for (QDeadlineTimer deadline(timeout); !deadline.hasExpired();) {
         if (!socket.hasPendingDatagrams() &&
             !socket.waitForReadyRead(int(qMax<qint64>(1, deadline.remainingTime()))))
             continue;
-        while (socket.hasPendingDatagrams()) {
-            QByteArray reply(int(socket.pendingDatagramSize()), '\0');
-            const qint64 size = socket.readDatagram(reply.data(), reply.size());
-            if (size >= 4 && reply.startsWith(OutOfBand))
-                return reply.mid(4, size - 4);
-        }
+        const QByteArray reply = socket.receiveDatagram().data();
+        if (reply.startsWith(OutOfBand))
+            return reply.mid(4);
     }
     return std::nullopt;
 }
 
-std::optional<ServerStatus> getStatus(quint16 port, std::chrono::milliseconds timeout) {
-    const auto reply = query(port, "getstatus", timeout);
+std::optional<ServerStatus> getStatus(quint16 port) {
+    const auto reply = query(port, "getstatus", 1s);
     return reply && reply->startsWith("statusResponse") ? std::optional(parseStatus(*reply))
                                                         : std::nullopt;
 }
 
-std::optional<QString> rcon(quint16 port, const QString& password, const QString& command,
-                            std::chrono::milliseconds timeout) {
+std::optional<QString> rcon(quint16 port, const QString& password, const QString& command) {
     const auto reply =
-        query(port, QStringLiteral("rcon %1 %2").arg(password, command).toLatin1(), timeout);
+        query(port, QStringLiteral("rcon %1 %2").arg(password, command).toLatin1(), 2s);
     return reply && reply->startsWith("print") ? std::optional(QString::fromLatin1(reply->mid(6)))
                                                : std::nullopt;
 }
 
-std::optional<ServerStatus> waitForStatus(quint16 port,
-                                          const std::function<bool(const ServerStatus&)>& ok,
-                                          std::chrono::milliseconds timeout,
-                                          const std::function<bool()>& serverLives) {
-    std::optional<ServerStatus> last;
-    QDeadlineTimer deadline(timeout);
-    while (!deadline.hasExpired() && serverLives()) {
-        if (auto status = getStatus(port, std::chrono::milliseconds(500))) {
-            last = status;
-            if (ok(*status))
-                return last;
-        }
-        QThread::msleep(200);
+std::optional<ServerStatus> waitForMap(quint16 port, const QString& map,
+                                       const std::function<bool()>& serverLives,
+                                       const QSet<QString>& players) {
+    for (QDeadlineTimer deadline(60s); !deadline.hasExpired() && serverLives();
+         QThread::msleep(200)) {
+        const auto status = getStatus(port);
+        if (status && status->info.value("mapname") == map &&
+            (players.isEmpty() || status->players == players))
+            return status;
     }
-    return last;
+    return std::nullopt;
 }
 
 } // namespace halvane::e2e

@@ -1,9 +1,9 @@
 #pragma once
 
 #include <QMap>
+#include <QSet>
 #include <QString>
 #include <QStringList>
-#include <chrono>
 #include <functional>
 #include <optional>
 
@@ -12,53 +12,32 @@
 // engine, and the server's UDP queries. Everything stays on the loopback interface.
 namespace halvane::e2e {
 
-// Where the engine and the game data are expected (Debian's packages
-// ioquake3-server and openarena-server).
-struct EngineFiles {
-    QString engine = QStringLiteral("/usr/lib/ioquake3/ioq3ded");
-    QString dataFolder = QStringLiteral("/usr/share/games/openarena/baseoa");
-    QString gameLibrary = QStringLiteral("/usr/lib/openarena-server/baseoa/qagamex86_64.so");
-};
-
-// Empty when the engine and the game data are installed; otherwise what is
-// missing, for the test's skip message.
-QString missingEngine(const EngineFiles& files = {});
+// Empty when the engine and the game data (Debian's packages ioquake3-server and
+// openarena-server) are installed; otherwise what is missing, for the test's skip message.
+QString missingEngine();
 
 // Builds a game folder: baseoa/ with links to the OpenArena archives and the game library, an empty
 // baseq3/ (where our scripts go), home/ for the engine's own files, and an executable quake3.exe
 // that runs the engine with baseq3 as the game folder. Returns an error text, empty on success.
-QString buildGameFolder(const QString& folder, const EngineFiles& files = {});
+QString buildGameFolder(const QString& folder);
 
 // A UDP port on 127.0.0.1 that nothing listens on right now.
 quint16 freeUdpPort();
 
-// The server's answer to "getstatus": server info and the players.
+// The server's answer to "getstatus": server info and the players' names.
 struct ServerStatus {
     QMap<QString, QString> info; // cvar name -> value
-    struct Player {
-        int score = 0;
-        int ping = 0;
-        QString name;
-    };
-    QList<Player> players;
-    QStringList playerNames() const;
+    QSet<QString> players;
 };
 
-// Sends one out-of-band packet and returns the first answer, if any in time.
-std::optional<QByteArray> query(quint16 port, const QByteArray& command,
-                                std::chrono::milliseconds timeout);
-std::optional<ServerStatus> getStatus(quint16 port,
-                                      std::chrono::milliseconds timeout = std::chrono::seconds(1));
-ServerStatus parseStatus(const QByteArray& reply);
+std::optional<ServerStatus> getStatus(quint16 port);
 // Runs a console command through rcon; returns the printed answer.
-std::optional<QString> rcon(quint16 port, const QString& password, const QString& command,
-                            std::chrono::milliseconds timeout = std::chrono::seconds(2));
+std::optional<QString> rcon(quint16 port, const QString& password, const QString& command);
 
-// Polls getstatus until the status satisfies the condition, the time runs
-// out or the server has ended; returns the last status seen.
-std::optional<ServerStatus> waitForStatus(quint16 port,
-                                          const std::function<bool(const ServerStatus&)>& ok,
-                                          std::chrono::milliseconds timeout,
-                                          const std::function<bool()>& serverLives);
+// Polls getstatus for up to a minute until the server plays the map, with exactly these players
+// when given; none if it never did or the server ended first.
+std::optional<ServerStatus> waitForMap(quint16 port, const QString& map,
+                                       const std::function<bool()>& serverLives,
+                                       const QSet<QString>& players = {});
 
 } // namespace halvane::e2e

@@ -32,6 +32,15 @@ struct Result {
     QString out, err;
 };
 
+// Runs a configured process to its end.
+Result finish(QProcess& process, const QString& program, const QStringList& arguments) {
+    process.start(program, arguments);
+    process.waitForFinished(120000);
+    return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
+            QString::fromUtf8(process.readAllStandardOutput()),
+            QString::fromUtf8(process.readAllStandardError())};
+}
+
 // The executable copied into the test's program folder (its own files lie beside it) and run with a
 // home of the test's, on the stored settings of the test's INI file (or on the settings given).
 struct CommandLine {
@@ -42,7 +51,6 @@ struct CommandLine {
     Result run(const QStringList& arguments, const QByteArray& settings = {}) {
         platform.ini->flush();
         const QString config = platform.root() + "/config/Halvane/Halvane.ini";
-        QFile::remove(config);
         platform.writeFile(config,
                            settings.isEmpty() ? test::readAll(platform.iniPath()) : settings);
         QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
@@ -60,11 +68,7 @@ struct CommandLine {
         QProcess process;
         process.setProcessEnvironment(env);
         process.setWorkingDirectory(platform.root());
-        process.start(platform.programFolder() + "/halvane", arguments);
-        process.waitForFinished(120000);
-        return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
-                QString::fromUtf8(process.readAllStandardOutput()),
-                QString::fromUtf8(process.readAllStandardError())};
+        return finish(process, platform.programFolder() + "/halvane", arguments);
     }
 };
 
@@ -113,7 +117,6 @@ private slots:
     void launchStatusStopAndExport();
     void runScriptKeepsEveryWord();
     void exportOnAFullDisk();
-    void commandsOnAProfile();
 };
 
 // "Create halvane.cfg" in a window just started against write-config on the
@@ -177,8 +180,9 @@ void TestCommandLine::refusals() {
                  qPrintable(made));
 }
 
-// launch, status, stop and export on the settings the window stored, with
-// the real server answering on the loopback interface each time.
+// launch, status, stop and export on the settings the window stored and on a profile (its own
+// settings and maps, not the stored ones), with the real server answering on the loopback
+// interface each time.
 void TestCommandLine::launchStatusStopAndExport() {
     const QString missing = missingEngine();
     if (!missing.isEmpty())
@@ -194,8 +198,9 @@ void TestCommandLine::launchStatusStopAndExport() {
                              ";Network/NetPort=" +
                              QString::number(port);
     store(*p.ini, settings + ";General/Name=Halvane CLI e2e");
-    Profile profile; // the same with a host name and a map of its own
-    store(profile.settings, settings + ";General/Name=Halvane CLI profile");
+    Profile profile; // the same with a host name, a console password and a map of its own
+    store(profile.settings,
+          settings + ";General/Name=Halvane CLI profile;General/RconPassword=cli-side");
     profile.maps = {"oa_dm2"};
     QCOMPARE(ProfileStore(p.root() + "/config/Halvane/profiles").save("e2e", profile), QString());
     p.writeFile(p.programFolder() + "/maplist.txt", "oa_dm2\r\noa_dm3\r\n");
@@ -206,15 +211,6 @@ void TestCommandLine::launchStatusStopAndExport() {
         for (qint64 pid : started)
             ::kill(pid_t(pid), SIGKILL);
     });
-    const auto answers = [&](const QString& map, const QString& host,
-                             const std::function<bool()>& lives) {
-        return waitForStatus(
-            port,
-            [&](const ServerStatus& s) {
-                return s.info.value("mapname") == map && s.info.value("sv_hostname") == host;
-            },
-            60s, lives);
-    };
     // The server window's list, open all the while, takes in what the command line starts
     // and stops.
     QtProcesses processes;
@@ -238,7 +234,8 @@ void TestCommandLine::launchStatusStopAndExport() {
             const QByteArray stat = test::readAll("/proc/" + QString::number(pid) + "/stat");
             return !stat.isEmpty() && stat.mid(stat.lastIndexOf(')') + 2, 1) != "Z";
         };
-        QVERIFY2(answers(map, host, lives), "the launched server does not answer");
+        QVERIFY2(waitForMap(port, map, lives).value_or(ServerStatus()).info["sv_hostname"] == host,
+                 "the launched server does not answer");
         QTRY_VERIFY_WITH_TIMEOUT(listed.find(id), 10000);
         QCOMPARE(listed.find(id)->record.profile, QString(profileName));
         const auto statusOf = [&]() {
@@ -259,6 +256,18 @@ void TestCommandLine::launchStatusStopAndExport() {
         QTRY_COMPARE_WITH_TIMEOUT(listed.find(id)->record.endReason, QStringLiteral("stopped"),
                                   10000);
     }
+
+    QVERIFY(QFile::remove(game + "/baseq3/halvane.cfg"));
+    result = cli.run({"write-config", "--profile", "e2e"});
+    QVERIFY2(result.code == 0, qPrintable(result.err));
+    QVERIFY(test::readAll(game + "/baseq3/halvane.cfg")
+                .contains("seta sv_hostname \"Halvane CLI profile\"\r\n"));
+    result = cli.run({"export", "--profile", "e2e", "side"});
+    QVERIFY2(result.code == 0, qPrintable(result.err));
+    const QString side = p.root() + "/side/";
+    QVERIFY(test::readAll(side + "baseq3/halvane.cfg").contains("\"Halvane CLI profile\""));
+    QVERIFY(test::readAll(side + "baseq3/passwords.cfg").contains("cli-side"));
+    QVERIFY(QFileInfo::exists(side + "halvane-e2e.service"));
 
     // The export, copied to a fresh place and started with its run-server.sh.
     result = cli.run({"export", p.root() + "/export"});
@@ -291,13 +300,12 @@ void TestCommandLine::launchStatusStopAndExport() {
     QProcess exported;
     exported.setStandardOutputFile(QProcess::nullDevice());
     exported.start(folder + "/run-server.sh");
-    QVERIFY(exported.waitForStarted());
-    started << exported.processId();
-    QVERIFY2(
-        answers("oa_dm3", "Halvane CLI e2e", [&] { return exported.state() == QProcess::Running; }),
-        "the exported server does not answer");
-    const auto status = getStatus(port);
-    QCOMPARE(status->info.value("g_needpass"), QStringLiteral("1"));
+    QVERIFY(exported.waitForStarted()); // and killed when the test ends
+    const auto status =
+        waitForMap(port, "oa_dm3", [&] { return exported.state() == QProcess::Running; });
+    QVERIFY2(status, "the exported server does not answer");
+    QCOMPARE(QStringList({status->info["sv_hostname"], status->info["g_needpass"]}),
+             QStringList({"Halvane CLI e2e", "1"}));
     const auto console = rcon(port, "cli-rcon", "serverinfo");
     QVERIFY2(console && console->contains("Halvane CLI e2e"), "the console password is not set");
     const auto join = rcon(port, "cli-rcon", "g_password");
@@ -308,19 +316,17 @@ void TestCommandLine::launchStatusStopAndExport() {
     if (QStandardPaths::findExecutable("systemd-analyze").isEmpty())
         QSKIP("systemd-analyze is not installed: the unit is not verified");
     QProcess verify;
-    verify.start("systemd-analyze", {"verify", folder + "/halvane-halvane-cli-e2e.service"});
-    QVERIFY(verify.waitForFinished(60000));
-    QVERIFY2(verify.exitCode() == 0, verify.readAllStandardError().constData());
+    const Result unit =
+        finish(verify, "systemd-analyze", {"verify", folder + "/halvane-halvane-cli-e2e.service"});
+    QVERIFY2(unit.code == 0, qPrintable(unit.err));
 
     const QString validator = qEnvironmentVariable("HALVANE_MANIFEST_VALIDATOR");
     if (validator.isEmpty())
         QSKIP("no manifest validator: the Kubernetes schemas are not checked");
-    QProcess schemas;
-    schemas.start("node", {validator, folder + "/kubernetes.yaml"});
-    QVERIFY(schemas.waitForFinished(60000));
-    QVERIFY2(schemas.exitCode() == 0, schemas.readAllStandardError().constData());
-    QCOMPARE(schemas.readAllStandardOutput().trimmed(),
-             QByteArray("ConfigMap Secret Deployment Service"));
+    QProcess node;
+    const Result schemas = finish(node, "node", {validator, folder + "/kubernetes.yaml"});
+    QVERIFY2(schemas.code == 0, qPrintable(schemas.err));
+    QCOMPARE(schemas.out.trimmed(), QStringLiteral("ConfigMap Secret Deployment Service"));
 }
 
 // The operator's parameter line reaches the game through run-server.sh as the
@@ -336,9 +342,7 @@ void TestCommandLine::runScriptKeepsEveryWord() {
                            "+exec", "halvane.cfg"};
     const QString script = p.writeFile(p.root() + "/run-server.sh", exporting::runScript(input));
     QProcess run;
-    run.start("/bin/sh", {script});
-    QVERIFY(run.waitForFinished(30000));
-    QCOMPARE(QString::fromUtf8(run.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts),
+    QCOMPARE(finish(run, "/bin/sh", {script}).out.split('\n', Qt::SkipEmptyParts),
              exporting::serverArguments(input, QFileInfo(p.root()).canonicalFilePath(), true));
 }
 
@@ -364,31 +368,6 @@ void TestCommandLine::exportOnAFullDisk() {
              qPrintable(readOnly.err));
     QCOMPARE(QDir(disk).entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot),
              QStringList());
-}
-
-// --profile: the profile's own settings and maps, not the stored ones.
-void TestCommandLine::commandsOnAProfile() {
-    test::TestPlatform p;
-    p.makeGameFolder();
-    p.writeFile(p.programFolder() + "/maps.dat", test::catalogueOf({"q3dm1", "q3dm7"}));
-    Profile profile;
-    profile.settings.write("General", "Name", "Side Arena");
-    profile.settings.write("General", "RconPassword", "side-secret");
-    profile.maps = {"q3dm7"};
-    QCOMPARE(ProfileStore(p.root() + "/config/Halvane/profiles").save("Side Arena", profile),
-             QString());
-    CommandLine cli(p);
-    Result result = cli.run({"write-config", "--profile", "Side Arena"});
-    QVERIFY2(result.code == 0, qPrintable(result.err));
-    const QByteArray config = test::readAll(p.gameFolder() + "/baseq3/halvane.cfg");
-    // The profile's map, not mapsel.txt's.
-    QVERIFY2(config.contains("seta sv_hostname \"Side Arena\"\r\n") && config.contains("q3dm7"),
-             config.constData());
-    result = cli.run({"export", "--profile", "Side Arena", "side"});
-    QVERIFY2(result.code == 0, qPrintable(result.err));
-    QVERIFY(test::readAll(p.root() + "/side/baseq3/halvane.cfg").contains("\"Side Arena\""));
-    QVERIFY(test::readAll(p.root() + "/side/baseq3/passwords.cfg").contains("side-secret"));
-    QVERIFY(QFileInfo::exists(p.root() + "/side/halvane-side-arena.service"));
 }
 
 QTEST_MAIN(TestCommandLine)

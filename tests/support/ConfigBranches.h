@@ -38,10 +38,8 @@ const std::tuple<const char*, Change, QStringList, QStringList, const char*> Bra
      [](ServerSettings& s) { s.gameType = 3, s.friendlyEnabled = s.friendlyFire = true; },
      {"", "seta g_friendlyFire 1", "seta g_weaponrespawn 5"},
      {"seta g_gametype 0"},
-     "General/GameType=3\nOptions/FriendlyFire=1\nNetwork/HunkMegs=32\nSettings/LastTab=3\nOptions/"
-     "Master0= "
-     "m.example.net "
-     "\nOptions/Master3=q3.example.org"},
+     "General/GameType=3\nOptions/FriendlyFire=1\nNetwork/HunkMegs=32\nSettings/LastTab=3\n"
+     "Options/Master0= m.example.net \nOptions/Master3=q3.example.org"},
     {"automatic bots without chat",
      [](ServerSettings& s) {
          s.botType = 2, s.disableBotChat = true, s.autoBotSkill = 4, s.minBots = "x";
@@ -70,9 +68,8 @@ const std::tuple<const char*, Change, QStringList, QStringList, const char*> Bra
      {"seta sv_hostname \"Arena; sets inj 1 // /*\"", "seta g_motd \"+x;y\"", "",
       "seta sv_minPing 0"},
      {},
-     "General/Name=Arena; sets inj 1 // "
-     "/*\nGeneral/Motd=+x;y\nGeneral/RconPassword=p;w+\nGeneral/Password=letmein\nAdvanced/"
-     "RequirePW=1\nNetwork/MaxRate=25000 //"},
+     "General/Name=Arena; sets inj 1 // /*\nGeneral/Motd=+x;y\nGeneral/RconPassword=p;w+\n"
+     "General/Password=letmein\nAdvanced/RequirePW=1\nNetwork/MaxRate=25000 //"},
     {"one byte per character",
      [](ServerSettings& s) { s.serverName = "Caf\u00e9 \u00bbNord\u00ab"; },
      {"seta sv_hostname \"Caf\u00e9 \u00bbNord\u00ab\""},

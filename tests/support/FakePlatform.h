@@ -3,7 +3,6 @@
 #include "platform/Platform.h"
 
 #include <QList>
-#include <QMap>
 #include <QStringList>
 #include <functional>
 
@@ -21,7 +20,14 @@ struct ShownMessage {
 class FakeMessageBoxes : public MessageBoxes {
 public:
     MsgAnswer show(const QString& title, const QString& text, MsgButtons buttons,
-                   MsgIcon icon) override;
+                   MsgIcon icon) override {
+        shown.append({title, text, buttons, icon});
+        if (onShow)
+            onShow(shown.last());
+        if (buttons == MsgButtons::Ok)
+            return MsgAnswer::Ok;
+        return answers.isEmpty() ? MsgAnswer::No : answers.takeFirst();
+    }
     QList<ShownMessage> shown;
     QList<MsgAnswer> answers; // Yes/No answers in order; No when none is left
     std::function<void(const ShownMessage&)> onShow; // runs before the answer is given
@@ -39,9 +45,15 @@ struct FileDialogCall {
 class FakeFileDialogs : public FileDialogs {
 public:
     FileChoice openFile(const QString& title, const QString& filter,
-                        const QString& initialFolder) override;
+                        const QString& initialFolder) override {
+        calls.append({false, title, filter, QString(), initialFolder});
+        return choices.isEmpty() ? FileChoice{} : choices.takeFirst();
+    }
     FileChoice saveFile(const QString& title, const QString& filter, const QString& defaultSuffix,
-                        const QString& initialFolder) override;
+                        const QString& initialFolder) override {
+        calls.append({true, title, filter, defaultSuffix, initialFolder});
+        return choices.isEmpty() ? FileChoice{} : choices.takeFirst();
+    }
     QList<FileDialogCall> calls;
     QList<FileChoice> choices; // cancelled when none is left
 };
@@ -56,22 +68,23 @@ struct StartedProcess {
 class FakeProcesses : public Processes {
 public:
     StartResult start(const QString& program, const QStringList& arguments,
-                      const QString& workingFolder, const QString& logFile) override;
+                      const QString& workingFolder, const QString& logFile) override {
+        if (failWithCode != 0)
+            return {false, 0, failWithCode};
+        started.append({program, arguments, workingFolder, logFile});
+        const qint64 id = nextTaskId++;
+        alive.append(id);
+        return {true, id, 0, id * 7};
+    }
     bool activate(qint64 taskId) override {
         activated.append(taskId);
         return alive.contains(taskId);
     }
     qint64 startTimeOf(qint64 taskId) override { return alive.contains(taskId) ? taskId * 7 : 0; }
-    bool end(qint64 taskId, bool force) override {
-        ended.append(force ? -taskId : taskId);
-        return alive.removeAll(taskId) > 0;
-    }
-    QList<quint16> udpPortsOf(qint64 taskId) override { return udpPorts.value(taskId); }
+    bool end(qint64 taskId, bool) override { return alive.removeAll(taskId) > 0; }
     QList<StartedProcess> started;
-    QMap<qint64, QList<quint16>> udpPorts;
     QList<qint64> activated;
     QList<qint64> alive;  // task ids that count as running
-    QList<qint64> ended;  // task ids asked to end (negative: forced)
     int failWithCode = 0; // non-zero: the next starts fail with this code
     qint64 nextTaskId = 1000;
 };

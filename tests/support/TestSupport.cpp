@@ -25,18 +25,16 @@ TestPlatform::TestPlatform() {
     wire();
 }
 
-void TestPlatform::wire() {
-    app.reset(new AppContext{{messages, dialogs, processes, shell, desktop, *store, *folder},
-                             AppState{}});
+void TestPlatform::wire(const AppState& state) {
+    app.reset(
+        new AppContext{{messages, dialogs, processes, shell, desktop, *store, *folder}, state});
 }
 
 void TestPlatform::reopenStore() {
     ini->flush();
     ini = std::make_unique<QtSettingsStore>(iniPath());
     store = std::make_unique<RecordingStore>(*ini);
-    const AppState state = app->state;
-    wire();
-    app->state = state;
+    wire(app->state);
 }
 
 void TestPlatform::makeGameFolder() {
@@ -51,13 +49,12 @@ void TestPlatform::makeGameFolder() {
     app->state.GameExeName = QStringLiteral("quake3.exe");
 }
 
-WindowFixture::WindowFixture(const std::function<void(TestPlatform&)>& prepare, bool shown) {
+WindowFixture::WindowFixture(const std::function<void(TestPlatform&)>& prepare) {
     platform.makeGameFolder();
     if (prepare)
         prepare(platform);
     window = std::make_unique<MainWindow>(*platform.app);
-    if (shown)
-        window->showMainWindow();
+    window->showMainWindow();
 }
 
 void WindowFixture::reopen() {
@@ -90,8 +87,6 @@ FreeGameSources fakeFreeGame(TestPlatform& platform) {
 }
 
 QString firstDifference(const QByteArray& actual, const QByteArray& expected) {
-    if (actual == expected)
-        return QString();
     const QList<QByteArray> a = actual.split('\n'), e = expected.split('\n');
     // Line i of lines, shown with its unprintable bytes escaped.
     const auto line = [](const QList<QByteArray>& lines, int i) {
@@ -105,7 +100,7 @@ QString firstDifference(const QByteArray& actual, const QByteArray& expected) {
                 .arg(i + 1)
                 .arg(line(a, i), line(e, i));
     }
-    return QStringLiteral("files differ");
+    return actual == expected ? QString() : QStringLiteral("files differ");
 }
 
 bool makeArchive(const QString& path, const QStringList& members,
@@ -162,11 +157,10 @@ void clickEntry(QAbstractItemView* list, int row, Qt::KeyboardModifiers modifier
                 Qt::MouseButton button) {
     // The tab pages that hold the list come to the front, as the operator
     // turns to them before a click.
-    for (QWidget* page = list; page; page = page->parentWidget()) {
-        for (QWidget* up = page->parentWidget(); up; up = up->parentWidget()) {
-            if (auto* tabs = qobject_cast<QTabWidget*>(up); tabs && tabs->indexOf(page) >= 0)
-                tabs->setCurrentWidget(page);
-        }
+    for (QWidget* page = list; page->parentWidget(); page = page->parentWidget()) {
+        auto* tabs = qobject_cast<QTabWidget*>(page->parentWidget()->parentWidget());
+        if (tabs && tabs->indexOf(page) >= 0)
+            tabs->setCurrentWidget(page);
     }
     const QModelIndex index = list->model()->index(row, 0);
     list->scrollTo(index);

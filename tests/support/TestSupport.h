@@ -72,15 +72,14 @@ public:
     std::unique_ptr<AppContext> app;
 
 private:
-    void wire();
+    void wire(const AppState& state = {});
     QTemporaryDir m_dir;
 };
 
 // The main window over a game folder, as most window tests begin; prepare
 // writes what the window reads (files, stored values) before it is made.
 struct WindowFixture {
-    explicit WindowFixture(const std::function<void(TestPlatform&)>& prepare = {},
-                           bool shown = true);
+    explicit WindowFixture(const std::function<void(TestPlatform&)>& prepare = {});
     // A new window over the same files and stored values, as the next run sees them.
     void reopen();
     MainForm& ui() const { return window->form(); }
