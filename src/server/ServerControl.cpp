@@ -1,10 +1,11 @@
 #include "server/ServerControl.h"
 
 #include "app/AppContext.h"
+#include "config/ServerSettings.h"
+#include "launch/CommandLine.h"
 #include "launch/LaunchController.h"
 #include "server/ServerManager.h"
 #include "server/ServerWindow.h"
-#include "ui_frmAdvanced.h"
 #include "ui_frmMain.h"
 
 #include <QMainWindow>
@@ -15,9 +16,11 @@
 
 namespace halvane {
 
-ServerControl::ServerControl(QMainWindow& window, Ui::frmMain& ui, const Ui::frmAdvanced& advanced,
-                             AppContext& app, LaunchController& launch)
-    : m_window(window), m_advanced(advanced), m_app(app),
+ServerControl::ServerControl(QMainWindow& window, Ui::frmMain& ui,
+                             const ServerSettingsSource& settings,
+                             const LaunchOptionsSource& options, AppContext& app,
+                             LaunchController& launch)
+    : m_window(window), m_settings(settings), m_options(options), m_app(app),
       m_manager(std::make_unique<ServerManager>(app)) {
     auto* menu = new QMenu(QStringLiteral("Se&rver"), &window);
     menu->setObjectName(QStringLiteral("mnuServer"));
@@ -50,9 +53,18 @@ ServerControl::~ServerControl() = default;
 
 StartResult ServerControl::startServer(const QString& program, const QStringList& arguments,
                                        const QString& folder, const QString& commandLine) {
-    const StartResult started =
-        m_manager->launch(program, arguments, folder, commandLine, m_advanced.txtNetIP->text(),
-                          m_advanced.txtNetPort->text(), m_advanced.txtConsolePW->text());
+    const ServerSettings settings = m_settings.serverSettings();
+    const LaunchOptions options = m_options.launchOptions();
+    const StartResult started = m_manager->launch({program,
+                                                   arguments,
+                                                   folder,
+                                                   commandLine,
+                                                   options.netIp,
+                                                   options.netPort,
+                                                   settings.consolePassword,
+                                                   {},
+                                                   {},
+                                                   settings.serverName});
     if (started.started && !m_manager->launchProblem().isEmpty())
         m_app.platform.messages.tell(QStringLiteral("Halvane"), m_manager->launchProblem(),
                                      MsgIcon::Information);

@@ -11,26 +11,27 @@ class QPushButton;
 
 namespace Ui {
 class frmMain;
-class frmAdvanced;
 } // namespace Ui
 
 namespace halvane {
 
 struct AppContext;
 class LaunchController;
+class LaunchOptionsSource;
 class ProfileLauncher;
 class ServerManager;
+class ServerSettingsSource;
 class ServerWindow;
 
 // Ties the servers to the main window: every launch goes through the
 // manager, which records it, and the "Server" menu and the button open the
-// server window. The server's address and console password come from the
-// Advanced tab.
+// server window. The server's name, address and console password are
+// recorded as the options read at the launch.
 class ServerControl : public QObject, public ServerStarter {
     Q_OBJECT
 public:
-    ServerControl(QMainWindow& window, Ui::frmMain& frame, const Ui::frmAdvanced& advanced,
-                  AppContext& app, LaunchController& launch);
+    ServerControl(QMainWindow& window, Ui::frmMain& frame, const ServerSettingsSource& settings,
+                  const LaunchOptionsSource& options, AppContext& app, LaunchController& launch);
     ~ServerControl() override;
 
     ServerManager& manager() { return *m_manager; }
@@ -48,7 +49,8 @@ public:
 
 private:
     QMainWindow& m_window;
-    const Ui::frmAdvanced& m_advanced;
+    const ServerSettingsSource& m_settings;
+    const LaunchOptionsSource& m_options;
     AppContext& m_app;
     std::unique_ptr<ServerManager> m_manager;
     std::unique_ptr<ServerWindow> m_serverWindow;

@@ -164,7 +164,8 @@ StartResult ServerManager::launch(const QString& program, const QStringList& arg
                                   const QString& folder, const QString& commandLine,
                                   const QString& address, const QString& port,
                                   const QString& rconPassword) {
-    return launch({program, arguments, folder, commandLine, address, port, rconPassword, {}, {}});
+    return launch(
+        {program, arguments, folder, commandLine, address, port, rconPassword, {}, {}, {}});
 }
 
 StartResult ServerManager::launch(const ServerStart& start) {
@@ -175,6 +176,7 @@ StartResult ServerManager::launch(const ServerStart& start) {
     record.commandLine = start.commandLine;
     record.gameFolder = start.gameFolder;
     record.profile = start.profile;
+    record.hostName = start.hostName;
     const QString ip = start.address.trimmed();
     // A server bound to every address answers on the loopback one.
     record.address =
@@ -540,8 +542,10 @@ void ServerManager::readDatagrams() {
             server->live.status = std::move(status);
             server->live.problem.clear();
             // Kept for the list once it has ended.
-            const QString hostName = server->live.status->value("sv_hostname");
-            if (hostName != server->record.hostName) {
+            const auto& info = server->live.status->info;
+            const QString hostName = info.value(QStringLiteral("sv_hostname"));
+            if (info.contains(QStringLiteral("sv_hostname")) &&
+                hostName != server->record.hostName) {
                 server->record.hostName = hostName;
                 save();
             }

@@ -58,6 +58,9 @@ struct ServerStart {
     QString rconPassword;
     QString scriptFolder; // holds baseq3/ with the scripts; empty: the game folder
     QString profile;
+    // Shown until the game answers with its own, and kept when the game
+    // leaves it out of its answers (it drops a name holding a ';').
+    QString hostName;
 };
 
 struct ServerEntry {

@@ -219,8 +219,8 @@ void ServerWindow::fillRow(QTreeWidgetItem& item, const ServerEntry& server) con
     const auto& status = server.live.status;
     using protocol::cutForDisplay;
     using protocol::withoutColours;
-    // The name it last answered with stays once it has ended.
-    const QString name = withoutColours(status ? status->value("sv_hostname") : r.hostName);
+    // The name it last answered with (or was launched with) stays once it has ended.
+    const QString name = withoutColours(r.hostName);
     item.setText(Name, cutForDisplay(name, ShownName));
     item.setToolTip(Name, name.size() > ShownName ? name : QString());
     // No port until the game has said where it listens.
@@ -347,7 +347,7 @@ void ServerWindow::showDetails() {
                      : QString());
     ui->cmdOpenLog->setEnabled(!ui->cmbRun->currentData().toString().isEmpty());
     const auto* status = server && server->live.status ? &*server->live.status : nullptr;
-    const QString hostName = status ? status->value("sv_hostname") : QString();
+    const QString hostName = status ? server->record.hostName : QString();
     ui->lblHostName->setText(protocol::colouredHtml(protocol::cutForDisplay(hostName, ShownName)));
     ui->lblHostName->setToolTip(protocol::withoutColours(hostName));
 

@@ -44,9 +44,10 @@ public:
     StartResult startServer(const QString& program, const QStringList& arguments,
                             const QString& folder, const QString& commandLine) override {
         const LaunchOptions options = m_form.launchOptions();
+        const ServerSettings settings = m_form.serverSettings();
         return m_manager.launch({program, arguments, folder, commandLine, options.netIp,
-                                 options.netPort, m_form.serverSettings().consolePassword,
-                                 m_scriptFolder, m_profileName});
+                                 options.netPort, settings.consolePassword, m_scriptFolder,
+                                 m_profileName, settings.serverName});
     }
 
 private:

@@ -124,8 +124,8 @@ MainWindow::MainWindow(AppContext& app, WindowRole role)
     m_launch =
         std::make_unique<LaunchController>(*m_formSettings, *ui->cmdStart, m_app, *this, *this);
     if (m_role == WindowRole::Main)
-        m_servers =
-            std::make_unique<ServerControl>(*this, *ui, ui->tabAdvanced->form(), m_app, *m_launch);
+        m_servers = std::make_unique<ServerControl>(*this, *ui, *m_formSettings, *m_formSettings,
+                                                    m_app, *m_launch);
     else
         SkipSaveOnClose = true;
     m_export = std::make_unique<ServerExport>(findChild<QMenu*>(QStringLiteral("mnuServer")), *this,
