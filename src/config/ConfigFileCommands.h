@@ -27,9 +27,6 @@ public:
     ConfigFileCommands(const ConfigFileControls& ui, AppContext& app, ConfigSteps& steps,
                        QObject* parent = nullptr);
 
-    ConfigSteps& steps() { return *m_steps; }
-    void setSteps(ConfigSteps& steps) { m_steps = &steps; }
-
     // True when the configuration was written.
     bool mnuFileMakeCfg();
     void mnuFileSaveAs();
