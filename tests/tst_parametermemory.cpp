@@ -67,7 +67,7 @@ void ParameterMemoryTest::saving() {
     QStringList afterwards = after; // Parameter0..10, "" when empty
     afterwards.resize(11);
     const auto parameter = [](int i) { return QStringLiteral("Parameter%1").arg(i); };
-    WindowFixture f([&](TestPlatform& p) {
+    WindowFixture f([&, &stored = stored](TestPlatform& p) {
         for (int i = 0; i < stored.size(); ++i)
             if (!stored[i].isEmpty())
                 p.ini->write("Advanced", parameter(i), stored[i]);

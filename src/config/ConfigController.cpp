@@ -6,7 +6,7 @@ namespace halvane {
 
 ConfigController::ConfigController(const ServerSettingsSource& form, MapCatalogue& catalogue,
                                    AppContext& app, RandomSource& random)
-    : m_form(form), m_app(app), m_bots(app.state, app.platform.messages, random),
+    : m_form(form), m_bots(app.state, app.platform.messages, random),
       m_writer(app.state, app.platform.messages, catalogue, m_bots) {}
 
 ServerSettings ConfigController::snapshot() const {

@@ -32,7 +32,6 @@ public:
 
 private:
     const ServerSettingsSource& m_form;
-    AppContext& m_app;
     BotScriptWriter m_bots;
     ConfigWriter m_writer;
 };
