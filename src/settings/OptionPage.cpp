@@ -1,5 +1,6 @@
 #include "settings/OptionPage.h"
 
+#include "app/NamedChildren.h"
 #include "platform/SettingsStore.h"
 #include "settings/HolderAccess.h"
 
@@ -54,15 +55,7 @@ QObject* OptionPage::childHolder(const QObject& page, const OptionKey& option) c
         for (const OptionKey& key : optionCatalogue())
             m_holders.insert(QString::fromLatin1(key.holder), nullptr);
         m_holders.insert(name, nullptr);
-        for (QObject* object : page.findChildren<QObject*>()) {
-            const auto found = m_holders.find(object->objectName());
-            if (found == m_holders.end())
-                continue;
-            if (*found)
-                m_shared.insert(found.key());
-            else
-                *found = object;
-        }
+        findNamedChildren<QObject>(page, m_holders, m_shared);
         for (const QString& sharedName : std::as_const(m_shared))
             m_holders.remove(sharedName);
     }

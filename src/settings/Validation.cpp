@@ -2,6 +2,7 @@
 #include "settings/Positions.h"
 
 #include "app/AppContext.h"
+#include "app/NamedChildren.h"
 #include "config/ConsoleText.h"
 #include "settings/SettingsController.h"
 #include "settings/TextForms.h"
@@ -95,15 +96,7 @@ void Validation::installGuards() {
     for (const QString& name : numericBoxes())
         boxes.insert(name, nullptr);
     QSet<QString> shared;
-    for (QLineEdit* box : window->findChildren<QLineEdit*>()) {
-        const auto found = boxes.find(box->objectName());
-        if (found == boxes.end())
-            continue;
-        if (*found)
-            shared.insert(found.key());
-        else
-            *found = box;
-    }
+    findNamedChildren<QLineEdit>(*window, boxes, shared);
     for (const QString& name : numericBoxes()) {
         QLineEdit* box =
             shared.contains(name) ? window->findChild<QLineEdit*>(name) : boxes.value(name);

@@ -1,5 +1,7 @@
 #include "ui/TabFrames.h"
 
+#include "app/NamedChildren.h"
+
 #include <QHash>
 #include <QSet>
 #include <QTabWidget>
@@ -17,15 +19,7 @@ TabFrames::TabFrames(QTabWidget& tabs, QWidget& window, QObject* parent)
             frames.insert(name, nullptr);
     }
     QSet<QString> shared;
-    for (QWidget* widget : window.findChildren<QWidget*>()) {
-        const auto found = frames.find(widget->objectName());
-        if (found == frames.end())
-            continue;
-        if (*found)
-            shared.insert(found.key());
-        else
-            *found = widget;
-    }
+    findNamedChildren<QWidget>(window, frames, shared);
     for (int tab = 0; tab < TabCount; ++tab) {
         for (const QString& name : frameNames(tab)) {
             QWidget* frame =
